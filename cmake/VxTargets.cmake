@@ -26,6 +26,8 @@ function(vx_platform_library aName)
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/Libs/Platform/include>
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     target_link_libraries(${aName} PUBLIC ${ARG_USES} PRIVATE $<BUILD_INTERFACE:vx_options>)
+    install(TARGETS ${aName} EXPORT vxTargets
+        LIBRARY COMPONENT runtime NAMELINK_COMPONENT development)
 endfunction()
 
 # vx_family(NAME [HEADER_ONLY] [USES family...] [SOURCE_USES family...])
@@ -34,6 +36,8 @@ endfunction()
 # includes; the include-graph test holds these lines against the files.
 function(vx_family aName)
     cmake_parse_arguments(ARG "HEADER_ONLY" "" "USES;SOURCE_USES" ${ARGN})
+    target_sources(vx PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/Libs/Internal/vx
+        FILES ${PROJECT_SOURCE_DIR}/Libs/Internal/vx/vx/${aName}.h)
     if(NOT ARG_HEADER_ONLY)
         target_sources(vx PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/${aName}.cpp)
     endif()

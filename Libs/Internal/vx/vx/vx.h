@@ -1,0 +1,5 @@
+#pragma once
+
+// The whole library.
+
+#include "vx/Ref.h"
