@@ -10,7 +10,7 @@ VX_C_BEGIN
 /// afterwards, unless the environment variable VXASSERT is "abort".
 ///
 /// Threads:  any.
-VX_API void _vxAssert(const char* aCondition, const char* aFile, int aLine);
+VX_API void _vxAssert(const char* aCondition, const char* aFile, int aLine) __attribute__((cold));
 
 VX_C_END
 
@@ -21,3 +21,11 @@ VX_C_END
 /// Reports `aText` when `aCondition` does not hold, and goes on.
 #define VXASSERT_TEXT(aCondition, aText) \
     ((aCondition) ? static_cast<void>(0) : _vxAssert(aText, __FILE__, __LINE__))
+
+/// Is true when `aCondition` holds; otherwise reports it, as written, and is false.
+///
+///     if (!VXCHECK(anIndex < mCount)) {
+///         return NULL;
+///     }
+#define VXCHECK(aCondition) \
+    ((aCondition) ? true : (_vxAssert(#aCondition, __FILE__, __LINE__), false))
