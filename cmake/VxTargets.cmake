@@ -13,6 +13,9 @@ if(VX_SANITIZE)
     target_link_options(vx_options INTERFACE -fsanitize=${VX_SANITIZE})
 endif()
 
+# Installed libraries find each other beside themselves, wherever the tree is put.
+set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+
 # vx_platform_library(NAME SOURCES file... [USES library...])
 # One of the three libraries below libvx: C linkage outside, hidden symbols by default.
 function(vx_platform_library aName)
