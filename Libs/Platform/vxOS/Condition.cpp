@@ -1,0 +1,70 @@
+// A waiting thread sleeps on the number of signals that it read while it held the mutex. Every signal
+// changes the number, so one that comes before the thread is asleep keeps it awake.
+
+#include <libvxOS/Condition.h>
+
+#include "Futex.h"
+#include "Mutex.h"
+
+#include <cerrno>
+#include <new>
+
+struct vxOSCondition {
+    std::atomic<uint32_t> mSignals{0};  // modulo 2^32
+    std::atomic<uint32_t> mWaiters{0};  // threads between their entry and their wake-up
+};
+
+namespace {
+
+int vxWait(vxOSCondition* aCondition, vxOSMutex* aMutex, const vxDeadline* aDeadline) {
+    if (aCondition == nullptr || aMutex == nullptr) {
+        return EINVAL;
+    }
+    if (!aMutex->mLock.IsHeld()) {
+        return EPERM;
+    }
+    // A signal either sees this waiter or has changed the number already: both sides use the one
+    // total order.
+    aCondition->mWaiters.fetch_add(1);
+    const uint32_t theSignals = aCondition->mSignals.load();
+    const uint32_t theRepeats = aMutex->mLock.LetGo();
+    int theResult = 0;
+    while (theResult == 0 && aCondition->mSignals.load() == theSignals) {
+        theResult = vxFutex_Wait(&aCondition->mSignals, theSignals, aDeadline);
+    }
+    aMutex->mLock.TakeBack(theRepeats);
+    aCondition->mWaiters.fetch_sub(1);
+    // A signal that came after the time was over, but before the mutex was back, may have no other
+    // thread to wake: it counts.
+    return aCondition->mSignals.load() == theSignals ? theResult : 0;
+}
+
+}  // namespace
+
+vxOSCondition* vxCondition_New(void) {
+    return new (std::nothrow) vxOSCondition;
+}
+
+void vxCondition_Delete(vxOSCondition* aCondition) {
+    delete aCondition;
+}
+
+int vxCondition_Wait(vxOSCondition* aCondition, vxOSMutex* aMutex) {
+    return vxWait(aCondition, aMutex, nullptr);
+}
+
+int vxCondition_WaitTimeout(vxOSCondition* aCondition, vxOSMutex* aMutex, uint32_t aMSTimeout) {
+    const vxDeadline theDeadline = vxDeadline_In(aMSTimeout);
+    return vxWait(aCondition, aMutex, &theDeadline);
+}
+
+int vxCondition_Signal(vxOSCondition* aCondition) {
+    if (aCondition == nullptr) {
+        return EINVAL;
+    }
+    aCondition->mSignals.fetch_add(1);
+    if (aCondition->mWaiters.load() != 0) {
+        vxFutex_Wake(&aCondition->mSignals, 1);
+    }
+    return 0;
+}

@@ -1,0 +1,39 @@
+// Handles on recursive locks that no condition waits with.
+
+#include <libvxOS/CriticalSection.h>
+
+#include "RecursiveLock.h"
+
+#include <cerrno>
+#include <new>
+
+struct vxOSCriticalSection {
+    vxRecursiveLock mLock;
+};
+
+vxOSCriticalSection* vxCriticalSection_New(void) {
+    return new (std::nothrow) vxOSCriticalSection;
+}
+
+void vxCriticalSection_Delete(vxOSCriticalSection* aSection) {
+    delete aSection;
+}
+
+int vxCriticalSection_Enter(vxOSCriticalSection* aSection) {
+    if (aSection == nullptr) {
+        return EINVAL;
+    }
+    aSection->mLock.Lock();
+    return 0;
+}
+
+int vxCriticalSection_Leave(vxOSCriticalSection* aSection) {
+    if (aSection == nullptr) {
+        return EINVAL;
+    }
+    if (!aSection->mLock.IsHeld()) {
+        return EPERM;
+    }
+    aSection->mLock.Unlock();
+    return 0;
+}
