@@ -1,0 +1,138 @@
+// Shell patterns on bytes.
+//
+// A star first stands for nothing and takes one byte more each time the rest does not fit. Only the
+// last star met need be tried again: what stood between an earlier star and it has been found as
+// far left as possible. That keeps patterns full of stars from trying every combination.
+
+#include "Wildcard.h"
+
+#include <cctype>
+#include <cstring>
+
+namespace {
+
+struct vxCharacterClass {
+    const char* mName;  // as written between the brackets and colons
+    int (*mTest)(int);
+};
+
+constexpr vxCharacterClass kClasses[] = {
+    {"[:alnum:]", isalnum}, {"[:alpha:]", isalpha}, {"[:blank:]", isblank},
+    {"[:cntrl:]", iscntrl}, {"[:digit:]", isdigit}, {"[:graph:]", isgraph},
+    {"[:lower:]", islower}, {"[:print:]", isprint}, {"[:punct:]", ispunct},
+    {"[:space:]", isspace}, {"[:upper:]", isupper}, {"[:xdigit:]", isxdigit},
+};
+
+unsigned char vxByte(char aChar) {
+    return static_cast<unsigned char>(aChar);
+}
+
+const vxCharacterClass* vxClassAt(const char* aPattern) {
+    for (const vxCharacterClass& theClass : kClasses) {
+        if (strncmp(aPattern, theClass.mName, strlen(theClass.mName)) == 0) {
+            return &theClass;
+        }
+    }
+    return nullptr;
+}
+
+// Takes one byte of a set, a backslash in front of it included; 0 at the end of the pattern.
+unsigned char vxTakeSetByte(const char*& aPattern) {
+    if (*aPattern == '\\' && aPattern[1] != '\0') {
+        ++aPattern;
+    }
+    return *aPattern == '\0' ? 0 : vxByte(*aPattern++);
+}
+
+// Matches one byte with the set behind `[` and moves the pattern behind the closing bracket. A set
+// that never closes is no set: the pattern stays and `afSet` is false.
+bool vxMatchesSet(const char*& aPattern, unsigned char aByte, bool& afSet) {
+    const char* thePos = aPattern;
+    const bool theInverted = *thePos == '!' || *thePos == '^';
+    thePos += theInverted ? 1 : 0;
+    bool theFound = false;
+    for (const char* theFirst = thePos; *thePos != ']' || thePos == theFirst;) {
+        if (const vxCharacterClass* theClass = vxClassAt(thePos)) {
+            theFound |= theClass->mTest(aByte) != 0;
+            thePos += strlen(theClass->mName);
+            continue;
+        }
+        const unsigned char theLow = vxTakeSetByte(thePos);
+        unsigned char theHigh = theLow;
+        if (*thePos == '-' && thePos[1] != ']' && thePos[1] != '\0') {
+            ++thePos;
+            theHigh = vxTakeSetByte(thePos);
+        }
+        if (theLow == 0 || theHigh == 0) {
+            afSet = false;
+            return false;
+        }
+        theFound |= theLow <= aByte && aByte <= theHigh;
+    }
+    afSet = true;
+    aPattern = thePos + 1;
+    return theFound != theInverted;
+}
+
+// Matches one byte of the name, which is not at its end, and moves the pattern behind what matched.
+bool vxMatchesByte(const char*& aPattern, char aByte) {
+    switch (*aPattern) {
+        case '\0':
+            return false;
+        case '?':
+            ++aPattern;
+            return true;
+        case '[': {
+            const char* theSet = aPattern + 1;
+            bool theIsSet;
+            const bool theMatches = vxMatchesSet(theSet, vxByte(aByte), theIsSet);
+            aPattern = theIsSet ? theSet : aPattern + 1;
+            return theIsSet ? theMatches : aByte == '[';
+        }
+        case '\\':
+            if (aPattern[1] == '\0') {
+                return false;
+            }
+            ++aPattern;
+            break;
+        default:
+            break;
+    }
+    return *aPattern++ == aByte;
+}
+
+// A text without special bytes can stand behind the last star in one place only.
+bool vxEndsWith(const char* aName, const char* aText, size_t aLength) {
+    const size_t theNameLength = strlen(aName);
+    return theNameLength >= aLength && memcmp(aName + theNameLength - aLength, aText, aLength) == 0;
+}
+
+}  // namespace
+
+bool vxWildcardMatches(const char* aPattern, const char* aName) {
+    const char* theStar = nullptr;   // behind the last star met
+    const char* theRetry = nullptr;  // where in the name the pattern behind it is tried
+    for (;;) {
+        if (*aPattern == '*') {
+            theStar = ++aPattern;
+            theRetry = aName;
+            const size_t thePlain = strcspn(aPattern, "*?[\\");
+            if (aPattern[thePlain] == '\0') {
+                return vxEndsWith(aName, aPattern, thePlain);
+            }
+            continue;
+        }
+        if (*aName == '\0') {
+            return *aPattern == '\0';
+        }
+        if (vxMatchesByte(aPattern, *aName)) {
+            ++aName;
+            continue;
+        }
+        if (theStar == nullptr) {
+            return false;
+        }
+        aPattern = theStar;
+        aName = ++theRetry;
+    }
+}
