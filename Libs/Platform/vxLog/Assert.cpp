@@ -11,7 +11,7 @@
 
 namespace {
 
-vxHandlerSlot<void (*)(void*, const char*, const char*, int)> sHandler;
+vxHandlerSlot<const char*, const char*, int> sHandler;
 
 bool vxAbortIsWanted() {
     const char* theMode = getenv("VXASSERT");
@@ -25,9 +25,7 @@ void vxAssert_SetHandler(void (*aHandler)(void*, const char*, const char*, int),
 }
 
 void _vxAssert(const char* aCondition, const char* aFile, int aLine) {
-    const auto theHandler = sHandler.Get();
-    if (theHandler.mFunction != nullptr) {
-        theHandler.mFunction(theHandler.mContext, aCondition, aFile, aLine);
+    if (sHandler.Call(aCondition, aFile, aLine)) {
         return;
     }
     fprintf(stderr, "%s:%d: assertion failed: %s\n", aFile, aLine, aCondition);

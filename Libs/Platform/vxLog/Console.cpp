@@ -7,12 +7,11 @@
 #include "Format.h"
 #include "Handler.h"
 
-#include <cstdarg>
 #include <cstdio>
 
 namespace {
 
-vxHandlerSlot<void (*)(void*, const char*)> sHandler;
+vxHandlerSlot<const char*> sHandler;
 
 }  // namespace
 
@@ -26,12 +25,8 @@ void vxConsole_Printf(const char* aFormat, ...) {
     va_start(theArgs, aFormat);
     vxAppendFormatted(theText, aFormat, theArgs);
     va_end(theArgs);
-
-    const auto theHandler = sHandler.Get();
-    if (theHandler.mFunction != nullptr) {
-        theHandler.mFunction(theHandler.mContext, theText.c_str());
-        return;
+    if (!sHandler.Call(theText.c_str())) {
+        fwrite(theText.data(), 1, theText.size(), stdout);
+        fflush(stdout);
     }
-    fwrite(theText.data(), 1, theText.size(), stdout);
-    fflush(stdout);
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-vxHandlerSlot<void (*)(void*, const char*, size_t)> sHandler;
+vxHandlerSlot<const char*, size_t> sHandler;
 
 }  // namespace
 
@@ -20,9 +20,7 @@ void vxFatalError_SetHandler(void (*aHandler)(void*, const char*, size_t), void*
 }
 
 void vxFatalError_WithSize(const char* aResource, size_t aSize) {
-    const auto theHandler = sHandler.Get();
-    if (theHandler.mFunction != nullptr) {
-        theHandler.mFunction(theHandler.mContext, aResource, aSize);
+    if (sHandler.Call(aResource, aSize)) {
         return;
     }
     fprintf(stderr, "fatal error: %s (%lu bytes)\n", aResource, static_cast<unsigned long>(aSize));
@@ -30,5 +28,9 @@ void vxFatalError_WithSize(const char* aResource, size_t aSize) {
 }
 
 void vxFatalError(const char* aResource) {
-    vxFatalError_WithSize(aResource, 0);
+    if (sHandler.Call(aResource, 0)) {
+        return;
+    }
+    fprintf(stderr, "fatal error: %s\n", aResource);
+    abort();
 }

@@ -39,17 +39,23 @@ static inline int vxLog_GetLevel(vxLogModule aModule) {
 }
 
 /// Opens a record of the calling thread. Use vxLog_Begin(), which adds the source position.
+///
+/// A record that is opened while another is open is one of its own; once it is closed, the outer
+/// one goes on.
+///
+/// Threads:  any; each thread has its own records.
 VX_API void _vxLog_Begin(int aLevel, vxLogModule aModule, const char* aFile, int aLine);
 
 /// Adds formatted text to the calling thread's open record; without one it does nothing.
 ///
-/// Threads:  any; each thread has its own record.
+/// Threads:  any; each thread has its own records.
 VX_API void vxLog_Append_F(const char* aFormat, ...) VX_PRINTF(1, 2);
 
 /// Closes the calling thread's record and hands it out whole: to the log handler, else to the
-/// sinks that are switched on.
+/// file, to the system log or to standard error (see <libvxLog/Handlers.h>). Without an open
+/// record it does nothing.
 ///
-/// Threads:  any; each thread has its own record.
+/// Threads:  any; each thread has its own records.
 VX_API void vxLog_End(void);
 
 VX_C_END
