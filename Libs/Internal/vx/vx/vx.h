@@ -2,4 +2,9 @@
 
 // The whole library.
 
+#include "vx/BitString.h"
+#include "vx/CountedDataBuffer.h"
+#include "vx/DataBuffer.h"
+#include "vx/GrowingBuffer.h"
 #include "vx/Ref.h"
+#include "vx/UInt64.h"
