@@ -3,6 +3,8 @@
 // The whole library.
 
 #include "vx/BitString.h"
+#include "vx/CString.h"
+#include "vx/CharBuffer.h"
 #include "vx/CountedDataBuffer.h"
 #include "vx/DataBuffer.h"
 #include "vx/GrowingBuffer.h"
