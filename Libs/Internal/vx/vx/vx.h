@@ -15,6 +15,7 @@
 #include "vx/GrowingBuffer.h"
 #include "vx/List.h"
 #include "vx/Mutex.h"
+#include "vx/PathName.h"
 #include "vx/Rect.h"
 #include "vx/Ref.h"
 #include "vx/Select.h"
