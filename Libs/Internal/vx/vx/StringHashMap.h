@@ -1,0 +1,21 @@
+#pragma once
+
+#include "vx/Api.h"
+
+/// Visits one entry of a table with text keys; false ends the walk.
+typedef bool (*vxStringHashMap_Callback)(const char* aKey, void* aValue, void* aUserData);
+
+/// A callback with its own context, for vxStringHashMap_ForEach().
+struct vxStringHashMap_Visitor {
+    vxStringHashMap_Callback mCallback;
+    void* mUserData;
+};
+
+/// Calls the callback of the visitor that `aContext` points to, and returns its answer.
+VX_EXPORT bool vxStringHashMap_ForEach(const char* aKey, void* aValue, void* aContext);
+
+/// The same in the order of arguments of the table's walk, so that it can be handed to that:
+///
+///     vxStringHashMap_Visitor theVisitor = {Visit, &theData};
+///     vxCustomHashTable_ForEach(theTable, vxStringHashMap_ForEach, &theVisitor);
+VX_EXPORT bool vxStringHashMap_ForEach(void* aContext, const char* aKey, void* aValue);
