@@ -1,0 +1,39 @@
+#pragma once
+
+#include "vx/CString.h"
+
+namespace vxmedia {
+
+/// Where the program writes to: complete lines, and a prompt where somebody sits at a terminal.
+///
+/// Text that comes while the prompt waits, from a timer or a scan, starts on a line of its own.
+///
+/// Threads:  one at a time.
+class Console {
+public:
+    explicit Console(bool afPrompts) : mfPrompts(afPrompts) {}
+
+    /// Writes text that ends with a line feed; nothing when it is empty.
+    void Print(const vxCString& aText);
+
+    /// Writes one line. The text must be safe for a terminal.
+    void PrintLine(const vxCString& aText) { Print(aText + "\n"); }
+
+    /// Writes an error line: what is not safe for a terminal is escaped.
+    void PrintError(const vxCString& anError);
+
+    /// Shows the prompt, unless it is there already or nobody needs one.
+    void ShowPrompt();
+
+    /// Tells that the user has ended the prompt's line.
+    void LineWasTyped() { mfPromptShown = false; }
+
+    /// Ends the prompt's line at the end of the input.
+    void Finish();
+
+private:
+    const bool mfPrompts;
+    bool mfPromptShown = false;
+};
+
+}  // namespace vxmedia

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Console.h"
+#include "Interpreter.h"
+#include "LineReader.h"
+#include "ScanApplet.h"
+#include "vx/Applet.h"
+
+namespace vxmedia {
+
+/// Reads command lines and executes them one by one, each only when the scan before it has ended.
+///
+/// Lines come from standard input, or were given on the program's command line; then standard input
+/// is not read.
+///
+/// Threads:  one at a time.
+class ConsoleApplet : public vxApplet {
+public:
+    ConsoleApplet(Console& aConsole, Interpreter& anInterpreter, ScanApplet& aScanApplet)
+        : mConsole(aConsole), mInterpreter(anInterpreter), mScanApplet(aScanApplet) {}
+
+    /// Sets what is called when the last line has been executed.
+    void SetEndCallback(std::function<void()> aCallback) { mEnd = std::move(aCallback); }
+
+    /// Adds lines to be executed instead of those of standard input.
+    void AddLines(const std::string& aText);
+
+    /// Ends the lines that were added.
+    void EndLines();
+
+    /// Returns whether standard input is to be waited for.
+    bool WantsInput() const;
+
+    /// Tells that standard input can be read without waiting.
+    void InputIsReadable();
+
+    /// Returns whether a line has failed.
+    bool HasFailed() const { return mfFailed; }
+
+    /// Counts a failure that belongs to no line.
+    void NoteFailure() { mfFailed = true; }
+
+    vxAppletMsg AppletLoop(vxAppletMsg aMsg) override;
+
+private:
+    void ReadInput();
+    bool ExecuteNextLine();
+    bool IsDone() const { return mLines.HasEnded() && !mLines.HasLine(); }
+
+    Console& mConsole;
+    Interpreter& mInterpreter;
+    ScanApplet& mScanApplet;
+    std::function<void()> mEnd;
+    LineReader mLines;
+    bool mfReadable = false;  // one read will not wait
+    bool mfFailed = false;
+};
+
+}  // namespace vxmedia

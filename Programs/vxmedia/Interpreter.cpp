@@ -1,0 +1,45 @@
+#include "Interpreter.h"
+
+#include "TerminalText.h"
+
+namespace vxmedia {
+
+Interpreter::Interpreter(Console& aConsole) : mConsole(aConsole), mManager(new vxCLIManager) {}
+
+void Interpreter::AddModule(const vxRef<CommandModule>& aModule) {
+    mManager->Add(aModule->GetCommandSet());
+    mModules.push_back(aModule);
+}
+
+bool Interpreter::Execute(const vxCString& aLine) {
+    const vxRef<vxCLICommand> theCommand = mManager->Parse(aLine);
+    if (!theCommand->IsValid()) {
+        mConsole.PrintError(theCommand->GetError());
+        return false;
+    }
+    if (theCommand->IsExit()) {
+        mExit();
+        return true;
+    }
+    return theCommand->ModuleIs("help") ? Help(theCommand) : Dispatch(theCommand);
+}
+
+bool Interpreter::Help(const vxRef<vxCLICommand>& aCommand) {
+    vxCString theText = EscapeForTerminal(mManager->GetHelp(aCommand), EscapeMode::Lines);
+    // Only the error text has no line feed of its own.
+    const bool theIsHelp = theText.Last() == '\n';
+    mConsole.Print(theIsHelp ? theText : theText + "\n");
+    return theIsHelp;
+}
+
+// An empty line and a change of the active module lead to no module: there is nothing left to do.
+bool Interpreter::Dispatch(const vxRef<vxCLICommand>& aCommand) {
+    for (const vxRef<CommandModule>& theModule : mModules) {
+        if (aCommand->GetCLICommandSet() == theModule->GetCommandSet()) {
+            return theModule->HandleCLICommand(aCommand);
+        }
+    }
+    return true;
+}
+
+}  // namespace vxmedia

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "CommandModule.h"
+#include "vx/CLIManager.h"
+
+namespace vxmedia {
+
+/// Executes command lines: the built-in ones itself, all others through their module.
+///
+/// Threads:  one at a time.
+class Interpreter {
+public:
+    explicit Interpreter(Console& aConsole);
+
+    /// Adds the commands of a module.
+    void AddModule(const vxRef<CommandModule>& aModule);
+
+    /// Sets what the command "exit" calls.
+    void SetExitCallback(std::function<void()> aCallback) { mExit = std::move(aCallback); }
+
+    /// Executes a line, prints what it answers or its error, and returns whether it succeeded.
+    ///
+    /// A scan that the line starts may go on when this returns.
+    bool Execute(const vxCString& aLine);
+
+private:
+    bool Help(const vxRef<vxCLICommand>& aCommand);
+    bool Dispatch(const vxRef<vxCLICommand>& aCommand);
+
+    Console& mConsole;
+    vxRef<vxCLIManager> mManager;
+    std::vector<vxRef<CommandModule>> mModules;
+    std::function<void()> mExit;
+};
+
+}  // namespace vxmedia

@@ -1,0 +1,189 @@
+// Tables have one line for each row, columns two blanks apart, and "-" where there is nothing to say,
+// so that scripts can take them apart at the blanks; names, which may have blanks, come last.
+
+#include "LibraryModule.h"
+
+#include "TerminalText.h"
+#include "TextTable.h"
+
+namespace vxmedia {
+
+namespace {
+
+vxCString NumberText(uint64_t aNumber) {
+    return vxCString::Format("%llu", static_cast<unsigned long long>(aNumber));
+}
+
+// Seconds with three decimals.
+vxCString DurationText(uint64_t aDurationMS) {
+    return vxCString::Format("%llu.%03u", static_cast<unsigned long long>(aDurationMS / 1000),
+                             static_cast<unsigned>(aDurationMS % 1000));
+}
+
+vxCString PictureText(const MediaFacts& aFacts) {
+    return aFacts.IsPicture() ? vxCString::Format("%ux%u", aFacts.mWidth, aFacts.mHeight) : "-";
+}
+
+vxCString ChannelsText(const MediaFacts& aFacts) {
+    return aFacts.IsSound() ? NumberText(aFacts.mChannels) : "-";
+}
+
+vxCString RateText(const MediaFacts& aFacts) {
+    return aFacts.IsSound() ? NumberText(aFacts.mRate) : "-";
+}
+
+vxCString DurationText(const MediaFacts& aFacts) {
+    return aFacts.mfDurationKnown ? DurationText(aFacts.DurationMS()) : "-";
+}
+
+vxCString PathText(const MediaItem& anItem) {
+    return EscapeForTerminal(anItem.GetPath(), EscapeMode::Name);
+}
+
+// The sums of one format, or of all.
+struct FormatSums {
+    uint64_t mFiles = 0;
+    uint64_t mBytes = 0;
+    uint64_t mDurationMS = 0;
+    bool mfHasSound = false;
+
+    void Add(const MediaItem& anItem) {
+        mFiles += 1;
+        mBytes += anItem.GetSize();
+        mDurationMS += anItem.GetFacts().DurationMS();
+        mfHasSound = mfHasSound || anItem.GetFacts().IsSound();
+    }
+
+    void AddRowTo(TextTable& aTable, const char* aName) const {
+        aTable.AddRow({aName, NumberText(mFiles), NumberText(mBytes),
+                       mfHasSound ? DurationText(mDurationMS) : "-"});
+    }
+};
+
+vxCString FormatTable(const MediaLibrary& aLibrary) {
+    TextTable theTable("lrrr");
+    FormatSums theTotal;
+    theTable.AddRow({"FORMAT", "FILES", "BYTES", "SECONDS"});
+    std::map<const MediaFormat*, FormatSums> theSums;
+    for (const auto& theEntry : aLibrary.GetItems()) {
+        theSums[&theEntry.second->GetFormat()].Add(*theEntry.second.Get());
+        theTotal.Add(*theEntry.second.Get());
+    }
+    for (const MediaFormat* const* theRow = kMediaFormats; *theRow != nullptr; ++theRow) {
+        theSums[*theRow].AddRowTo(theTable, (*theRow)->mName);
+    }
+    theTotal.AddRowTo(theTable, "total");
+    return theTable.GetText();
+}
+
+vxCString OthersTable(const MediaLibrary& aLibrary) {
+    const DirectoryCounts theOthers = aLibrary.CountOthers();
+    TextTable theTable("rl");
+    theTable.AddRow({NumberText(aLibrary.GetDirectoryCount()), "directories"});
+    theTable.AddRow({NumberText(theOthers.mOtherFiles), "other files"});
+    theTable.AddRow({NumberText(theOthers.mLinks), "symbolic links, not followed"});
+    theTable.AddRow({NumberText(theOthers.mSpecialFiles), "pipes, sockets and devices"});
+    theTable.AddRow({NumberText(aLibrary.GetRefusalCount()), "refused"});
+    return theTable.GetText();
+}
+
+vxCString ReasonTable(const MediaLibrary& aLibrary) {
+    TextTable theTable("rl");
+    for (const MediaLibrary::ReasonCount& theCount : aLibrary.CountReasons()) {
+        theTable.AddRow({vxCString("  ") + NumberText(theCount.second), theCount.first});
+    }
+    return theTable.GetText();
+}
+
+// A directory is typed as it is, or in quotes.
+vxCString Unquoted(const vxCString& aTyped) {
+    const size_t theLength = aTyped.length();
+    const bool theIsQuoted = theLength >= 2 && (aTyped.First() == '"' || aTyped.First() == '\'') &&
+                             aTyped.Last() == aTyped.First();
+    return theIsQuoted ? aTyped.Mid(1, theLength - 2) : aTyped;
+}
+
+}  // namespace
+
+LibraryModule::LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet)
+    : CommandModule("library,lib", aConsole), mLibrary(aLibrary), mScanApplet(aScanApplet) {
+    Declare("scan", "path:...", "read the media files of a directory and below");
+    Declare("list", "(limit:ui32:20[1,100000])", "list media files by path");
+    Declare("show", "id:ui32[1,4294967295]", "show all about one media file");
+    Declare("stats", "", "show numbers of files, bytes and seconds by format");
+}
+
+bool LibraryModule::HandleCLICommand(const vxRef<vxCLICommand>& aCommand) {
+    if (aCommand->CommandIs("scan")) {
+        return Scan(aCommand->Parameter(0)->GetString());
+    }
+    if (aCommand->CommandIs("show")) {
+        return Show(aCommand->Parameter(0)->GetUInt32());
+    }
+    if (aCommand->CommandIs("list")) {
+        List(aCommand->Parameter(0)->GetUInt32());
+    } else {
+        ShowStats();
+    }
+    return true;
+}
+
+bool LibraryModule::Scan(const vxCString& aTypedPath) {
+    const vxCString thePath = Unquoted(aTypedPath);
+    if (thePath.IsEmpty()) {
+        return Answer("ERROR: Please specify the directory to scan");
+    }
+    return Answer(mScanApplet.Scan(thePath, false));
+}
+
+void LibraryModule::List(uint32_t aLimit) {
+    TextTable theTable("rlrlrrrl");
+    theTable.AddRow({"ID", "FORMAT", "BYTES", "PICTURE", "CHANNELS", "RATE", "SECONDS", "PATH"});
+    uint32_t theCount = 0;
+    for (const auto& theEntry : mLibrary.GetItems()) {
+        if (theCount == aLimit) {
+            break;
+        }
+        ++theCount;
+        const MediaItem& theItem = *theEntry.second.Get();
+        const MediaFacts& theFacts = theItem.GetFacts();
+        theTable.AddRow({NumberText(theItem.GetID()), theItem.GetFormat().mName,
+                         NumberText(theItem.GetSize()), PictureText(theFacts),
+                         ChannelsText(theFacts), RateText(theFacts), DurationText(theFacts),
+                         PathText(theItem)});
+    }
+    mConsole.Print(theTable.GetText());
+    mConsole.PrintLine(NumberText(theCount) + " of " + NumberText(mLibrary.GetItems().size()) +
+                       " media files");
+}
+
+bool LibraryModule::Show(uint32_t anID) {
+    const vxRef<MediaItem> theItem = mLibrary.FindItem(anID);
+    if (theItem.IsNull()) {
+        return Answer(vxCString::Format("ERROR: There is no media file %u", anID));
+    }
+    const MediaFacts& theFacts = theItem->GetFacts();
+    TextTable theTable("ll");
+    theTable.AddRow({"id", NumberText(theItem->GetID())});
+    theTable.AddRow({"path", PathText(*theItem.Get())});
+    theTable.AddRow({"format", theItem->GetFormat().mName});
+    theTable.AddRow({"bytes", NumberText(theItem->GetSize())});
+    if (theFacts.IsPicture()) {
+        theTable.AddRow({"width", NumberText(theFacts.mWidth)});
+        theTable.AddRow({"height", NumberText(theFacts.mHeight)});
+    }
+    if (theFacts.IsSound()) {
+        theTable.AddRow({"channels", NumberText(theFacts.mChannels)});
+        theTable.AddRow({"rate", NumberText(theFacts.mRate)});
+        theTable.AddRow({"seconds", DurationText(theFacts)});
+    }
+    theTable.AddRow({"detail", theFacts.mDetail});
+    mConsole.Print(theTable.GetText());
+    return true;
+}
+
+void LibraryModule::ShowStats() {
+    mConsole.Print(FormatTable(mLibrary) + OthersTable(mLibrary) + ReasonTable(mLibrary));
+}
+
+}  // namespace vxmedia

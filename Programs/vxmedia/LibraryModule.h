@@ -1,0 +1,26 @@
+#pragma once
+
+#include "CommandModule.h"
+#include "MediaLibrary.h"
+#include "ScanApplet.h"
+
+namespace vxmedia {
+
+/// The commands of the module "library": scan, list, show, stats.
+class LibraryModule : public CommandModule {
+public:
+    LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet);
+
+    bool HandleCLICommand(const vxRef<vxCLICommand>& aCommand) override;
+
+private:
+    bool Scan(const vxCString& aTypedPath);
+    void List(uint32_t aLimit);
+    bool Show(uint32_t anID);
+    void ShowStats();
+
+    MediaLibrary& mLibrary;
+    ScanApplet& mScanApplet;
+};
+
+}  // namespace vxmedia

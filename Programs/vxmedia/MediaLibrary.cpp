@@ -1,0 +1,96 @@
+// Everything is kept by path, so a scan of a directory that was scanned before, or of one inside it,
+// never counts anything twice.
+
+#include "MediaLibrary.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vxmedia {
+
+namespace {
+
+// Whether the path is the root itself or lies below it. "" is no root; "/" holds every absolute path.
+bool IsAtOrBelow(const vxCString& aPath, const vxCString& aRoot) {
+    const size_t theLength = aRoot.length();
+    if (aPath.length() < theLength || memcmp(aPath.c_str(), aRoot.c_str(), theLength) != 0) {
+        return false;
+    }
+    return aPath.length() == theLength || aRoot.Last() == '/' || aPath.c_str()[theLength] == '/';
+}
+
+// Removes the entries at or below the root for which `aIsGone` holds. Paths that begin like the root
+// stand together in the order of the map.
+template <typename Map, typename IsGone>
+void RemoveBelow(Map& aMap, const vxCString& aRoot, IsGone aIsGone) {
+    for (auto i = aMap.lower_bound(aRoot); i != aMap.end();) {
+        if (memcmp(i->first.c_str(), aRoot.c_str(), std::min(i->first.length(), aRoot.length())) !=
+            0) {
+            break;
+        }
+        i = IsAtOrBelow(i->first, aRoot) && aIsGone(*i) ? aMap.erase(i) : std::next(i);
+    }
+}
+
+}  // namespace
+
+void MediaLibrary::AddItem(const vxCString& aPath, uint64_t aSize, const MediaReading& aReading) {
+    vxRef<MediaItem>& theItem = mItems[aPath];
+    if (theItem.IsNull()) {
+        theItem = new MediaItem(++mLastID, aPath);
+    }
+    theItem->Renew(aSize, aReading);
+    Place& thePlace = mPlaces[theItem->GetID()];
+    if (thePlace.mItem.IsNull()) {
+        thePlace.mItem = theItem;
+    }
+    thePlace.mScan = mScan;
+}
+
+void MediaLibrary::AddRefusal(const vxCString& aPath, const char* aReason) {
+    mRefusals[aPath] = Refusal{aReason, mScan};
+}
+
+void MediaLibrary::AddDirectory(const vxCString& aPath, const DirectoryCounts& aCounts) {
+    mDirectories[aPath] = Directory{aCounts, mScan};
+}
+
+void MediaLibrary::EndScan(const vxCString& aRoot) {
+    const auto theIsOld = [this](const auto& anEntry) { return anEntry.second.mScan != mScan; };
+    RemoveBelow(mRefusals, aRoot, theIsOld);
+    RemoveBelow(mDirectories, aRoot, theIsOld);
+    RemoveBelow(mItems, aRoot, [this](const ItemMap::value_type& anEntry) {
+        const auto thePlace = mPlaces.find(anEntry.second->GetID());
+        if (thePlace->second.mScan == mScan) {
+            return false;
+        }
+        mPlaces.erase(thePlace);
+        return true;
+    });
+}
+
+vxRef<MediaItem> MediaLibrary::FindItem(uint32_t anID) const {
+    const auto thePlace = mPlaces.find(anID);
+    return thePlace == mPlaces.end() ? vxRef<MediaItem>() : thePlace->second.mItem;
+}
+
+std::vector<MediaLibrary::ReasonCount> MediaLibrary::CountReasons() const {
+    std::map<vxCString, uint64_t, PathLess> theCounts;
+    for (const auto& theRefusal : mRefusals) {
+        theCounts[theRefusal.second.mReason] += 1;
+    }
+    return std::vector<ReasonCount>(theCounts.begin(), theCounts.end());
+}
+
+DirectoryCounts MediaLibrary::CountOthers() const {
+    DirectoryCounts theSum;
+    for (const auto& theDirectory : mDirectories) {
+        const DirectoryCounts& theCounts = theDirectory.second.mCounts;
+        theSum.mOtherFiles += theCounts.mOtherFiles;
+        theSum.mLinks += theCounts.mLinks;
+        theSum.mSpecialFiles += theCounts.mSpecialFiles;
+    }
+    return theSum;
+}
+
+}  // namespace vxmedia

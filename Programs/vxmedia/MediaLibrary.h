@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "MediaItem.h"
+
+namespace vxmedia {
+
+/// What else lies in one directory, by number.
+struct DirectoryCounts {
+    uint64_t mOtherFiles = 0;    // files that are no media
+    uint64_t mLinks = 0;         // symbolic links, which are not followed
+    uint64_t mSpecialFiles = 0;  // pipes, sockets, devices
+};
+
+/// All media files known, in the order of their paths, and an account of everything else seen.
+///
+/// A scan marks what it finds; when it ends, what was below its root and is gone is forgotten. An
+/// item that is found again keeps its number and its object.
+///
+/// Threads:  one at a time.
+class MediaLibrary {
+public:
+    using ItemMap = std::map<vxCString, vxRef<MediaItem>, PathLess>;
+
+    /// Starts a scan: what is added from here on belongs to it.
+    void BeginScan() { ++mScan; }
+
+    void AddItem(const vxCString& aPath, uint64_t aSize, const MediaReading& aReading);
+    void AddRefusal(const vxCString& aPath, const char* aReason);
+    void AddDirectory(const vxCString& aPath, const DirectoryCounts& aCounts);
+
+    /// Forgets what lies at or below `aRoot` and was not found by this scan.
+    void EndScan(const vxCString& aRoot);
+
+    /// Returns the items in the order of their paths, compared byte by byte.
+    const ItemMap& GetItems() const { return mItems; }
+
+    /// Returns the item of that number, or a null handle.
+    vxRef<MediaItem> FindItem(uint32_t anID) const;
+
+    /// One reason of refusals and how many files it holds for.
+    using ReasonCount = std::pair<vxCString, uint64_t>;
+
+    /// Returns the reasons of all refusals in alphabetical order.
+    std::vector<ReasonCount> CountReasons() const;
+
+    size_t GetDirectoryCount() const { return mDirectories.size(); }
+    size_t GetRefusalCount() const { return mRefusals.size(); }
+
+    /// Returns the sums over all directories.
+    DirectoryCounts CountOthers() const;
+
+private:
+    struct Refusal {
+        const char* mReason;  // a literal
+        uint32_t mScan;
+    };
+    struct Directory {
+        DirectoryCounts mCounts;
+        uint32_t mScan;
+    };
+    struct Place {
+        vxRef<MediaItem> mItem;
+        uint32_t mScan;  // the scan that has seen it last
+    };
+
+    uint32_t mScan = 0;
+    uint32_t mLastID = 0;
+    ItemMap mItems;
+    std::map<uint32_t, Place> mPlaces;  // the items again, by number
+    std::map<vxCString, Refusal, PathLess> mRefusals;
+    std::map<vxCString, Directory, PathLess> mDirectories;
+};
+
+}  // namespace vxmedia

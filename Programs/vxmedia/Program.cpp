@@ -1,0 +1,120 @@
+#include "Program.h"
+
+#include <unistd.h>
+
+#include "LibraryModule.h"
+#include "SysModule.h"
+#include "TimerModule.h"
+
+namespace vxmedia {
+
+namespace {
+
+constexpr unsigned int kProgram_NoTimeout = 0xFFFFFFFF;
+
+}  // namespace
+
+Program::Program(const ProgramOptions& anOptions)
+    : mOptions(anOptions),
+      mConsole(!anOptions.mfHasLines && isatty(STDIN_FILENO) != 0),
+      mInterpreter(mConsole),
+      mScanApplet(mLibrary, mConsole, mActivity),
+      mTimerApplet(mActivity),
+      mConsoleApplet(mConsole, mInterpreter, mScanApplet) {
+    AddModules();
+    AddApplets();
+}
+
+void Program::AddModules() {
+    mInterpreter.AddModule(new LibraryModule(mConsole, mLibrary, mScanApplet));
+    mInterpreter.AddModule(new TimerModule(mConsole, mTimerApplet));
+    mInterpreter.AddModule(new SysModule(mConsole, mLibrary, mActivity));
+    mInterpreter.SetExitCallback([this] { RequestExit(); });
+}
+
+void Program::AddApplets() {
+    AppletSetOptions(vxAppletOption_Multithreaded);
+    AppletAttach(&mConsoleApplet, vxAppletOption_None);
+    AppletAttach(&mScanApplet, vxAppletOption_None);
+    AppletAttach(&mTimerApplet, vxAppletOption_None);
+    mConsoleApplet.SetEndCallback([this] { RequestExit(); });
+    mScanApplet.SetDoneCallback([this] { mConsoleApplet.AppletWakeUp(); });
+    mTimerApplet.SetExecutor([this](const vxCString& aLine) {
+        mInterpreter.Execute(aLine);
+        mConsoleApplet.AppletWakeUp();  // the prompt may have to be shown again
+    });
+}
+
+int Program::Run() {
+    if (mSelect.Setup() != 0) {
+        mConsole.PrintError("ERROR: Unable to set up the wait for input");
+        return 1;
+    }
+    Start();
+    while (AppletRun(vxAppletMsg_None) != vxAppletMsg_Exit) {
+        SelfWait();
+    }
+    return mOptions.mfHasLines && mConsoleApplet.HasFailed() ? 1 : 0;
+}
+
+void Program::Start() {
+    if (!mOptions.mfQuiet) {
+        mConsole.PrintLine("vxmedia " VXMEDIA_VERSION
+                           ", the media library console. Type 'help' for the modules.");
+    }
+    for (const vxCString& theDirectory : mOptions.mDirectories) {
+        const vxCString theError = mScanApplet.Scan(theDirectory, mOptions.mfQuiet);
+        if (!theError.IsEmpty()) {
+            mConsole.PrintError(theError);
+            mConsoleApplet.NoteFailure();
+        }
+    }
+    if (mOptions.mfHasLines) {
+        mConsoleApplet.AddLines(mOptions.mLines);
+        mConsoleApplet.EndLines();
+    }
+    mConsoleApplet.AppletWakeUp();
+}
+
+void Program::RequestExit() {
+    mfExit = true;
+    AppletWakeUp();
+}
+
+vxAppletMsg Program::AppletLoop(vxAppletMsg) {
+    if (mfExit) {
+        return vxAppletMsg_Exit;
+    }
+    HandleExpiredTimeouts();
+    return vxAppletMsg_None;
+}
+
+// The wait ends for the root alone; it hands a time-out that is over on to the applet whose it is.
+void Program::OnTimeouts() {
+    mTimerApplet.AppletWakeUp();
+}
+
+void Program::RaiseWakeUpSignal() {
+    mSelect.Signal();
+}
+
+void Program::WaitWakeUpSignal(unsigned int aMSTimeout) {
+    const bool theWantsInput = mConsoleApplet.WantsInput();
+    fd_set theInput;
+    FD_ZERO(&theInput);
+    if (theWantsInput) {
+        FD_SET(STDIN_FILENO, &theInput);
+    }
+    timeval theTimeout;
+    theTimeout.tv_sec = static_cast<time_t>(aMSTimeout / 1000);
+    theTimeout.tv_usec = static_cast<suseconds_t>(aMSTimeout % 1000 * 1000);
+    const int theResult =
+        mSelect.Select(&theInput, NULL, NULL, STDIN_FILENO + 1,
+                       aMSTimeout == kProgram_NoTimeout ? NULL : &theTimeout, NULL);
+    // A failure can only come from standard input, if that is closed: reading it tells.
+    if (theWantsInput && (theResult < 0 || FD_ISSET(STDIN_FILENO, &theInput))) {
+        mConsoleApplet.InputIsReadable();
+    }
+}
+
+}  // namespace vxmedia

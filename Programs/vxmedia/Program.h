@@ -1,0 +1,66 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Console.h"
+#include "ConsoleApplet.h"
+#include "Interpreter.h"
+#include "MediaLibrary.h"
+#include "ScanApplet.h"
+#include "TimerApplet.h"
+#include "vx/ActivityManager.h"
+#include "vx/Applet.h"
+#include "vx/Select.h"
+
+namespace vxmedia {
+
+/// What the program was asked to do.
+struct ProgramOptions {
+    bool mfQuiet = false;     // no banner, no reports of the first scans
+    bool mfHasLines = false;  // mLines holds what is executed, instead of standard input
+    std::string mLines;       // command lines, each ended by a line feed
+    std::vector<vxCString> mDirectories;  // scanned at the start
+};
+
+/// The whole program: the root of the tree of applets, and everything that they work on.
+///
+///     Program ─┬─ ConsoleApplet   lines in, answers out
+///              ├─ ScanApplet      files into the library
+///              └─ TimerApplet     lines whose time has come
+///
+/// The root sleeps in select: until standard input can be read, the earliest time-out of the tree is
+/// over, or an applet is woken up.
+///
+/// Threads:  Run() belongs to one; any other may call AppletWakeUp() meanwhile.
+class Program : public vxApplet {
+public:
+    explicit Program(const ProgramOptions& anOptions);
+
+    /// Runs until the input ends or somebody asks to exit. Returns the exit status.
+    int Run();
+
+    vxAppletMsg AppletLoop(vxAppletMsg aMsg) override;
+    void OnTimeouts() override;
+    void RaiseWakeUpSignal() override;
+    void WaitWakeUpSignal(unsigned int aMSTimeout) override;
+
+private:
+    void AddModules();
+    void AddApplets();
+    void Start();
+    void RequestExit();
+
+    const ProgramOptions mOptions;
+    vxSelect mSelect;  // above the applets: their ends may still signal
+    bool mfExit = false;
+    vxActivityManager mActivity;
+    MediaLibrary mLibrary;
+    Console mConsole;
+    Interpreter mInterpreter;
+    ScanApplet mScanApplet;
+    TimerApplet mTimerApplet;
+    ConsoleApplet mConsoleApplet;
+};
+
+}  // namespace vxmedia

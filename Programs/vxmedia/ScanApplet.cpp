@@ -1,0 +1,216 @@
+// A walk with a stack of its own: directories may be nested as deep as the system allows.
+//
+// Entries are visited in the order of their names, the files of a directory before those of the
+// directories in it, so numbers are given in the same order on every machine.
+
+#include "ScanApplet.h"
+
+#include <libvxOS/Dir.h>
+
+#include <algorithm>
+
+#include "FileKind.h"
+#include "FileSource.h"
+#include "TerminalText.h"
+
+namespace vxmedia {
+
+namespace {
+
+constexpr int kScan_EntriesPerStep = 64;
+constexpr size_t kScan_ShownRefusals = 10;
+
+vxCString WithoutEndSlashes(const vxCString& aPath) {
+    size_t theLength = aPath.length();
+    while (theLength > 1 && aPath.c_str()[theLength - 1] == '/') {
+        --theLength;
+    }
+    return aPath.Left(theLength);
+}
+
+vxCString JoinPath(const vxCString& aDirectory, const char* aName) {
+    return aDirectory.Last() == '/' ? aDirectory + aName : aDirectory + "/" + aName;
+}
+
+// Lists the paths of all entries, in reverse order. Returns false when the directory is unreadable.
+bool ListDirectory(const vxCString& aPath, std::vector<vxCString>& aPaths) {
+    int theStatus = kvxDirTraverserStatus_NoError;
+    vxDirTraverser* theWalk = vxDirTraverser_New(aPath);
+    for (const vxDirEntry* theEntry =
+             vxDirTraverser_GetFirst(theWalk, "*", vxDIR_DEFAULT, &theStatus);
+         theEntry != NULL; theEntry = vxDirTraverser_GetNext(theWalk, &theStatus)) {
+        aPaths.push_back(JoinPath(aPath, theEntry->mName));
+    }
+    vxDirTraverser_Delete(theWalk);
+    std::sort(aPaths.rbegin(), aPaths.rend(), PathLess());
+    return theStatus == kvxDirTraverserStatus_NoError;
+}
+
+bool CanListDirectory(const vxCString& aPath) {
+    int theStatus = kvxDirTraverserStatus_NoError;
+    vxDirTraverser* theWalk = vxDirTraverser_New(aPath);
+    vxDirTraverser_GetFirst(theWalk, "*", vxDIR_DEFAULT, &theStatus);
+    vxDirTraverser_Delete(theWalk);
+    return theStatus == kvxDirTraverserStatus_NoError;
+}
+
+}  // namespace
+
+vxCString ScanApplet::Scan(const vxCString& aPath, bool afQuiet) {
+    const vxCString theRoot = WithoutEndSlashes(aPath);
+    const FileKind theKind = GetFileKind(theRoot, true, NULL);
+    if (theKind == FileKind::Missing) {
+        return vxCString("ERROR: There is no file or directory '") + theRoot + "'";
+    }
+    if (theKind == FileKind::Special) {
+        return vxCString("ERROR: Neither a file nor a directory: '") + theRoot + "'";
+    }
+    if (theKind == FileKind::Directory && !CanListDirectory(theRoot)) {
+        return vxCString("ERROR: Unable to read the directory '") + theRoot + "'";
+    }
+    if (mJobs.empty()) {
+        mActivity.IncrementModuleActivity(kActivity);
+    }
+    mJobs.push_back(Job{theRoot, afQuiet});
+    AppletWakeUp();
+    return vxCString();
+}
+
+vxAppletMsg ScanApplet::AppletLoop(vxAppletMsg) {
+    if (mJobs.empty()) {
+        return vxAppletMsg_None;
+    }
+    if (!mfBegun) {
+        BeginJob();
+    }
+    for (int i = 0; i < kScan_EntriesPerStep; ++i) {
+        if (!mEntries.empty()) {
+            const vxCString thePath = mEntries.back();
+            mEntries.pop_back();
+            LookAtEntry(thePath);
+        } else if (!mPending.empty() || !mDirectory.IsEmpty()) {
+            OpenDirectory();
+        } else {
+            EndJob();
+            break;
+        }
+    }
+    return mJobs.empty() ? vxAppletMsg_None : vxAppletMsg_LoopAgain;
+}
+
+void ScanApplet::BeginJob() {
+    mfBegun = true;
+    mFirstRefusals.clear();
+    mMediaCount = mOtherCount = mRefusalCount = mDirectoryCount = 0;
+    mLibrary.BeginScan();
+    const vxCString& theRoot = mJobs.front().mRoot;
+    uint64_t theSize;
+    if (GetFileKind(theRoot, true, &theSize) == FileKind::Directory) {
+        mPending.push_back(theRoot);
+    } else {
+        LookAtFile(theRoot, theSize);
+    }
+}
+
+void ScanApplet::EndJob() {
+    mLibrary.EndScan(mJobs.front().mRoot);
+    if (!mJobs.front().mfQuiet) {
+        mConsole.Print(GetReport());
+    }
+    mJobs.pop_front();
+    mfBegun = false;
+    if (mJobs.empty()) {
+        mActivity.DecrementModuleActivity(kActivity);
+        mDone();
+    }
+}
+
+// Settles the directory under way and goes on to the next one.
+void ScanApplet::OpenDirectory() {
+    if (!mDirectory.IsEmpty()) {
+        mLibrary.AddDirectory(mDirectory, mCounts);
+        mPending.insert(mPending.end(), mFound.rbegin(), mFound.rend());
+        mFound.clear();
+        mDirectory.Empty();
+        return;
+    }
+    mDirectory = mPending.back();
+    mPending.pop_back();
+    mCounts = DirectoryCounts();
+    mDirectoryCount += 1;
+    if (!ListDirectory(mDirectory, mEntries)) {
+        Refuse(mDirectory, "the directory cannot be read");
+    }
+}
+
+void ScanApplet::LookAtEntry(const vxCString& aPath) {
+    uint64_t theSize;
+    switch (GetFileKind(aPath, false, &theSize)) {
+        case FileKind::Directory:
+            mFound.push_back(aPath);
+            break;
+        case FileKind::Regular:
+            LookAtFile(aPath, theSize);
+            break;
+        case FileKind::Link:
+            mCounts.mLinks += 1;
+            break;
+        case FileKind::Special:
+            mCounts.mSpecialFiles += 1;
+            break;
+        case FileKind::Missing:
+            Refuse(aPath, "the entry cannot be examined");
+            break;
+    }
+}
+
+void ScanApplet::LookAtFile(const vxCString& aPath, uint64_t aSize) {
+    FileSource theSource(aPath, aSize);
+    const MediaReading theReading = ReadMedia(theSource, aPath);
+    if (theReading.IsMedia()) {
+        mLibrary.AddItem(aPath, aSize, theReading);
+        mMediaCount += 1;
+    } else if (theReading.IsRefused()) {
+        Refuse(aPath, theReading.mReason);
+    } else if (theSource.HasFailed()) {
+        Refuse(aPath, "the file cannot be read");
+    } else {
+        mCounts.mOtherFiles += 1;
+        mOtherCount += 1;
+    }
+}
+
+void ScanApplet::Refuse(const vxCString& aPath, const char* aReason) {
+    mLibrary.AddRefusal(aPath, aReason);
+    mRefusalCount += 1;
+    if (mFirstRefusals.size() < kScan_ShownRefusals) {
+        mFirstRefusals.push_back(Refusal{aPath, aReason});
+    }
+}
+
+vxCString ScanApplet::GetReport() const {
+    vxCString theReport = vxCString("Scanned ") +
+                          EscapeForTerminal(mJobs.front().mRoot, EscapeMode::Name) +
+                          vxCString::Format(
+                              ": %llu media files, %llu others, %llu refused, "
+                              "%llu directories\n",
+                              static_cast<unsigned long long>(mMediaCount),
+                              static_cast<unsigned long long>(mOtherCount),
+                              static_cast<unsigned long long>(mRefusalCount),
+                              static_cast<unsigned long long>(mDirectoryCount));
+    for (const Refusal& theRefusal : mFirstRefusals) {
+        theReport += "  refused ";
+        theReport += EscapeForTerminal(theRefusal.mPath, EscapeMode::Name);
+        theReport += ": ";
+        theReport += theRefusal.mReason;
+        theReport += "\n";
+    }
+    if (mRefusalCount > mFirstRefusals.size()) {
+        theReport += vxCString::Format(
+            "  and %llu more; 'lib stats' counts the reasons\n",
+            static_cast<unsigned long long>(mRefusalCount - mFirstRefusals.size()));
+    }
+    return theReport;
+}
+
+}  // namespace vxmedia

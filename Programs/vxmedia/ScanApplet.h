@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <vector>
+
+#include "Console.h"
+#include "MediaLibrary.h"
+#include "vx/ActivityManager.h"
+#include "vx/Applet.h"
+
+namespace vxmedia {
+
+/// Scans directories into the library, a few files in each step, so that timers keep firing.
+///
+/// Symbolic links below the directory that was named are counted and not followed: what they lead
+/// to is either scanned under its own name, or was not asked for.
+///
+/// Threads:  one at a time.
+class ScanApplet : public vxApplet {
+public:
+    /// Activity is counted under this name while a scan goes on.
+    static constexpr const char* kActivity = "library";
+
+    ScanApplet(MediaLibrary& aLibrary, Console& aConsole, vxActivityManager& anActivity)
+        : mLibrary(aLibrary), mConsole(aConsole), mActivity(anActivity) {}
+
+    /// Calls `aCallback` at the end of the last scan.
+    void SetDoneCallback(std::function<void()> aCallback) { mDone = std::move(aCallback); }
+
+    /// Starts to scan a directory, or one file, behind the scans already asked for; a report is
+    /// printed at its end, unless `afQuiet`.
+    ///
+    /// Fails:    with an error text that is empty on success; nothing is scanned then.
+    vxCString Scan(const vxCString& aPath, bool afQuiet);
+
+    bool IsScanning() const { return !mJobs.empty(); }
+
+    vxAppletMsg AppletLoop(vxAppletMsg aMsg) override;
+
+private:
+    struct Job {
+        vxCString mRoot;
+        bool mfQuiet;
+    };
+    struct Refusal {
+        vxCString mPath;
+        const char* mReason;
+    };
+
+    void BeginJob();
+    void EndJob();
+    void OpenDirectory();
+    void LookAtEntry(const vxCString& aPath);
+    void LookAtFile(const vxCString& aPath, uint64_t aSize);
+    void Refuse(const vxCString& aPath, const char* aReason);
+    vxCString GetReport() const;
+
+    MediaLibrary& mLibrary;
+    Console& mConsole;
+    vxActivityManager& mActivity;
+    std::function<void()> mDone;
+
+    std::deque<Job> mJobs;  // the first one is under way
+    bool mfBegun = false;   // whether it is
+
+    // State of the job under way.
+    std::vector<vxCString> mPending;      // directories to come, the next one last
+    std::vector<vxCString> mEntries;      // paths in the directory under way, the next one last
+    vxCString mDirectory;                 // the directory under way, "" at first
+    DirectoryCounts mCounts;              // of the directory under way
+    std::vector<vxCString> mFound;        // directories in it, in order
+    std::vector<Refusal> mFirstRefusals;  // those that the report shows
+    uint64_t mMediaCount = 0;
+    uint64_t mOtherCount = 0;
+    uint64_t mRefusalCount = 0;
+    uint64_t mDirectoryCount = 0;
+};
+
+}  // namespace vxmedia

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "CommandModule.h"
+#include "MediaLibrary.h"
+#include "vx/ActivityManager.h"
+
+namespace vxmedia {
+
+/// The commands of the module "sys": version, idle, watch, bits, json.
+class SysModule : public CommandModule {
+public:
+    SysModule(Console& aConsole, const MediaLibrary& aLibrary, const vxActivityManager& anActivity);
+
+    bool HandleCLICommand(const vxRef<vxCLICommand>& aCommand) override;
+
+private:
+    void ShowVersion();
+    void ShowIdle();
+    bool Watch(uint32_t anID);
+    bool ShowBits(const vxRef<vxCountedDataBuffer>& aTyped);
+    bool ShowJSON(const vxCString& aPath, const vxCString& aText);
+
+    const MediaLibrary& mLibrary;
+    const vxActivityManager& mActivity;
+};
+
+}  // namespace vxmedia

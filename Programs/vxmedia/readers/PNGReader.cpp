@@ -1,0 +1,88 @@
+// PNG: the signature is followed by the IHDR chunk, which holds everything, under a checksum.
+
+#include <cstring>
+
+#include "MediaReader.h"
+#include "vx/BitString.h"
+
+namespace vxmedia {
+
+namespace {
+
+constexpr uint8_t kPNG_Start[16] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n',
+                                    0,    0,   0,   13,  'I',  'H',  'D',  'R'};
+constexpr size_t kPNG_HeaderSize = 33;  // signature, length, type, 13 bytes of data, checksum
+constexpr uint32_t kPNG_MaxSide = 0x7FFFFFFF;
+
+struct PNGColorType {
+    const char* mName;
+    uint32_t mDepths;  // bit n: a sample may have n bits
+};
+
+// Indexed by the color type; types without a name do not exist.
+constexpr PNGColorType kPNG_ColorTypes[] = {
+    {"grayscale", 1u << 1 | 1u << 2 | 1u << 4 | 1u << 8 | 1u << 16},
+    {nullptr, 0},
+    {"RGB", 1u << 8 | 1u << 16},
+    {"palette", 1u << 1 | 1u << 2 | 1u << 4 | 1u << 8},
+    {"grayscale and alpha", 1u << 8 | 1u << 16},
+    {nullptr, 0},
+    {"RGBA", 1u << 8 | 1u << 16},
+};
+
+uint32_t PNGChecksum(const uint8_t* aBytes, size_t aCount) {
+    uint32_t theSum = 0xFFFFFFFF;
+    for (size_t i = 0; i < aCount; ++i) {
+        theSum ^= aBytes[i];
+        for (int j = 0; j < 8; ++j) {
+            theSum = (theSum >> 1) ^ ((theSum & 1) != 0 ? 0xEDB88320u : 0u);
+        }
+    }
+    return ~theSum;
+}
+
+bool RecognizePNG(MediaSource& aSource, uint64_t aStart) {
+    uint8_t theBytes[8];
+    return aSource.ReadExactly(aStart, theBytes, sizeof(theBytes)) &&
+           memcmp(theBytes, kPNG_Start, sizeof(theBytes)) == 0;
+}
+
+const char* ReadPNG(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) {
+    uint8_t theHeader[kPNG_HeaderSize];
+    if (!RecognizePNG(aSource, aStart)) {
+        return "PNG: the signature is missing";
+    }
+    if (!aSource.ReadExactly(aStart, theHeader, sizeof(theHeader))) {
+        return "PNG: the file ends inside the header";
+    }
+    if (memcmp(theHeader, kPNG_Start, sizeof(kPNG_Start)) != 0) {
+        return "PNG: the first chunk is not a header";
+    }
+    if (vxBitString::BigEndianTouint32(theHeader + 29) != PNGChecksum(theHeader + 12, 17)) {
+        return "PNG: the header does not match its checksum";
+    }
+    vxBitString theBits(theHeader + 16, 13);
+    const uint32_t theWidth = theBits.Get(32);
+    const uint32_t theHeight = theBits.Get(32);
+    const uint32_t theDepth = theBits.Get(8);
+    const uint32_t theType = theBits.Get(8);
+    theBits.Skip(16);
+    const bool theIsInterlaced = theBits.Get(8) != 0;
+    if (theWidth == 0 || theHeight == 0 || theWidth > kPNG_MaxSide || theHeight > kPNG_MaxSide) {
+        return "PNG: the picture has an impossible size";
+    }
+    if (theType > 6 || theDepth > 16 || (kPNG_ColorTypes[theType].mDepths >> theDepth & 1) == 0) {
+        return "PNG: the colors are of an unknown kind";
+    }
+    aFacts.mWidth = theWidth;
+    aFacts.mHeight = theHeight;
+    aFacts.mDetail = vxCString::Format("%u-bit %s%s", theDepth, kPNG_ColorTypes[theType].mName,
+                                       theIsInterlaced ? ", interlaced" : "");
+    return nullptr;
+}
+
+}  // namespace
+
+const MediaFormat kMediaFormat_PNG = {"PNG", ",png,", false, RecognizePNG, ReadPNG};
+
+}  // namespace vxmedia

@@ -1,0 +1,172 @@
+// WAV: chunks with little-endian lengths; "fmt " tells the coding, "data" how much of it there is.
+//
+// RF64 is the same with a 64-bit length of the data in a chunk of its own. A length that says more
+// than the file holds is cut to what is there, as programs that write into a pipe leave one.
+
+#include <algorithm>
+#include <cstring>
+
+#include "MediaReader.h"
+#include "vx/BitString.h"
+
+namespace vxmedia {
+
+namespace {
+
+constexpr uint32_t kWAV_PCM = 1;
+constexpr uint32_t kWAV_Extensible = 0xFFFE;
+constexpr uint32_t kWAV_LengthElsewhere = 0xFFFFFFFF;
+constexpr size_t kWAV_FormatSize = 26;  // up to the coding that the extensible form names
+
+struct WAVCoding {
+    uint32_t mTag;
+    const char* mName;
+    bool mfEvenFrames;  // every sample takes the same number of bytes
+};
+
+constexpr WAVCoding kWAV_Codings[] = {
+    {kWAV_PCM, "PCM", true}, {2, "Microsoft ADPCM", false}, {3, "floating point", true},
+    {6, "A-law", true},      {7, "mu-law", true},           {0x11, "IMA ADPCM", false},
+    {0x31, "GSM", false},    {0x50, "MPEG", false},         {0x55, "MPEG layer III", false},
+};
+
+struct WAVHeader {
+    bool mfHasFormat = false;
+    bool mfExtensible = false;
+    uint32_t mTag = 0;
+    uint32_t mChannels = 0;
+    uint32_t mRate = 0;
+    uint32_t mBytesPerSecond = 0;
+    uint32_t mBlockSize = 0;  // bytes
+    uint32_t mBits = 0;       // of one sample
+    bool mfHasFrames = false;
+    uint32_t mFrames = 0;    // as the fact chunk says
+    uint64_t mLongSize = 0;  // bytes of data, as RF64 says
+};
+
+const WAVCoding* FindCoding(uint32_t aTag) {
+    const auto theEnd = std::end(kWAV_Codings);
+    const auto theRow = std::find_if(std::begin(kWAV_Codings), theEnd,
+                                     [aTag](const WAVCoding& aRow) { return aRow.mTag == aTag; });
+    return theRow == theEnd ? nullptr : theRow;
+}
+
+const char* ReadFormat(MediaSource& aSource, uint64_t aPos, uint32_t aSize, WAVHeader& aHeader) {
+    uint8_t theBytes[kWAV_FormatSize] = {};
+    const size_t theWanted = std::min<size_t>(aSize, sizeof(theBytes));
+    if (theWanted < 16) {
+        return "WAV: the format chunk is too short";
+    }
+    if (!aSource.ReadExactly(aPos, theBytes, theWanted)) {
+        return "WAV: the file ends inside the format chunk";
+    }
+    aHeader.mTag = vxBitString::LittleEndianTouint16(theBytes);
+    aHeader.mChannels = vxBitString::LittleEndianTouint16(theBytes + 2);
+    aHeader.mRate = vxBitString::LittleEndianTouint32(theBytes + 4);
+    aHeader.mBytesPerSecond = vxBitString::LittleEndianTouint32(theBytes + 8);
+    aHeader.mBlockSize = vxBitString::LittleEndianTouint16(theBytes + 12);
+    aHeader.mBits = vxBitString::LittleEndianTouint16(theBytes + 14);
+    if (aHeader.mTag == kWAV_Extensible && theWanted == sizeof(theBytes)) {
+        aHeader.mfExtensible = true;
+        aHeader.mTag = vxBitString::LittleEndianTouint16(theBytes + 24);
+    }
+    if (aHeader.mChannels == 0 || aHeader.mRate == 0 || aHeader.mBlockSize == 0) {
+        return "WAV: the format chunk describes no sound";
+    }
+    aHeader.mfHasFormat = true;
+    return nullptr;
+}
+
+void ReadFact(MediaSource& aSource, uint64_t aPos, WAVHeader& aHeader) {
+    uint8_t theBytes[4];
+    if (aSource.ReadExactly(aPos, theBytes, sizeof(theBytes))) {
+        aHeader.mfHasFrames = true;
+        aHeader.mFrames = vxBitString::LittleEndianTouint32(theBytes);
+    }
+}
+
+void ReadLongSize(MediaSource& aSource, uint64_t aPos, WAVHeader& aHeader) {
+    uint8_t theBytes[16];
+    if (aSource.ReadExactly(aPos, theBytes, sizeof(theBytes))) {
+        aHeader.mLongSize = vxBitString::LittleEndianTouint32(theBytes + 8) |
+                            uint64_t(vxBitString::LittleEndianTouint32(theBytes + 12)) << 32;
+    }
+}
+
+void SetDuration(const WAVHeader& aHeader, const WAVCoding& aCoding, uint64_t aDataSize,
+                 MediaFacts& aFacts) {
+    if (aCoding.mfEvenFrames) {
+        aFacts.mFrames = aDataSize / aHeader.mBlockSize;
+    } else if (aHeader.mfHasFrames) {
+        aFacts.mFrames = aHeader.mFrames;
+    } else if (aHeader.mBytesPerSecond != 0) {
+        const uint64_t theSeconds = aDataSize / aHeader.mBytesPerSecond;
+        const uint64_t theRest = aDataSize % aHeader.mBytesPerSecond;
+        aFacts.mFrames =
+            theSeconds * aHeader.mRate + theRest * aHeader.mRate / aHeader.mBytesPerSecond;
+    } else {
+        return;
+    }
+    aFacts.mfDurationKnown = true;
+}
+
+const char* ReadData(const WAVHeader& aHeader, uint64_t aSize, uint64_t aRest, MediaFacts& aFacts) {
+    if (!aHeader.mfHasFormat) {
+        return "WAV: the data comes before its format";
+    }
+    const WAVCoding* theCoding = FindCoding(aHeader.mTag);
+    if (theCoding == nullptr) {
+        return "WAV: the coding is unknown";
+    }
+    aFacts.mChannels = aHeader.mChannels;
+    aFacts.mRate = aHeader.mRate;
+    SetDuration(aHeader, *theCoding, std::min(aSize, aRest), aFacts);
+    aFacts.mDetail = vxCString::Format("%u-bit %s%s%s", aHeader.mBits, theCoding->mName,
+                                       aHeader.mfExtensible ? ", extensible" : "",
+                                       aSize > aRest ? ", cut short" : "");
+    return nullptr;
+}
+
+bool RecognizeWAV(MediaSource& aSource, uint64_t aStart) {
+    uint8_t theBytes[12];
+    return aSource.ReadExactly(aStart, theBytes, sizeof(theBytes)) &&
+           (memcmp(theBytes, "RIFF", 4) == 0 || memcmp(theBytes, "RF64", 4) == 0) &&
+           memcmp(theBytes + 8, "WAVE", 4) == 0;
+}
+
+const char* ReadWAV(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) {
+    if (!RecognizeWAV(aSource, aStart)) {
+        return "WAV: the signature is missing";
+    }
+    WAVHeader theHeader;
+    uint64_t thePos = aStart + 12;
+    for (;;) {
+        uint8_t theChunk[8];
+        if (!aSource.ReadExactly(thePos, theChunk, sizeof(theChunk))) {
+            return theHeader.mfHasFormat ? "WAV: there is no data chunk"
+                                         : "WAV: there is no format chunk";
+        }
+        thePos += sizeof(theChunk);
+        const uint32_t theSize = vxBitString::LittleEndianTouint32(theChunk + 4);
+        if (memcmp(theChunk, "fmt ", 4) == 0) {
+            if (const char* theReason = ReadFormat(aSource, thePos, theSize, theHeader)) {
+                return theReason;
+            }
+        } else if (memcmp(theChunk, "fact", 4) == 0) {
+            ReadFact(aSource, thePos, theHeader);
+        } else if (memcmp(theChunk, "ds64", 4) == 0) {
+            ReadLongSize(aSource, thePos, theHeader);
+        } else if (memcmp(theChunk, "data", 4) == 0) {
+            const bool theIsLong = theSize == kWAV_LengthElsewhere && theHeader.mLongSize != 0;
+            return ReadData(theHeader, theIsLong ? theHeader.mLongSize : theSize,
+                            aSource.Size() - thePos, aFacts);
+        }
+        thePos += uint64_t(theSize) + (theSize & 1);
+    }
+}
+
+}  // namespace
+
+const MediaFormat kMediaFormat_WAV = {"WAV", ",wav,wave,", false, RecognizeWAV, ReadWAV};
+
+}  // namespace vxmedia
