@@ -82,16 +82,7 @@ void Program::RequestExit() {
 }
 
 vxAppletMsg Program::AppletLoop(vxAppletMsg) {
-    if (mfExit) {
-        return vxAppletMsg_Exit;
-    }
-    HandleExpiredTimeouts();
-    return vxAppletMsg_None;
-}
-
-// The wait ends for the root alone; it hands a time-out that is over on to the applet whose it is.
-void Program::OnTimeouts() {
-    mTimerApplet.AppletWakeUp();
+    return mfExit ? vxAppletMsg_Exit : vxAppletMsg_None;
 }
 
 void Program::RaiseWakeUpSignal() {

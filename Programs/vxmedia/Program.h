@@ -41,7 +41,6 @@ public:
     int Run();
 
     vxAppletMsg AppletLoop(vxAppletMsg aMsg) override;
-    void OnTimeouts() override;
     void RaiseWakeUpSignal() override;
     void WaitWakeUpSignal(unsigned int aMSTimeout) override;
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "MediaReader.h"
 #include "vx/BitString.h"
