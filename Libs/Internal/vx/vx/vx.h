@@ -23,6 +23,7 @@
 #include "vx/CountedDataBuffer.h"
 #include "vx/CriticalSection.h"
 #include "vx/DataBuffer.h"
+#include "vx/DateTime.h"
 #include "vx/GrowingBuffer.h"
 #include "vx/List.h"
 #include "vx/Mutex.h"

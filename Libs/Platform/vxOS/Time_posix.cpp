@@ -1,0 +1,168 @@
+// The calendar: offsets of the zone come from a table, dates from arithmetic. The C library is
+// asked only where the table has no answer.
+
+#include <libvxOS/Time.h>
+
+#include "Calendar.h"
+#include "TimeZone.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace {
+
+// How far around a local time a change of offset can matter: clocks are never set by more than a
+// day, and a local time is at most a day away from UTC.
+constexpr int64_t kvxTime_ChangeReach = 2 * kvxCalendar_SecondsPerDay;
+
+// How the other kind of time is looked for: in steps shorter than any period of daylight-saving
+// time, up to eight years to either side.
+constexpr int64_t kvxTime_SearchStep = 7 * kvxCalendar_SecondsPerDay;
+constexpr int64_t kvxTime_SearchReach = 8 * 366 * int64_t{kvxCalendar_SecondsPerDay};
+
+bool vxFits(int64_t aSeconds) {
+    return aSeconds >= INT32_MIN && aSeconds <= INT32_MAX;
+}
+
+int32_t vxClamped(int64_t aSeconds) {
+    return static_cast<int32_t>(std::clamp<int64_t>(aSeconds, INT32_MIN, INT32_MAX));
+}
+
+void vxToFields(const struct tm& aTime, vxtm& aFields) {
+    aFields.tm_sec = aTime.tm_sec;
+    aFields.tm_min = aTime.tm_min;
+    aFields.tm_hour = aTime.tm_hour;
+    aFields.tm_mday = aTime.tm_mday;
+    aFields.tm_mon = aTime.tm_mon;
+    aFields.tm_year = aTime.tm_year;
+    aFields.tm_isdst = aTime.tm_isdst;
+    aFields.tm_wday = aTime.tm_wday;
+    aFields.tm_yday = aTime.tm_yday;
+}
+
+bool vxSystemLocalTime(int32_t aSeconds, vxtm& aFields) {
+    vxTimeZone_Refresh();
+    const time_t theTime = aSeconds;
+    struct tm theFields;
+    if (localtime_r(&theTime, &theFields) == nullptr) {
+        return false;
+    }
+    vxToFields(theFields, aFields);
+    aFields.tm_msec = 0;
+    return true;
+}
+
+// The record is refilled by the caller, so the result alone counts.
+int64_t vxSystemMakeTime(const vxtm& aFields) {
+    struct tm theFields = {};
+    theFields.tm_sec = aFields.tm_sec;
+    theFields.tm_min = aFields.tm_min;
+    theFields.tm_hour = aFields.tm_hour;
+    theFields.tm_mday = aFields.tm_mday;
+    theFields.tm_mon = aFields.tm_mon;
+    theFields.tm_year = aFields.tm_year;
+    theFields.tm_isdst = aFields.tm_isdst;
+    theFields.tm_wday = -1;
+    const time_t theTime = mktime(&theFields);
+    // A failed conversion leaves the weekday alone; the second before 1970 sets it.
+    return theTime == -1 && theFields.tm_wday == -1 ? INT64_MAX : int64_t{theTime};
+}
+
+// Whether the local clock shows `aLocal` at the instant that an offset makes of it.
+bool vxIsShown(int64_t aLocal, const vxTimeZoneOffset& anOffset) {
+    vxTimeZoneOffset theOffset;
+    return vxTimeZone_Find(vxClamped(aLocal - anOffset.mSeconds), theOffset) &&
+           theOffset.mSeconds == anOffset.mSeconds;
+}
+
+// The offset nearest to an instant that is of the wanted kind; the given one when there is none.
+vxTimeZoneOffset vxNearestOfKind(int64_t aSeconds, bool afDaylight,
+                                 const vxTimeZoneOffset& aDefault) {
+    vxTimeZoneOffset theOffset;
+    for (int64_t i = kvxTime_SearchStep; i < kvxTime_SearchReach; i += kvxTime_SearchStep) {
+        for (const int64_t theInstant : {aSeconds - i, aSeconds + i}) {
+            if (vxFits(theInstant) &&
+                vxTimeZone_Find(static_cast<int32_t>(theInstant), theOffset) &&
+                theOffset.mfDaylight == afDaylight) {
+                return theOffset;
+            }
+        }
+    }
+    return aDefault;
+}
+
+// The offset by which local seconds are to be read, around a change of offset or where the fields
+// are written in another kind of time than the clock shows.
+vxTimeZoneOffset vxChooseOffset(int64_t aLocal, int32_t aDaylight, const vxTimeZoneOffset& aBefore,
+                                const vxTimeZoneOffset& anAfter) {
+    const bool fBefore = vxIsShown(aLocal, aBefore);
+    const bool fAfter = vxIsShown(aLocal, anAfter);
+    if (aDaylight < 0) {
+        return fAfter && !fBefore ? anAfter : aBefore;
+    }
+    const bool fDaylight = aDaylight > 0;
+    if (aBefore.mfDaylight == anAfter.mfDaylight) {
+        const vxTimeZoneOffset& theShown = fAfter && !fBefore ? anAfter : aBefore;
+        return theShown.mfDaylight == fDaylight
+                   ? theShown
+                   : vxNearestOfKind(aLocal - theShown.mSeconds, fDaylight, theShown);
+    }
+    return aBefore.mfDaylight == fDaylight ? aBefore : anAfter;
+}
+
+int64_t vxMakeTime(const vxtm& aFields) {
+    const int64_t theLocal = vxCalendar_Seconds(aFields);
+    if (!vxFits(theLocal - kvxCalendar_SecondsPerDay) &&
+        !vxFits(theLocal + kvxCalendar_SecondsPerDay)) {
+        return INT64_MAX;
+    }
+    vxTimeZoneOffset theBefore;
+    vxTimeZoneOffset theAfter;
+    if (!vxTimeZone_Find(vxClamped(theLocal - kvxTime_ChangeReach), theBefore) ||
+        !vxTimeZone_Find(vxClamped(theLocal + kvxTime_ChangeReach), theAfter)) {
+        vxTimeZone_Refresh();
+        return vxSystemMakeTime(aFields);
+    }
+    const bool fSettled = theBefore.mSeconds == theAfter.mSeconds &&
+                          theBefore.mfDaylight == theAfter.mfDaylight &&
+                          (aFields.tm_isdst < 0 || (aFields.tm_isdst > 0) == theBefore.mfDaylight);
+    const vxTimeZoneOffset theOffset =
+        fSettled ? theBefore : vxChooseOffset(theLocal, aFields.tm_isdst, theBefore, theAfter);
+    return theLocal - theOffset.mSeconds;
+}
+
+}  // namespace
+
+void vxTime_GetTimeOfDay(vxtimeval* aTime) {
+    struct timespec theTime = {};
+    clock_gettime(CLOCK_REALTIME, &theTime);
+    aTime->tv_sec = vxClamped(theTime.tv_sec);
+    aTime->tv_usec = static_cast<int32_t>(theTime.tv_nsec / 1000);
+}
+
+int vxTime_localtime(int32_t aSeconds, vxtm* aFields) {
+    vxTimeZoneOffset theOffset;
+    if (!vxTimeZone_Find(aSeconds, theOffset)) {
+        return vxSystemLocalTime(aSeconds, *aFields);
+    }
+    vxCalendar_Fill(int64_t{aSeconds} + theOffset.mSeconds, *aFields);
+    aFields->tm_isdst = theOffset.mfDaylight;
+    return 1;
+}
+
+int vxTime_gmtime(int32_t aSeconds, vxtm* aFields) {
+    vxCalendar_Fill(aSeconds, *aFields);
+    aFields->tm_isdst = 0;
+    return 1;
+}
+
+int32_t vxTime_mktime(vxtm* aFields) {
+    const int64_t theSeconds = vxMakeTime(*aFields);
+    if (!vxFits(theSeconds)) {
+        return -1;
+    }
+    const int32_t theMilliseconds = aFields->tm_msec;
+    vxTime_localtime(static_cast<int32_t>(theSeconds), aFields);
+    aFields->tm_msec = theMilliseconds;
+    return static_cast<int32_t>(theSeconds);
+}
