@@ -15,10 +15,12 @@ namespace {
 // day, and a local time is at most a day away from UTC.
 constexpr int64_t kvxTime_ChangeReach = 2 * kvxCalendar_SecondsPerDay;
 
-// How the other kind of time is looked for: in steps shorter than any period of daylight-saving
-// time, up to eight years to either side.
-constexpr int64_t kvxTime_SearchStep = 7 * kvxCalendar_SecondsPerDay;
-constexpr int64_t kvxTime_SearchReach = 8 * 366 * int64_t{kvxCalendar_SecondsPerDay};
+// How the other kind of time is looked for: in steps of about a week, shorter than any period of
+// daylight-saving time, up to eight and a half years to either side.
+constexpr int64_t kvxTime_SearchStep = 601200;
+constexpr int64_t kvxTime_SearchReach = 268828200;
+
+constexpr int32_t kvxTime_UsualShift = 3600;
 
 bool vxFits(int64_t aSeconds) {
     return aSeconds >= INT32_MIN && aSeconds <= INT32_MAX;
@@ -75,20 +77,21 @@ bool vxIsShown(int64_t aLocal, const vxTimeZoneOffset& anOffset) {
            theOffset.mSeconds == anOffset.mSeconds;
 }
 
-// The offset nearest to an instant that is of the wanted kind; the given one when there is none.
-vxTimeZoneOffset vxNearestOfKind(int64_t aSeconds, bool afDaylight,
-                                 const vxTimeZoneOffset& aDefault) {
+// The offset nearest to an instant that is of the other kind than the one in force there; where the
+// zone has none for years, clocks are taken to be set by an hour.
+vxTimeZoneOffset vxNearestOfOtherKind(int64_t aSeconds, const vxTimeZoneOffset& aCurrent) {
     vxTimeZoneOffset theOffset;
     for (int64_t i = kvxTime_SearchStep; i < kvxTime_SearchReach; i += kvxTime_SearchStep) {
         for (const int64_t theInstant : {aSeconds - i, aSeconds + i}) {
             if (vxFits(theInstant) &&
                 vxTimeZone_Find(static_cast<int32_t>(theInstant), theOffset) &&
-                theOffset.mfDaylight == afDaylight) {
+                theOffset.mfDaylight != aCurrent.mfDaylight) {
                 return theOffset;
             }
         }
     }
-    return aDefault;
+    const int32_t theShift = aCurrent.mfDaylight ? -kvxTime_UsualShift : kvxTime_UsualShift;
+    return {aCurrent.mSeconds + theShift, !aCurrent.mfDaylight};
 }
 
 // The offset by which local seconds are to be read, around a change of offset or where the fields
@@ -105,7 +108,7 @@ vxTimeZoneOffset vxChooseOffset(int64_t aLocal, int32_t aDaylight, const vxTimeZ
         const vxTimeZoneOffset& theShown = fAfter && !fBefore ? anAfter : aBefore;
         return theShown.mfDaylight == fDaylight
                    ? theShown
-                   : vxNearestOfKind(aLocal - theShown.mSeconds, fDaylight, theShown);
+                   : vxNearestOfOtherKind(aLocal - theShown.mSeconds, theShown);
     }
     return aBefore.mfDaylight == fDaylight ? aBefore : anAfter;
 }

@@ -47,8 +47,8 @@ VX_API int vxTime_gmtime(int32_t aSeconds, vxtm* aFields);
 /// Weekday and day of the year are not read but set; the milliseconds are left alone. `tm_isdst`
 /// chooses between two readings: fields written down in the other kind of time are moved by the
 /// difference. With -1 a time that occurs twice is its first occurrence, and a time that the clocks
-/// skip is as long after the change as it claims to be. A zone without that kind of time ignores
-/// the field.
+/// skip is as long after the change as it claims to be. A zone without daylight-saving time is
+/// taken to set its clocks by an hour.
 ///
 /// Fails:    -1 for times that do not fit 32-bit seconds, and `aFields` is untouched. The second
 ///           before 1970 is -1 as well.
