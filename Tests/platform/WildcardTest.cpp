@@ -1,0 +1,108 @@
+#include "Wildcard.h"
+
+#include <gtest/gtest.h>
+
+#include <fnmatch.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+TEST(WildcardTest, PatternsFitWholeNames) {
+    const struct {
+        const char* mPattern;
+        const char* mName;
+        bool mFits;
+    } kCases[] = {
+        {"*", "", true},
+        {"*", "any", true},
+        {"*", ".hidden", true},
+        {"", "", true},
+        {"", "a", false},
+        {"a", "", false},
+        {"abc", "abc", true},
+        {"abc", "ab", false},
+        {"abc", "abcd", false},
+        {"abc", "aBc", false},
+        {"*.mp3", "song.mp3", true},
+        {"*.mp3", ".mp3", true},
+        {"*.mp3", "mp3", false},
+        {"*.mp3", "song.mp3.txt", false},
+        {"*.mp3", "song.MP3", false},
+        {"song*", "song", true},
+        {"song*", "song.mp3", true},
+        {"a*b*c", "abc", true},
+        {"a*b*c", "axxbyybzzc", true},
+        {"a*b*c", "axxbyybzz", false},
+        {"**", "x", true},
+        {"?", "a", true},
+        {"?", "", false},
+        {"?", "ab", false},
+        {"*?", "", false},
+        {"*?", "a", true},
+        {"[abc]", "b", true},
+        {"[abc]", "d", false},
+        {"[a-c]", "b", true},
+        {"[a-c]", "d", false},
+        {"[!a-c]", "d", true},
+        {"[^a-c]", "b", false},
+        {"[]a]", "]", true},
+        {"[!]a]", "]", false},
+        {"[a-]", "-", true},
+        {"[-a]", "-", true},
+        {"[[:digit:]x]", "7", true},
+        {"[[:digit:]x]", "x", true},
+        {"[[:digit:]x]", "y", false},
+        {"[![:upper:]]", "a", true},
+        {"[\\]]", "]", true},
+        {"*[0-9]", "track1", true},
+        {"*[0-9]", "track", false},
+        {"[ab", "[ab", true},
+        {"[ab", "a", false},
+        {"\\*", "*", true},
+        {"\\*", "a", false},
+        {"a\\", "a\\", false},
+        {"*\\", "a\\", false},
+        {"\xff*", "\xff\xfe", true},
+        {"?", "\xff", true},
+    };
+    for (const auto& theCase : kCases) {
+        SCOPED_TRACE(testing::Message() << theCase.mPattern << " and " << theCase.mName);
+        EXPECT_EQ(vxWildcardMatches(theCase.mPattern, theCase.mName), theCase.mFits);
+    }
+}
+
+TEST(WildcardTest, RandomPatternsFitWhatTheSystemSaysInTheCLocale) {
+    const std::vector<std::string> kPatternParts = {
+        "a",    "b",    "-",    "]",    "*",     "*",     "?",           "\\*",      "\\[",
+        "[ab]", "[!a]", "[^]]", "[]-]", "[a-c]", "[c-a]", "[[:lower:]]", "[a*?\\]b]"};
+    const std::vector<std::string> kNameParts = {"a", "b", "c", "-", "]", "!", "[", "*", "\\"};
+    std::mt19937 theRandom(20);
+    const auto theText = [&theRandom](const std::vector<std::string>& aParts, size_t aMost) {
+        std::string theResult;
+        for (size_t i = theRandom() % (aMost + 1); i > 0; --i) {
+            theResult += aParts[theRandom() % aParts.size()];
+        }
+        return theResult;
+    };
+    size_t theFits = 0;
+    for (int i = 0; i < 300000; ++i) {
+        const std::string thePattern = theText(kPatternParts, 6);
+        const std::string theName = theText(kNameParts, 5);
+        const bool theExpected = fnmatch(thePattern.c_str(), theName.c_str(), 0) == 0;
+        theFits += theExpected ? 1 : 0;
+        ASSERT_EQ(vxWildcardMatches(thePattern.c_str(), theName.c_str()), theExpected)
+            << thePattern << " and " << theName;
+    }
+    EXPECT_GT(theFits, 1000u);
+}
+
+TEST(WildcardTest, ManyStarsDoNotTryEveryCombination) {
+    std::string thePattern;
+    for (int i = 0; i < 100; ++i) {
+        thePattern += "*a";
+    }
+    thePattern += "*[b]";
+    EXPECT_FALSE(vxWildcardMatches(thePattern.c_str(), std::string(255, 'a').c_str()));
+    EXPECT_TRUE(vxWildcardMatches(thePattern.c_str(), (std::string(254, 'a') + "b").c_str()));
+}
