@@ -24,6 +24,7 @@
 #include "vx/CriticalSection.h"
 #include "vx/DataBuffer.h"
 #include "vx/DateTime.h"
+#include "vx/Error.h"
 #include "vx/GrowingBuffer.h"
 #include "vx/List.h"
 #include "vx/Mutex.h"
