@@ -1,0 +1,240 @@
+// Orders of fields and of virtual operations, and sizes on the 32-bit target: programs built against
+// one release must find everything where another release puts it.
+//
+// Fields and sizes are checked when this file is compiled; it is compiled without access control,
+// so that private fields can be named. Slots are read from pointers to members.
+
+#include <gtest/gtest.h>
+#include <vx/vx.h>
+
+#include <cstddef>
+#include <cstring>
+#include <initializer_list>
+
+namespace {
+
+constexpr bool Rising(std::initializer_list<size_t> anOffsets) {
+    size_t thePrevious = 0;
+    bool theFirst = true;
+    for (const size_t theOffset : anOffsets) {
+        if (!theFirst && theOffset <= thePrevious) {
+            return false;
+        }
+        thePrevious = theOffset;
+        theFirst = false;
+    }
+    return true;
+}
+
+constexpr bool SizeOn32Bits(size_t aSize, size_t anExpected) {
+    return sizeof(void*) != 4 || aSize == anExpected;
+}
+
+#define OFFSETS_1(T, a) offsetof(T, a)
+#define OFFSETS_2(T, a, ...) offsetof(T, a), OFFSETS_1(T, __VA_ARGS__)
+#define OFFSETS_3(T, a, ...) offsetof(T, a), OFFSETS_2(T, __VA_ARGS__)
+#define OFFSETS_4(T, a, ...) offsetof(T, a), OFFSETS_3(T, __VA_ARGS__)
+#define OFFSETS_5(T, a, ...) offsetof(T, a), OFFSETS_4(T, __VA_ARGS__)
+#define OFFSETS_6(T, a, ...) offsetof(T, a), OFFSETS_5(T, __VA_ARGS__)
+#define OFFSETS_7(T, a, ...) offsetof(T, a), OFFSETS_6(T, __VA_ARGS__)
+#define OFFSETS_8(T, a, ...) offsetof(T, a), OFFSETS_7(T, __VA_ARGS__)
+#define OFFSETS_9(T, a, ...) offsetof(T, a), OFFSETS_8(T, __VA_ARGS__)
+#define OFFSETS_10(T, a, ...) offsetof(T, a), OFFSETS_9(T, __VA_ARGS__)
+#define OFFSETS_11(T, a, ...) offsetof(T, a), OFFSETS_10(T, __VA_ARGS__)
+#define OFFSETS_12(T, a, ...) offsetof(T, a), OFFSETS_11(T, __VA_ARGS__)
+#define OFFSETS_13(T, a, ...) offsetof(T, a), OFFSETS_12(T, __VA_ARGS__)
+#define PICK(_1, _2, _3, _4, _5, _6, _7, _8, _9, _10, _11, _12, _13, NAME, ...) NAME
+#define OFFSETS(T, ...)                                                                         \
+    PICK(__VA_ARGS__, OFFSETS_13, OFFSETS_12, OFFSETS_11, OFFSETS_10, OFFSETS_9, OFFSETS_8,     \
+         OFFSETS_7, OFFSETS_6, OFFSETS_5, OFFSETS_4, OFFSETS_3, OFFSETS_2, OFFSETS_1)           \
+    (T, __VA_ARGS__)
+#define FIELDS_IN_ORDER(T, ...) \
+    static_assert(Rising({OFFSETS(T, __VA_ARGS__)}), #T ": order of fields")
+#define SIZE_ON_32_BITS(T, aSize) \
+    static_assert(SizeOn32Bits(sizeof(T), aSize), #T ": size on the 32-bit target")
+
+// Reference counting
+SIZE_ON_32_BITS(vxRefCounted, 8);
+SIZE_ON_32_BITS(vxRefAny, 4);
+SIZE_ON_32_BITS(vxRef<vxUserData>, 4);
+static_assert(sizeof(vxRef<vxUserData>) == sizeof(void*), "a handle is one pointer");
+FIELDS_IN_ORDER(vxRefCountDebug, mParentPtr, mCallStack, mNext);
+SIZE_ON_32_BITS(vxRefCountDebug, 12);
+SIZE_ON_32_BITS(vxNamedClass, 8);
+SIZE_ON_32_BITS(vxUserData, 8);
+
+// Strings
+FIELDS_IN_ORDER(vxCString, mStringPtr, mCStringData);
+SIZE_ON_32_BITS(vxCString, 8);
+FIELDS_IN_ORDER(vxCStringData, mRefCount, mStringLength, mAllocatedLength);
+SIZE_ON_32_BITS(vxCStringData, 12);
+FIELDS_IN_ORDER(vxCStringBuffer, mString, mBuffer);
+SIZE_ON_32_BITS(vxCharBuffer, 4);
+SIZE_ON_32_BITS(vxWCharBuffer, 4);
+
+// Errors
+FIELDS_IN_ORDER(vxError::vxErrorInfo, mCode, mMessage, mModule, mPrevious);
+SIZE_ON_32_BITS(vxError::vxErrorInfo, 20);
+SIZE_ON_32_BITS(vxError, 20);
+
+// Lists
+FIELDS_IN_ORDER(vxBaseListItem, mNext, mPrev);
+SIZE_ON_32_BITS(vxBaseListItem, 12);
+FIELDS_IN_ORDER(vxBaseList, mFirstIterator, mBegin, mEnd, mSize);
+SIZE_ON_32_BITS(vxBaseList, 20);
+SIZE_ON_32_BITS(vxList<int>, 20);
+FIELDS_IN_ORDER(vxBaseListIterator, mCurrentItem, mNextIterator, mList);
+SIZE_ON_32_BITS(vxBaseListIterator, 16);
+FIELDS_IN_ORDER(_vxDLListNode, mNext, mPrev);
+SIZE_ON_32_BITS(_vxDLListNode, 8);
+
+// String lists
+FIELDS_IN_ORDER(vxStringList, mStr, mSeparatorChar, mIndex, mCount, mAllocatedLength);
+SIZE_ON_32_BITS(vxStringList, 24);
+SIZE_ON_32_BITS(vxCSVStringList, 24);
+FIELDS_IN_ORDER(vxCStringTokenizer, mString, mDelimiters, mPos, mMode, mfHasMore);
+
+// Buffers
+FIELDS_IN_ORDER(vxDataBuffer, mPtr, mSize);
+SIZE_ON_32_BITS(vxDataBuffer, 8);
+FIELDS_IN_ORDER(vxCountedDataBuffer, mPtr, mSize, mBase64, mBase64Size);
+SIZE_ON_32_BITS(vxCountedDataBuffer, 24);
+FIELDS_IN_ORDER(vxGrowingBuffer, mPtr, mSize, mPos, mNewBufferSizeFunc);
+SIZE_ON_32_BITS(vxGrowingBuffer, 16);
+FIELDS_IN_ORDER(vxBitString, mBuffer, mBufferSize, mInitialBufferSize, mLastByte, mLastByteSize,
+                mfBookmarked, mBookmarkedBuffer, mBookmarkedBufferSize, mBookmarkedLastByte,
+                mBookmarkedLastByteSize);
+SIZE_ON_32_BITS(vxBitString, 28);
+
+// Dates
+FIELDS_IN_ORDER(vxtimeval, tv_sec, tv_usec);
+static_assert(sizeof(vxtimeval) == 8, "two 32-bit words on every target");
+FIELDS_IN_ORDER(vxtm, tm_sec, tm_min, tm_hour, tm_mday, tm_mon, tm_year, tm_isdst, tm_wday, tm_yday,
+                tm_msec);
+static_assert(sizeof(vxtm) == 40, "ten 32-bit words on every target");
+static_assert(sizeof(vxDateTime) == 8, "a date is its time value");
+static_assert(sizeof(vxuint64) == 8, "one 64-bit word");
+FIELDS_IN_ORDER(vxULongLong, mLow, mHigh);
+static_assert(sizeof(vxULongLong) == 8, "two 32-bit words");
+
+// Small values
+FIELDS_IN_ORDER(vxVersion, mMajor, mMinor, mRevision);
+static_assert(sizeof(vxVersion) == 12, "three 32-bit words");
+FIELDS_IN_ORDER(vxRGBColor, mRed, mGreen, mBlue);
+static_assert(sizeof(vxRGBColor) == 6, "three 16-bit words");
+FIELDS_IN_ORDER(vxHSVColor, mHue, mSaturation, mValue);
+static_assert(sizeof(vxHSVColor) == 6, "three 16-bit words");
+FIELDS_IN_ORDER(vxPoint, x, y);
+FIELDS_IN_ORDER(vxRect, ul, lr);
+static_assert(sizeof(vxRect) == 16, "four ints");
+
+// JSON
+FIELDS_IN_ORDER(vxJSONEntry, mEntry, mfIsOrphan);
+SIZE_ON_32_BITS(vxJSONEntry, 12);
+SIZE_ON_32_BITS(vxJSONObject, 12);
+SIZE_ON_32_BITS(vxJSONArray, 12);
+SIZE_ON_32_BITS(vxJSONDocument, 12);
+SIZE_ON_32_BITS(vxJSONPair, 12);
+SIZE_ON_32_BITS(vxMPackDictionary, 12);
+
+// Console
+FIELDS_IN_ORDER(vxCLIParameter, mType, mValue, mValueStr, mfMissing, mDataBuffer);
+FIELDS_IN_ORDER(vxCLIParameterChecker, mParameterName, mType, mfRange, mMinNumberValue,
+                mMaxNumberValue, mfOptional, mfFreeForm, mValueNumber, mDefaultValueNumber,
+                mDefaultValueStr);
+FIELDS_IN_ORDER(vxCLICommandChecker, mHelp, mParameters, mNonOptionalParameterCount,
+                mOptionalParameterCount, mCommandList);
+FIELDS_IN_ORDER(vxCLICommandValidator, mParameterDescription, mHelp, mError, mTypeStr,
+                mParameterName, mCommandList, mType, mfRange, mMinNumberValue, mMaxNumberValue,
+                mfOptional, mfFreeForm, mfError);
+FIELDS_IN_ORDER(vxCLICommandSet, mCommandHashTable, mModuleNameList, mCSVModuleNameList, mError,
+                mfInternal, mMainModuleName, mUserData);
+FIELDS_IN_ORDER(vxCLIManager, mCommandHashTable, mInternalCommandArray, mInternalCommandSet, mError,
+                mActiveModuleName, mfNewError);
+FIELDS_IN_ORDER(vxCLICommand, mCLIManager, mCLICommandSet, mInput, mError, mParameters, mModuleName,
+                mModuleNameList, mCommandNameList, mfShortcutCommand, mSecured);
+
+// Program arguments
+FIELDS_IN_ORDER(vxCommandLineDescription, mKind, mOptionName, mDescription, mType, mFlags);
+SIZE_ON_32_BITS(vxCommandLineDescription, 20);
+FIELDS_IN_ORDER(vxCommandLineOption, mKind, mOptionName, mDescription, mType, mFlags, mfHasValue,
+                mInt32Value, mStringValue);
+FIELDS_IN_ORDER(vxCommandLineParameter, mDescription, mType, mFlags);
+static_assert(sizeof(vxCommandLineParser) == sizeof(void*), "one owned pointer");
+
+// Synchronisation
+FIELDS_IN_ORDER(vxMutex, mMutex, mLockCount);
+SIZE_ON_32_BITS(vxMutex, 8);
+SIZE_ON_32_BITS(vxMutexLocker, 4);
+SIZE_ON_32_BITS(vxCriticalSection, 4);
+FIELDS_IN_ORDER(vxCondition, mCondition, mMutex, mfSignaled, mfManualReset);
+SIZE_ON_32_BITS(vxCondition, 12);
+FIELDS_IN_ORDER(vxConditionExt, mCondition, mMutex, mfSignaled, mfDeleteMutex);
+SIZE_ON_32_BITS(vxConditionExt, 12);
+SIZE_ON_32_BITS(vxSemaphore, 4);
+
+// Time-outs and applets
+FIELDS_IN_ORDER(vxTimeout, mStart, mDuration);
+SIZE_ON_32_BITS(vxTimeout, 20);
+SIZE_ON_32_BITS(vxTimeoutQueue, 12);
+FIELDS_IN_ORDER(vxApplet, mfaWake, mfChildaWake, mParent, mOptions, mChildren, mLastUpstreamMsg,
+                mfHadChild);
+FIELDS_IN_ORDER(vxActivityManager, mMutex, mActivityCounter, mfActivity, mTimeVal);
+SIZE_ON_32_BITS(vxSelect, 4);
+
+// Files
+FIELDS_IN_ORDER(vxPathName, mPathKind, mPath, mFileName, mExtension, mFullPath);
+SIZE_ON_32_BITS(vxPathName, 36);
+FIELDS_IN_ORDER(vxFile, mFD, mErrorCode);
+FIELDS_IN_ORDER(vxDirEntry, mName, mfDir, mfHidden);
+FIELDS_IN_ORDER(vxDir, mPathName, mTraverser, mState, mError);
+FIELDS_IN_ORDER(vxTextFile, mFile, mBuffer, mMaxLineLength, mLineLength, mfNeedLF, mfLineTooBig);
+
+/// Returns the slot that a pointer to a virtual operation names, counted from 0.
+template <typename Operation>
+int SlotOf(Operation anOperation) {
+    static_assert(sizeof(anOperation) == 2 * sizeof(ptrdiff_t), "a pointer to member is two words");
+    ptrdiff_t theWords[2];
+    memcpy(theWords, &anOperation, sizeof(theWords));
+#if defined(__arm__) || defined(__aarch64__)
+    const bool theVirtual = (theWords[1] & 1) != 0;
+    const ptrdiff_t theOffset = theWords[0];
+#else
+    const bool theVirtual = (theWords[0] & 1) != 0;
+    const ptrdiff_t theOffset = theWords[0] - 1;
+#endif
+    return theVirtual ? static_cast<int>(theOffset / static_cast<ptrdiff_t>(sizeof(void*))) : -1;
+}
+
+// A virtual destructor takes two slots.
+
+TEST(LayoutTest, CountedObjectsNotifyBeforeTheyAreDestroyed) {
+    EXPECT_EQ(SlotOf(&vxRefCounted::NotifyRefCountIsNull), 0);
+}
+
+TEST(LayoutTest, ListsRemoveAndDetachBehindTheDestructor) {
+    EXPECT_EQ(SlotOf(&vxBaseList::Remove), 2);
+    EXPECT_EQ(SlotOf(&vxBaseList::Detach), 3);
+}
+
+TEST(LayoutTest, EntriesSetThemselvesBehindTheDestructor) {
+    EXPECT_EQ(SlotOf(static_cast<void (vxJSONEntry::*)(vxJSON_t*, bool)>(&vxJSONEntry::SetEntry)), 2);
+    EXPECT_EQ(SlotOf(&vxJSONEntry::IsRoot), 3);
+    EXPECT_EQ(SlotOf(static_cast<void (vxJSONDocument::*)(vxJSON_t*)>(&vxJSONDocument::SetEntry)), 4);
+}
+
+TEST(LayoutTest, ConsoleAppletsAddTheirOperationsBehindTheInheritedOnes) {
+    EXPECT_EQ(SlotOf(&vxCLIApplet::HandleCLICommand), 3);
+    EXPECT_EQ(SlotOf(&vxCLIApplet::GetCLIAppletID), 4);
+    EXPECT_EQ(SlotOf(&vxCLIApplet::Terminate), 5);
+}
+
+TEST(LayoutTest, AppletsAddTheirOperationsBehindThoseOfTheTimeoutQueue) {
+    EXPECT_EQ(SlotOf(&vxTimeoutQueue::FirstExpiringTimeout), 2);
+    EXPECT_EQ(SlotOf(&vxTimeoutQueue::OnTimeouts), 3);
+    EXPECT_EQ(SlotOf(&vxApplet::AppletLoop), 4);
+    EXPECT_EQ(SlotOf(&vxApplet::RaiseWakeUpSignal), 5);
+    EXPECT_EQ(SlotOf(&vxApplet::WaitWakeUpSignal), 6);
+}
+
+}  // namespace
