@@ -1,0 +1,188 @@
+#include <libvxOS/Condition.h>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <chrono>
+#include <thread>
+#include <vector>
+
+#include "support/Latch.h"
+
+namespace {
+
+class OSConditionTest : public testing::Test {
+protected:
+    ~OSConditionTest() override {
+        vxCondition_Delete(mCondition);
+        vxMutex_Delete(mMutex);
+    }
+
+    vxOSCondition* mCondition = vxCondition_New();
+    vxOSMutex* mMutex = vxMutex_New();
+};
+
+TEST_F(OSConditionTest, WaitLetsGoOfTheMutexAndHoldsItAgain) {
+    bool theIsWaiting = false;  // guarded by mMutex, and so on
+    bool theIsReady = false;
+    std::thread theOther([&] {
+        vxMutex_Lock(mMutex);
+        theIsWaiting = true;
+        while (!theIsReady) {
+            EXPECT_EQ(vxCondition_Wait(mCondition, mMutex), 0);
+            EXPECT_EQ(vxMutex_IsHeld(mMutex), 1);
+        }
+        vxMutex_Unlock(mMutex);
+    });
+    for (bool theIsDone = false; !theIsDone;) {
+        vxMutex_Lock(mMutex);
+        if (theIsWaiting) {
+            theIsReady = true;
+            EXPECT_EQ(vxCondition_Signal(mCondition), 0);
+            theIsDone = true;
+        }
+        vxMutex_Unlock(mMutex);
+    }
+    theOther.join();
+}
+
+TEST_F(OSConditionTest, WaitLetsGoOfEveryLevelAndRestoresThem) {
+    bool theIsWaiting = false;
+    bool theIsReady = false;
+    std::thread theOther([&] {
+        vxMutex_Lock(mMutex);
+        vxMutex_Lock(mMutex);
+        vxMutex_Lock(mMutex);
+        theIsWaiting = true;
+        while (!theIsReady) {
+            vxCondition_Wait(mCondition, mMutex);
+        }
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(vxMutex_Unlock(mMutex), 0);
+        }
+        EXPECT_EQ(vxMutex_Unlock(mMutex), EPERM);
+    });
+    for (bool theIsDone = false; !theIsDone;) {
+        vxMutex_Lock(mMutex);
+        if (theIsWaiting) {
+            theIsReady = true;
+            vxCondition_Signal(mCondition);
+            theIsDone = true;
+        }
+        vxMutex_Unlock(mMutex);
+    }
+    theOther.join();
+}
+
+TEST_F(OSConditionTest, TimedWaitLastsAtLeastAsLongAsAskedAndHoldsTheMutexAgain) {
+    for (const uint32_t theTimeout : {0U, 1U, 30U}) {
+        SCOPED_TRACE(theTimeout);
+        vxMutex_Lock(mMutex);
+        const auto theStart = std::chrono::steady_clock::now();
+        EXPECT_EQ(vxCondition_WaitTimeout(mCondition, mMutex, theTimeout), ETIMEDOUT);
+        EXPECT_GE(std::chrono::steady_clock::now() - theStart,
+                  std::chrono::milliseconds(theTimeout));
+        EXPECT_EQ(vxMutex_IsHeld(mMutex), 1);
+        vxMutex_Unlock(mMutex);
+    }
+}
+
+TEST_F(OSConditionTest, LargestTimeoutIsATimeLikeAnyOther) {
+    bool theIsWaiting = false;
+    bool theIsReady = false;
+    std::thread theOther([&] {
+        vxMutex_Lock(mMutex);
+        theIsWaiting = true;
+        while (!theIsReady) {
+            EXPECT_EQ(vxCondition_WaitTimeout(mCondition, mMutex, 0xFFFFFFFF), 0);
+        }
+        vxMutex_Unlock(mMutex);
+    });
+    for (bool theIsDone = false; !theIsDone;) {
+        vxMutex_Lock(mMutex);
+        if (theIsWaiting) {
+            theIsReady = true;
+            vxCondition_Signal(mCondition);
+            theIsDone = true;
+        }
+        vxMutex_Unlock(mMutex);
+    }
+    theOther.join();
+}
+
+TEST_F(OSConditionTest, EverySignalWakesOneMoreOfTheWaitingThreads) {
+    constexpr int kThreads = 4;
+    int theTickets = 0;
+    int theWaiting = 0;
+    std::vector<std::thread> theThreads;
+    for (int i = 0; i < kThreads; ++i) {
+        theThreads.emplace_back([&] {
+            vxMutex_Lock(mMutex);
+            ++theWaiting;
+            while (theTickets == 0) {
+                vxCondition_Wait(mCondition, mMutex);
+            }
+            --theTickets;
+            vxMutex_Unlock(mMutex);
+        });
+    }
+    for (bool theAreWaiting = false; !theAreWaiting;) {
+        vxMutex_Lock(mMutex);
+        theAreWaiting = theWaiting == kThreads;
+        vxMutex_Unlock(mMutex);
+    }
+    for (int i = 0; i < kThreads; ++i) {
+        vxMutex_Lock(mMutex);
+        ++theTickets;
+        vxCondition_Signal(mCondition);
+        vxMutex_Unlock(mMutex);
+    }
+    for (std::thread& theThread : theThreads) {
+        theThread.join();
+    }
+    EXPECT_EQ(theTickets, 0);
+}
+
+TEST_F(OSConditionTest, TwoThreadsHandATurnBackAndForthWithoutLosingOne) {
+    constexpr int kRounds = 20000;
+    int theTurn = 0;
+    const auto thePlay = [&](int anOwn) {
+        for (int i = 0; i < kRounds; ++i) {
+            vxMutex_Lock(mMutex);
+            while (theTurn % 2 != anOwn) {
+                vxCondition_Wait(mCondition, mMutex);
+            }
+            ++theTurn;
+            vxCondition_Signal(mCondition);
+            vxMutex_Unlock(mMutex);
+        }
+    };
+    std::thread theOther([&] { thePlay(1); });
+    thePlay(0);
+    theOther.join();
+    EXPECT_EQ(theTurn, 40000);
+}
+
+TEST_F(OSConditionTest, SignalWithoutWaitersIsNotRemembered) {
+    EXPECT_EQ(vxCondition_Signal(mCondition), 0);
+    vxMutex_Lock(mMutex);
+    EXPECT_EQ(vxCondition_WaitTimeout(mCondition, mMutex, 1), ETIMEDOUT);
+    vxMutex_Unlock(mMutex);
+}
+
+TEST_F(OSConditionTest, WaitWithoutTheMutexIsRefused) {
+    EXPECT_EQ(vxCondition_Wait(mCondition, mMutex), EPERM);
+    EXPECT_EQ(vxCondition_WaitTimeout(mCondition, mMutex, 1), EPERM);
+    EXPECT_EQ(vxMutex_IsHeld(mMutex), 0);
+}
+
+TEST_F(OSConditionTest, NullHandlesAreRefused) {
+    EXPECT_EQ(vxCondition_Wait(nullptr, mMutex), EINVAL);
+    EXPECT_EQ(vxCondition_Wait(mCondition, nullptr), EINVAL);
+    EXPECT_EQ(vxCondition_WaitTimeout(nullptr, mMutex, 1), EINVAL);
+    EXPECT_EQ(vxCondition_WaitTimeout(mCondition, nullptr, 1), EINVAL);
+    EXPECT_EQ(vxCondition_Signal(nullptr), EINVAL);
+    vxCondition_Delete(nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,95 @@
+// The definitions with C linkage stand in front of the platform's, because the program's symbols are
+// found before those of its libraries.
+
+#include "support/ScriptedClock.h"
+
+#include <libvxOS/Clock.h>
+#include <libvxOS/Thread.h>
+
+#include <atomic>
+
+#include "support/Forward.h"
+
+namespace {
+
+std::atomic<vxtest::ScriptedClock*> sClock{nullptr};
+
+}  // namespace
+
+namespace vxtest {
+
+ScriptedClock::ScriptedClock(uint32_t aTick, vxtimeval aTime) : mTick(aTick), mTime(aTime) {
+    sClock = this;
+}
+
+ScriptedClock::~ScriptedClock() {
+    sClock = nullptr;
+}
+
+void ScriptedClock::Advance(uint32_t aMS) {
+    std::lock_guard<std::mutex> theLock(mMutex);
+    AdvanceLocked(aMS);
+}
+
+void ScriptedClock::AdvanceLocked(uint32_t aMS) {
+    mTick += aMS;
+    const int64_t theMicroseconds = mTime.tv_usec + int64_t{aMS} * 1000;
+    mTime.tv_sec += static_cast<int32_t>(theMicroseconds / 1000000);
+    mTime.tv_usec = static_cast<int32_t>(theMicroseconds % 1000000);
+}
+
+void ScriptedClock::SetTick(uint32_t aTick) {
+    std::lock_guard<std::mutex> theLock(mMutex);
+    mTick = aTick;
+}
+
+void ScriptedClock::SetTime(vxtimeval aTime) {
+    std::lock_guard<std::mutex> theLock(mMutex);
+    mTime = aTime;
+}
+
+uint32_t ScriptedClock::GetTick() const {
+    std::lock_guard<std::mutex> theLock(mMutex);
+    return mTick;
+}
+
+vxtimeval ScriptedClock::GetTime() const {
+    std::lock_guard<std::mutex> theLock(mMutex);
+    return mTime;
+}
+
+void ScriptedClock::Sleep(uint32_t aMS) {
+    std::lock_guard<std::mutex> theLock(mMutex);
+    mSleeps.push_back(aMS);
+    AdvanceLocked(aMS);
+}
+
+std::vector<uint32_t> ScriptedClock::Sleeps() const {
+    std::lock_guard<std::mutex> theLock(mMutex);
+    return mSleeps;
+}
+
+}  // namespace vxtest
+
+uint32_t vxTime_GetTickCount(void) {
+    if (const vxtest::ScriptedClock* theClock = sClock) {
+        return theClock->GetTick();
+    }
+    return VXTEST_REAL(vxTime_GetTickCount)();
+}
+
+void vxMonoliticTime_GetTime(vxtimeval* aTime) {
+    if (const vxtest::ScriptedClock* theClock = sClock) {
+        *aTime = theClock->GetTime();
+        return;
+    }
+    VXTEST_REAL(vxMonoliticTime_GetTime)(aTime);
+}
+
+void vxThread_Sleep(uint32_t aMSDuration) {
+    if (vxtest::ScriptedClock* theClock = sClock) {
+        theClock->Sleep(aMSDuration);
+        return;
+    }
+    VXTEST_REAL(vxThread_Sleep)(aMSDuration);
+}

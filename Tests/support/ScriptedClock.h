@@ -1,0 +1,48 @@
+#pragma once
+
+// A clock that the test turns by hand. Linking it replaces the platform's ticks, monotonic time and
+// sleep in the whole test program; they are forwarded while no scripted clock lives.
+
+#include <libvxOS/TimeVal.h>
+
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+namespace vxtest {
+
+/// Answers for the platform's clocks for as long as it lives; one at a time.
+///
+/// Threads:  any.
+class ScriptedClock {
+public:
+    /// Both clocks start where told.
+    explicit ScriptedClock(uint32_t aTick = 1000000, vxtimeval aTime = {5000, 0});
+    ~ScriptedClock();
+    ScriptedClock(const ScriptedClock&) = delete;
+    ScriptedClock& operator=(const ScriptedClock&) = delete;
+
+    /// Moves both clocks on.
+    void Advance(uint32_t aMS);
+
+    void SetTick(uint32_t aTick);
+    void SetTime(vxtimeval aTime);
+    uint32_t GetTick() const;
+    vxtimeval GetTime() const;
+
+    /// Moves both clocks on by the duration of the sleep, and remembers it.
+    void Sleep(uint32_t aMS);
+
+    /// The sleeps that were asked for, in milliseconds, oldest first.
+    std::vector<uint32_t> Sleeps() const;
+
+private:
+    void AdvanceLocked(uint32_t aMS);
+
+    mutable std::mutex mMutex;  // guards everything below
+    uint32_t mTick;
+    vxtimeval mTime;
+    std::vector<uint32_t> mSleeps;
+};
+
+}  // namespace vxtest
