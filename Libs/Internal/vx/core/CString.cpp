@@ -724,13 +724,13 @@ vxCString& vxCString::TrimLeftRight() {
 
 vxCString vxCString::Upper() const {
     vxCString theResult(mStringPtr, length());
-    std::transform(mStringPtr, mStringPtr + length(), theResult.mStringPtr, vxToUpper);
+    std::transform(mStringPtr, mStringPtr + theResult.length(), theResult.mStringPtr, vxToUpper);
     return theResult;
 }
 
 vxCString vxCString::Lower() const {
     vxCString theResult(mStringPtr, length());
-    std::transform(mStringPtr, mStringPtr + length(), theResult.mStringPtr, vxToLower);
+    std::transform(mStringPtr, mStringPtr + theResult.length(), theResult.mStringPtr, vxToLower);
     return theResult;
 }
 
@@ -738,14 +738,15 @@ vxCString vxCString::TrimTo1Space() const {
     vxCString theResult(mStringPtr, length());
     size_t theLength = 0;
     bool theInRun = false;
-    for (size_t i = 0; i < length(); i++) {
+    for (size_t i = 0; i < theResult.length(); i++) {
         const bool theIsSpace = vxIsSpace(mStringPtr[i]);
         if (!theIsSpace || !theInRun) {
             theResult.mStringPtr[theLength++] = theIsSpace ? ' ' : mStringPtr[i];
         }
         theInRun = theIsSpace;
     }
-    return theLength == length() ? theResult : theResult.Truncate(theLength);
+    theResult.Truncate(theLength);
+    return theResult;
 }
 
 size_t vxCString::Printf(const char* aFormat, ...) {

@@ -55,7 +55,8 @@ vxRefCountDebug::~vxRefCountDebug() {
 vxNamedClass::~vxNamedClass() = default;
 
 bool vxNamedClass::IsClassName(const char* aName) const {
-    return strcmp(mClassName, aName) == 0;
+    return mClassName == aName ||
+           (mClassName != NULL && aName != NULL && strcmp(mClassName, aName) == 0);
 }
 
 vxUserData::~vxUserData() = default;

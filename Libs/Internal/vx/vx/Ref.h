@@ -116,6 +116,9 @@ public:
 
     /// Lets go of the old object first, then takes the new one; a handle assigned to itself does
     /// nothing.
+    ///
+    /// A handle that lives inside the old object dies with it before it is read. To step along a
+    /// chain, copy it first: `vxRef<Node> theNext = theNode->mNext; theNode = theNext;`.
     vxRefAny& operator=(const vxRefAny& aRef) {
         if (this != &aRef) {
             ReleasePointed();
@@ -196,7 +199,7 @@ public:
 
     const char* GetClassName() const { return mClassName; }
 
-    /// Compares byte for byte.
+    /// Compares byte for byte; null equals null only.
     bool IsClassName(const char* aName) const;
 
 private:
