@@ -16,7 +16,7 @@ VX_C_BEGIN
 /// Threads:  any.
 VX_API int vx_snprintf(char* aBuffer, size_t aSize, const char* aFormat, ...) VX_PRINTF(3, 4);
 
-/// As vx_snprintf(), with the arguments as a list, which is used up.
+/// As vx_snprintf(), with the arguments as a list; only va_end() may follow on it.
 VX_API int vx_vsnprintf(char* aBuffer, size_t aSize, const char* aFormat, va_list anArgs)
     VX_PRINTF(3, 0);
 
