@@ -27,6 +27,7 @@
 #include "vx/Dir.h"
 #include "vx/Error.h"
 #include "vx/File.h"
+#include "vx/FileHelper.h"
 #include "vx/GrowingBuffer.h"
 #include "vx/List.h"
 #include "vx/Mutex.h"
