@@ -5,11 +5,26 @@
 #include <libteskTools/HashTable.h>
 #include <libvxOS/Clock.h>
 
+#include <cstring>
+
 namespace {
 
 vxtimeval vxNow() {
     vxtimeval theTime;
     vxMonoliticTime_GetTime(&theTime);
+    return theTime;
+}
+
+uint64_t vxToWord(const vxtimeval& aTime) {
+    uint64_t theWord;
+    static_assert(sizeof(theWord) == sizeof(aTime), "a time value is two 32-bit words");
+    memcpy(&theWord, &aTime, sizeof(theWord));
+    return theWord;
+}
+
+vxtimeval vxFromWord(uint64_t aWord) {
+    vxtimeval theTime;
+    memcpy(&theTime, &aWord, sizeof(theTime));
     return theTime;
 }
 
@@ -26,7 +41,7 @@ uint32_t vxChangedCount(uint32_t aCount, int32_t aDelta) {
 vxActivityManager::vxActivityManager()
     : mActivityCounter(vxCustomHashTable_New_String_UInt32()),
       mfActivity(false),
-      mTimeVal(vxNow()) {}
+      mTimeVal(vxToWord(vxNow())) {}
 
 vxActivityManager::~vxActivityManager() {
     vxCustomHashTable_Delete(mActivityCounter);
@@ -73,7 +88,7 @@ void vxActivityManager::UpdateActivityFlag() {
         &theIsActive);
     if (mfActivity.load() && !theIsActive) {
         // The time first: whoever sees the flag down must not count from an older moment.
-        mTimeVal.store(vxNow());
+        mTimeVal.store(vxToWord(vxNow()));
     }
     mfActivity.store(theIsActive);
 }
@@ -90,7 +105,7 @@ uint32_t vxActivityManager::GetInactivityDuration() const {
         return 0;
     }
     const vxtimeval theNow = vxNow();
-    const vxtimeval theSince = mTimeVal.load();
+    const vxtimeval theSince = vxFromWord(mTimeVal.load());
     vxtimeval theDuration;
     vxTimeVal_Substract(&theDuration, &theNow, &theSince);
     return static_cast<uint32_t>(theDuration.tv_sec);

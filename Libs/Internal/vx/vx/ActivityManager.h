@@ -51,5 +51,6 @@ private:
     mutable vxMutex mMutex;               // guards mActivityCounter
     vxCustomHashTable* mActivityCounter;  // owned; module name to count
     std::atomic<bool> mfActivity;         // a count is above 0; written under mMutex
-    std::atomic<vxtimeval> mTimeVal;      // when the last module became idle; written under mMutex
+    std::atomic<uint64_t> mTimeVal;       // when the last module became idle, a vxtimeval in one
+                                          // word; written under mMutex
 };
