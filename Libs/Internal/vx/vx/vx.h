@@ -29,6 +29,7 @@
 #include "vx/File.h"
 #include "vx/FileHelper.h"
 #include "vx/GrowingBuffer.h"
+#include "vx/JSON.h"
 #include "vx/List.h"
 #include "vx/Mutex.h"
 #include "vx/PathName.h"
