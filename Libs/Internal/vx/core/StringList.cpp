@@ -339,8 +339,9 @@ void vxStringList::Merge(const vxStringList& aOther, bool afCaseSensitive, bool 
     }
     // The texts may be this list's own: it keeps its buffer until they are copied.
     vxStringList theResult(*this);
-    theResult.AppendAll(theItems.data(), theItems.size());
-    SwapItems(theResult);
+    if (theResult.mCount == mCount && theResult.AppendAll(theItems.data(), theItems.size())) {
+        SwapItems(theResult);
+    }
 }
 
 bool vxStringList::IsEqual(const vxStringList& aOther, bool afCheckSeparator) const {
@@ -385,18 +386,22 @@ void vxStringList::Append(const char* aStr, size_t aSize) {
     mAllocatedLength += aSize;
 }
 
-// Appends texts that lie outside this list.
-void vxStringList::AppendAll(const char* const* anItems, size_t aCount) {
+// Appends texts that lie outside this list, all or none.
+bool vxStringList::AppendAll(const char* const* anItems, size_t aCount) {
     size_t theSize = 0;
     for (size_t i = 0; i < aCount; ++i) {
         theSize = vxSum(theSize, strlen(anItems[i]) + 1);
     }
-    if (aCount == 0 || !Grow(aCount, theSize)) {
-        return;
+    if (aCount == 0) {
+        return true;
+    }
+    if (!Grow(aCount, theSize)) {
+        return false;
     }
     for (size_t i = 0; i < aCount; ++i) {
         Append(anItems[i], strlen(anItems[i]) + 1);
     }
+    return true;
 }
 
 // Splits a text into this list, which is empty and has the room.

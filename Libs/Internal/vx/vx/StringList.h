@@ -133,7 +133,7 @@ public:
 private:
     bool Grow(size_t aCount, size_t aSize);
     void Append(const char* aStr, size_t aSize);
-    void AppendAll(const char* const* anItems, size_t aCount);
+    bool AppendAll(const char* const* anItems, size_t aCount);
     void Split(const char* aStr, size_t aLength, char aSeparator, char anEscape);
     size_t OffsetOf(const char* aStr) const;
     bool IsPlain(char anEscape) const;
