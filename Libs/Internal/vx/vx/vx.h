@@ -18,6 +18,7 @@
 #include "vx/CStringTokenizer.h"
 #include "vx/CharBuffer.h"
 #include "vx/CommandLineParser.h"
+#include "vx/Color.h"
 #include "vx/Condition.h"
 #include "vx/ConditionExt.h"
 #include "vx/CountedDataBuffer.h"
@@ -43,3 +44,4 @@
 #include "vx/TextFile.h"
 #include "vx/Timeout.h"
 #include "vx/UInt64.h"
+#include "vx/Version.h"
