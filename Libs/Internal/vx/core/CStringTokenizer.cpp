@@ -33,10 +33,9 @@ void vxCStringTokenizer::SetString(const vxCString& aString, const vxCString& aD
         mMode =
             vxAreBlanks(aDelimiters) ? kTokenizerMode_Strtok : kTokenizerMode_ReturnEmptyMiddleOnly;
     }
-    std::fill(std::begin(mSet), std::end(mSet), 0);
+    std::fill(std::begin(mfIsDelimiter), std::end(mfIsDelimiter), false);
     for (size_t i = 0; i < mDelimiters.length(); ++i) {
-        const unsigned char theByte = static_cast<unsigned char>(mDelimiters.c_str()[i]);
-        mSet[theByte / 32] |= UINT32_C(1) << (theByte % 32);
+        mfIsDelimiter[static_cast<unsigned char>(mDelimiters.c_str()[i])] = true;
     }
     Reinit(aString);
 }
@@ -48,7 +47,7 @@ void vxCStringTokenizer::Reinit(const vxCString& aString) {
     mString = aString;
     mPos = 0;
     mfHasMore = !mString.IsEmpty();
-    mNextText = FindText();
+    mNextText = FindPlace(mPos, false);
 }
 
 bool vxCStringTokenizer::HasMoreTokens() const {
@@ -56,7 +55,7 @@ bool vxCStringTokenizer::HasMoreTokens() const {
         return false;
     }
     if (mNextText < mPos) {
-        mNextText = FindText();
+        mNextText = FindPlace(mPos, false);
     }
     if (mNextText < mString.length()) {
         return true;
@@ -70,7 +69,7 @@ vxCString vxCStringTokenizer::GetNextToken() {
         return vxCString();
     }
     const size_t theStart = mMode == kTokenizerMode_Strtok ? mNextText : mPos;
-    size_t theEnd = FindDelimiter(theStart);
+    size_t theEnd = FindPlace(theStart, true);
     if (theEnd == mString.length()) {
         mPos = theEnd;
         mfHasMore = false;
@@ -94,27 +93,12 @@ size_t vxCStringTokenizer::CountTokens() {
     return theCount;
 }
 
-bool vxCStringTokenizer::IsDelimiter(char aChar) const {
-    const unsigned char theByte = static_cast<unsigned char>(aChar);
-    return (mSet[theByte / 32] >> (theByte % 32) & 1) != 0;
-}
-
-// Returns the place of the first byte from mPos on that is no delimiter, or the length.
-size_t vxCStringTokenizer::FindText() const {
+// Returns the place of the first byte from `aPos` on that is a delimiter, or is none; or the length.
+size_t vxCStringTokenizer::FindPlace(size_t aPos, bool afDelimiter) const {
     const char* theText = mString.c_str();
     const size_t theLength = mString.length();
-    size_t thePos = mPos;
-    while (thePos < theLength && IsDelimiter(theText[thePos])) {
-        ++thePos;
-    }
-    return thePos;
-}
-
-// Returns the place of the first delimiter from `aPos` on, or the length.
-size_t vxCStringTokenizer::FindDelimiter(size_t aPos) const {
-    const char* theText = mString.c_str();
-    const size_t theLength = mString.length();
-    while (aPos < theLength && !IsDelimiter(theText[aPos])) {
+    while (aPos < theLength &&
+           mfIsDelimiter[static_cast<unsigned char>(theText[aPos])] != afDelimiter) {
         ++aPos;
     }
     return aPos;

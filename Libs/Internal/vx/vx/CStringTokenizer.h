@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 
 #include "vx/Api.h"
 #include "vx/CString.h"
@@ -81,9 +80,7 @@ public:
     bool IsOk() const { return mMode != kTokenizerMode_NotInitialized; }
 
 private:
-    bool IsDelimiter(char aChar) const;
-    size_t FindText() const;
-    size_t FindDelimiter(size_t aPos) const;
+    size_t FindPlace(size_t aPos, bool afDelimiter) const;
 
     vxCString mString;      // the whole text; its first mPos bytes are consumed, and never copied
     vxCString mDelimiters;  // a set of bytes
@@ -91,7 +88,7 @@ private:
     vxCStringTokenizerMode mMode = kTokenizerMode_NotInitialized;
     bool mfHasMore = false;  // false once the token that no delimiter ended has been taken
 
-    uint32_t mSet[8] = {};         // mDelimiters, as bits
+    bool mfIsDelimiter[256] = {};  // mDelimiters, by byte
     mutable size_t mNextText = 0;  // where a byte at or after mPos is no delimiter; out of date
                                    // while it is below mPos
 };
