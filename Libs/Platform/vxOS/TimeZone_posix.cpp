@@ -43,12 +43,23 @@ struct vxZone {
     std::atomic<uint64_t> mSpans[kvxTimeZone_SpanCount];
 };
 
-// Where a thread saw TZ last.
+// Where a thread saw TZ last, or the end of an environment without it.
 struct vxZoneView {
     char** mEnvironment;
     size_t mIndex;
-    const char* mEntry;  // null: the environment ended there
+    const char* mEntry;     // null at the end
+    const char* mPrevious;  // the entry before the end, null before any other
     vxZone* mZone;
+
+    bool IsCurrent() const {
+        if (environ == nullptr || mEnvironment != environ || environ[mIndex] != mEntry) {
+            return false;
+        }
+        // A text that putenv() handed in may have been rewritten in its place. An environment that
+        // has shrunk leaves null pointers behind its end, so the end is known by what precedes it.
+        return mEntry != nullptr ? mZone->mEntry == mEntry
+                                 : mIndex == 0 || environ[mIndex - 1] == mPrevious;
+    }
 };
 
 std::mutex sMutex;  // guards sZones and the C library's zone while a span is learned
@@ -80,20 +91,15 @@ vxZone* vxLookForZone() {
         }
     }
     const char* theEntry = environ == nullptr ? nullptr : environ[theIndex];
-    sView = {environ, theIndex, theEntry, vxZoneOf(theEntry == nullptr ? "" : theEntry)};
+    const char* thePrevious = theEntry == nullptr && theIndex > 0 ? environ[theIndex - 1] : nullptr;
+    sView = {environ, theIndex, theEntry, thePrevious,
+             vxZoneOf(theEntry == nullptr ? "" : theEntry)};
     return sView.mZone;
 }
 
 vxZone* vxCurrentZone() {
     const vxZoneView& theView = sView;
-    if (theView.mEnvironment == environ && environ != nullptr &&
-        environ[theView.mIndex] == theView.mEntry) {
-        // A text that putenv() handed in may have been rewritten in its place.
-        if (theView.mEntry == nullptr || theView.mZone->mEntry == theView.mEntry) {
-            return theView.mZone;
-        }
-    }
-    return vxLookForZone();
+    return theView.IsCurrent() ? theView.mZone : vxLookForZone();
 }
 
 uint64_t vxPacked(const vxTimeZoneOffset& anOffset) {
