@@ -751,7 +751,6 @@ TEST_F(DateTimeTest, ReadsBackWhatItWrites) {
         LocalZone theZone(theName);
         std::mt19937 theRandom(2015);
         for (int i = 0; i < 3000; ++i) {
-            // Round every value that does not survive a change of clocks down to noon.
             vxDateTime theDate = At(static_cast<int32_t>(theRandom() >> 1));
             vxDateTime theCopy = At(static_cast<int32_t>(theRandom() >> 1));
             ASSERT_TRUE(theCopy.ParseISO(theDate.FormatISO()));
