@@ -162,6 +162,7 @@ struct vxCommandLineParserData {
     vxPtrListNode* mNext = NULL;       // next argument
     vxPtrList* mQueue;                 // what remains of glued switches: into mArguments
     vxPtrListNode* mParameter = NULL;  // next positional parameter
+    bool mfIsCollecting = false;       // it takes all the rest and has got something
     bool mfOptionsAllowed = true;      // no `--` yet
     vxCString mError;
 
@@ -300,6 +301,7 @@ bool vxCommandLineParserData::IsOption(const Argument& anArgument) const {
 
 int vxCommandLineParserData::Walk() {
     mError.clear();
+    mfIsCollecting = false;
     mfOptionsAllowed = true;
     mLastParameter = NULL;
     vxPtrList_Clear(mQueue);
@@ -385,12 +387,12 @@ bool vxCommandLineParserData::ParseParameter(const Argument& anArgument) {
         return false;
     }
     vxAppendOwned(mParameters, vxStrdup(theText));
-    if (!static_cast<vxCommandLineParameter*>(vxPtrListNode_GetPtr(mParameter))
-             ->HasFlag(vxCommandLineFlag_ParameterMultiple)) {
+    mfIsCollecting = static_cast<vxCommandLineParameter*>(vxPtrListNode_GetPtr(mParameter))
+                         ->HasFlag(vxCommandLineFlag_ParameterMultiple);
+    VXASSERT_TEXT(!mfIsCollecting || vxPtrListNode_GetNext(mParameter) == NULL,
+                  "theCurrentParam == theParamCount - 1");
+    if (!mfIsCollecting) {
         mParameter = vxPtrListNode_GetNext(mParameter);
-    } else {
-        VXASSERT_TEXT(vxPtrListNode_GetNext(mParameter) == NULL,
-                      "theCurrentParam == theParamCount - 1");
     }
     return true;
 }
@@ -409,11 +411,8 @@ bool vxCommandLineParserData::CheckOptions() {
 }
 
 bool vxCommandLineParserData::CheckParameters() {
-    const size_t theDeclared = vxPtrList_GetCount(mParametersDesc);
-    const bool theIsLast = mParameter != NULL && vxPtrListNode_GetNext(mParameter) == NULL;
-    const bool theMultipleHasOne = theIsLast && vxPtrList_GetCount(mParameters) >= theDeclared;
-    for (vxPtrListNode* i = theMultipleHasOne ? NULL : mParameter; i != NULL;
-         i = vxPtrListNode_GetNext(i)) {
+    vxPtrListNode* theMissing = mfIsCollecting ? vxPtrListNode_GetNext(mParameter) : mParameter;
+    for (vxPtrListNode* i = theMissing; i != NULL; i = vxPtrListNode_GetNext(i)) {
         const auto* theParam = static_cast<vxCommandLineParameter*>(vxPtrListNode_GetPtr(i));
         if (!theParam->HasFlag(vxCommandLineFlag_ParameterOptional)) {
             mError = vxCString::Format("The required parameter '%s' was not specified\n",

@@ -6,7 +6,7 @@
 #include "vx/CString.h"
 
 /// Kinds of rows in a description table.
-enum vxCommandLineEntryType {
+enum vxCommandLineEntryType : int {
     vxCommandLineEntryType_Switch = 0,     // `-v`
     vxCommandLineEntryType_Option = 1,     // `-p 8080`
     vxCommandLineEntryType_Parameter = 2,  // positional
@@ -14,7 +14,7 @@ enum vxCommandLineEntryType {
 };
 
 /// Types of values.
-enum vxCommandLineParameterType {
+enum vxCommandLineParameterType : int {
     vxCommandLineParameter_String = 0,
     vxCommandLineParameter_Number = 1,  // decimal, signed, 32 bits
     vxCommandLineParameter_None = 2     // switches
