@@ -43,6 +43,12 @@ bool vxReadMagnitude(const char* aStr, unsigned aBase, uint64_t* aMagnitude) {
         return false;
     }
     uint64_t theValue = 0;
+    if (aBase == 10) {
+        // Eighteen digits cannot overflow: most numbers end here.
+        for (const char* theEnd = aStr + 18; aStr != theEnd && vxIsDecimalDigit(*aStr); aStr++) {
+            theValue = theValue * 10 + static_cast<unsigned>(*aStr - '0');
+        }
+    }
     for (; *aStr != '\0'; aStr++) {
         const unsigned theDigit = static_cast<unsigned>(vxDigitValue(*aStr));
         if (theDigit >= aBase || __builtin_mul_overflow(theValue, aBase, &theValue) ||

@@ -1,14 +1,19 @@
-// Forward search is the C library's. The other two hunt for one byte of the needle and compare
-// there, which is fast on ordinary text; where candidates keep failing late, a budget of compared
-// bytes runs out and a search by failure links takes over, which never looks at a byte twice.
+// A search hunts for two bytes of the needle, the first and the last, and compares the needle where
+// both stand at their distance: fast on ordinary text, where such places are rare. Where candidates
+// keep failing late, a budget of compared bytes runs out and a search takes over that never looks at
+// a byte twice.
 
 #include <libteskTools/Memory.h>
 #include <libteskTools/Search.h>
+
+#include "ByteBlocks.h"
 
 #include <cstdlib>
 #include <cstring>
 
 namespace {
+
+constexpr size_t kvxNotFound = static_cast<size_t>(-1);
 
 char vxFold(char aChar) {
     return aChar >= 'A' && aChar <= 'Z' ? static_cast<char>(aChar | 0x20) : aChar;
@@ -27,8 +32,6 @@ struct vxFolded {
     size_t mLength;
     char operator[](size_t anIndex) const { return vxFold(mStr[anIndex]); }
 };
-
-constexpr size_t kvxNotFound = static_cast<size_t>(-1);
 
 // Knuth, Morris and Pratt: position of the needle, or kvxNotFound.
 template <typename View>
@@ -60,17 +63,9 @@ size_t vxSearchByLinks(const View& aText, const View& aNeedle) {
     return theResult;
 }
 
-// Bytes that comparisons may look at before the search by links takes over.
+// Bytes that comparisons may look at before the other search takes over.
 size_t vxBudget(size_t aLength) {
     return aLength < SIZE_MAX / 8 ? aLength * 4 + 256 : SIZE_MAX;
-}
-
-size_t vxCommonFolded(const char* aLeft, const char* aRight, size_t aLength) {
-    size_t i = 0;
-    while (i < aLength && vxFold(aLeft[i]) == vxFold(aRight[i])) {
-        i++;
-    }
-    return i;
 }
 
 size_t vxCommonBackward(const char* aLeft, const char* aRight, size_t aLength) {
@@ -81,47 +76,144 @@ size_t vxCommonBackward(const char* aLeft, const char* aRight, size_t aLength) {
     return i;
 }
 
-// Hands out the places where a byte stands in either case, in order.
-class vxCaselessByte {
-public:
-    vxCaselessByte(const char* aText, const char* anEnd, char aByte) : mEnd(anEnd) {
-        const char theSmall = vxFold(aByte);
-        const bool theLetter = theSmall >= 'a' && theSmall <= 'z';
-        mBytes[0] = theSmall;
-        mBytes[1] = theLetter ? static_cast<char>(theSmall & ~0x20) : theSmall;
-        mNext[0] = Search(aText, 0);
-        mNext[1] = theLetter ? Search(aText, 1) : mEnd;
+// How bytes are matched: as they are.
+struct vxExact {
+    // Stands for every byte that may match.
+    struct Byte {
+        explicit Byte(char aByte)
+            : mByte(aByte), mBlock(vxByteBlock_Fill(static_cast<uint8_t>(aByte))) {}
+        bool Matches(char aByte) const { return aByte == mByte; }
+        vxByteBlock Matches(const vxByteBlock& aBlock) const {
+            return reinterpret_cast<vxByteBlock>(aBlock == mBlock);
+        }
+        char mByte;
+        vxByteBlock mBlock;
+    };
+
+    static size_t Common(const char* aLeft, const char* aRight, size_t aLength) {
+        size_t i = 0;
+        while (i < aLength && aLeft[i] == aRight[i]) {
+            i++;
+        }
+        return i;
     }
 
-    // Returns the next place, or the end of the text.
-    const char* Next() {
-        const int theFirst = mNext[0] <= mNext[1] ? 0 : 1;
-        const char* thePlace = mNext[theFirst];
-        if (thePlace != mEnd) {
-            mNext[theFirst] = Search(thePlace + 1, theFirst);
+    static const char* SearchLinear(const char* aText, size_t aLength, const char* aNeedle,
+                                    size_t aNeedleLength) {
+        return static_cast<const char*>(memmem(aText, aLength, aNeedle, aNeedleLength));
+    }
+};
+
+// How bytes are matched: letters in either case.
+struct vxCaseless {
+    struct Byte {
+        explicit Byte(char aByte)
+            : mByte(vxFold(aByte)),
+              mBit(mByte >= 'a' && mByte <= 'z' ? 0x20 : 0),
+              mBlock(vxByteBlock_Fill(static_cast<uint8_t>(mByte))),
+              mBits(vxByteBlock_Fill(mBit)) {}
+        // The bit turns no byte into a small letter but its capital.
+        bool Matches(char aByte) const { return static_cast<char>(aByte | mBit) == mByte; }
+        vxByteBlock Matches(const vxByteBlock& aBlock) const {
+            return reinterpret_cast<vxByteBlock>((aBlock | mBits) == mBlock);
         }
-        return thePlace;
+        char mByte;
+        uint8_t mBit;  // the one in which the cases of a letter differ, or 0
+        vxByteBlock mBlock, mBits;
+    };
+
+    static size_t Common(const char* aLeft, const char* aRight, size_t aLength) {
+        return vxSearch_CommonNoCase(aLeft, aRight, aLength);
+    }
+
+    static const char* SearchLinear(const char* aText, size_t aLength, const char* aNeedle,
+                                    size_t aNeedleLength) {
+        const size_t theIndex =
+            vxSearchByLinks(vxFolded{aText, aLength}, vxFolded{aNeedle, aNeedleLength});
+        return theIndex == kvxNotFound ? nullptr : aText + theIndex;
+    }
+};
+
+template <typename Match>
+class vxSearcher {
+public:
+    vxSearcher(const char* aText, size_t aLength, const char* aNeedle, size_t aNeedleLength)
+        : mText(aText),
+          mStarts(aLength - aNeedleLength + 1),
+          mNeedle(aNeedle),
+          mNeedleLength(aNeedleLength),
+          mFirst(aNeedle[0]),
+          mLast(aNeedle[aNeedleLength - 1]),
+          mBudget(vxBudget(aLength)) {}
+
+    const char* Search() {
+        size_t i = 0;
+        if (kvxHasByteBlocks) {
+            for (; i + kvxByteBlock_Size <= mStarts; i += kvxByteBlock_Size) {
+                vxByteBlock theHits = HitsAt(i);
+                while (vxByteBlock_Any(theHits)) {
+                    const size_t theHit = vxByteBlock_First(theHits);
+                    if (TryAt(i + theHit)) {
+                        return mResult;
+                    }
+                    theHits[theHit] = 0;
+                }
+            }
+        }
+        for (; i < mStarts; i++) {
+            if (mFirst.Matches(mText[i]) && mLast.Matches(mText[i + mNeedleLength - 1]) &&
+                TryAt(i)) {
+                return mResult;
+            }
+        }
+        return nullptr;
     }
 
 private:
-    const char* Search(const char* aText, int aCase) const {
-        const void* thePlace = memchr(aText, mBytes[aCase], static_cast<size_t>(mEnd - aText));
-        return thePlace == nullptr ? mEnd : static_cast<const char*>(thePlace);
+    vxByteBlock HitsAt(size_t aPos) const {
+        return mFirst.Matches(vxByteBlock_Load(mText + aPos)) &
+               mLast.Matches(vxByteBlock_Load(mText + aPos + mNeedleLength - 1));
     }
 
-    const char* mEnd;
-    char mBytes[2];        // the small and the capital letter
-    const char* mNext[2];  // next place of each, mEnd when there is none
+    // Compares the needle at a candidate; true when the search has ended, in whatever way.
+    bool TryAt(size_t aPos) {
+        const size_t theCommon = Match::Common(mText + aPos, mNeedle, mNeedleLength);
+        if (theCommon == mNeedleLength) {
+            mResult = mText + aPos;
+            return true;
+        }
+        if (theCommon < mBudget) {
+            mBudget -= theCommon;
+            return false;
+        }
+        mResult = Match::SearchLinear(mText + aPos, mStarts - aPos + mNeedleLength - 1, mNeedle,
+                                      mNeedleLength);
+        return true;
+    }
+
+    const char* mText;
+    size_t mStarts;  // places where the needle may begin
+    const char* mNeedle;
+    size_t mNeedleLength;
+    typename Match::Byte mFirst, mLast;
+    size_t mBudget;
+    const char* mResult = nullptr;
 };
+
+template <typename Match>
+const char* vxSearchFirst(const char* aText, size_t aLength, const char* aNeedle,
+                          size_t aNeedleLength) {
+    if (aNeedleLength == 0 || aNeedleLength > aLength) {
+        return aNeedleLength == 0 ? aText : nullptr;
+    }
+    return vxSearcher<Match>(aText, aLength, aNeedle, aNeedleLength).Search();
+}
 
 }  // namespace
 
 const char* vxSearch_First(const char* aText, size_t aLength, const char* aNeedle,
                            size_t aNeedleLength) {
-    if (aNeedleLength == 0 || aNeedleLength > aLength) {
-        return aNeedleLength == 0 ? aText : nullptr;
-    }
-    return static_cast<const char*>(memmem(aText, aLength, aNeedle, aNeedleLength));
+    return vxSearchFirst<vxExact>(aText, aLength, aNeedle, aNeedleLength);
 }
 
 const char* vxSearch_LastByte(const char* aText, size_t aLength, char aByte) {
@@ -154,24 +246,22 @@ const char* vxSearch_Last(const char* aText, size_t aLength, const char* aNeedle
 
 const char* vxSearch_FirstNoCase(const char* aText, size_t aLength, const char* aNeedle,
                                  size_t aNeedleLength) {
-    if (aNeedleLength == 0 || aNeedleLength > aLength) {
-        return aNeedleLength == 0 ? aText : nullptr;
-    }
-    const char* theEnd = aText + (aLength - aNeedleLength + 1);
-    size_t theBudget = vxBudget(aLength);
-    vxCaselessByte theCandidates(aText, theEnd, aNeedle[0]);
-    for (const char* thePlace; (thePlace = theCandidates.Next()) != theEnd;) {
-        const size_t theCommon = vxCommonFolded(thePlace, aNeedle, aNeedleLength);
-        if (theCommon == aNeedleLength) {
-            return thePlace;
+    return vxSearchFirst<vxCaseless>(aText, aLength, aNeedle, aNeedleLength);
+}
+
+size_t vxSearch_CommonNoCase(const char* aLeft, const char* aRight, size_t aLength) {
+    size_t i = 0;
+    if (kvxHasByteBlocks) {
+        for (; i + kvxByteBlock_Size <= aLength; i += kvxByteBlock_Size) {
+            const vxByteBlock theDifference = vxByteBlock_Fold(vxByteBlock_Load(aLeft + i)) ^
+                                              vxByteBlock_Fold(vxByteBlock_Load(aRight + i));
+            if (vxByteBlock_Any(theDifference)) {
+                return i + vxByteBlock_First(theDifference);
+            }
         }
-        if (theCommon >= theBudget) {
-            const size_t theLength = static_cast<size_t>(aText + aLength - thePlace);
-            const size_t theIndex =
-                vxSearchByLinks(vxFolded{thePlace, theLength}, vxFolded{aNeedle, aNeedleLength});
-            return theIndex == kvxNotFound ? nullptr : thePlace + theIndex;
-        }
-        theBudget -= theCommon;
     }
-    return nullptr;
+    while (i < aLength && vxFold(aLeft[i]) == vxFold(aRight[i])) {
+        i++;
+    }
+    return i;
 }

@@ -86,13 +86,12 @@ private:
 
 int vxCompareNoCase(const char* aLeft, size_t aLeftLength, const char* aRight,
                     size_t aRightLength) {
-    const size_t theCommon = std::min(aLeftLength, aRightLength);
-    for (size_t i = 0; i < theCommon; i++) {
-        const unsigned char theLeft = static_cast<unsigned char>(vxToLower(aLeft[i]));
-        const unsigned char theRight = static_cast<unsigned char>(vxToLower(aRight[i]));
-        if (theLeft != theRight) {
-            return theLeft < theRight ? -1 : 1;
-        }
+    const size_t theLength = std::min(aLeftLength, aRightLength);
+    const size_t theCommon = vxSearch_CommonNoCase(aLeft, aRight, theLength);
+    if (theCommon < theLength) {
+        const char theLeft = vxToLower(aLeft[theCommon]);
+        const char theRight = vxToLower(aRight[theCommon]);
+        return static_cast<unsigned char>(theLeft) < static_cast<unsigned char>(theRight) ? -1 : 1;
     }
     return aLeftLength == aRightLength ? 0 : (aLeftLength < aRightLength ? -1 : 1);
 }
@@ -305,6 +304,9 @@ void vxCString::Splice(size_t aPos, size_t aCount, const char* aStr, size_t aLen
 
 // Appends to a text under construction, whose block doubles; Fit() ends the construction.
 void vxCString::AppendGrowing(const char* aStr, size_t aLength) {
+    if (aLength == 0) {
+        return;
+    }
     const size_t theLength = length();
     const size_t theNewLength = vxSum(theLength, aLength);
     if (mCStringData->mAllocatedLength < theNewLength &&
@@ -715,10 +717,19 @@ vxCString& vxCString::TrimLeftRight() {
         theEnd--;
     }
     const size_t theLength = theEnd - theStart;
-    if (theLength != length()) {
-        AssignCopy(theLength, mStringPtr + theStart);
-        Fit();
+    if (theLength == length()) {
+        return *this;
     }
+    if (theStart == 0) {
+        return Truncate(theLength);
+    }
+    if (!IsOwned()) {
+        vxCString theNew(mStringPtr, theStart, theLength);
+        Swap(theNew);
+        return *this;
+    }
+    AssignCopy(theLength, mStringPtr + theStart);
+    Fit();
     return *this;
 }
 
@@ -868,8 +879,7 @@ bool vxCString::HasOnlyHexa() const {
 }
 
 // The converters stop at a NUL: one inside the text makes it no number.
-#define VX_WHOLE_TEXT_CONVERTS(aConversion) \
-    (memchr(mStringPtr, '\0', length()) == NULL && (aConversion) == 0)
+#define VX_WHOLE_TEXT_CONVERTS(aConversion) (strlen(mStringPtr) == length() && (aConversion) == 0)
 
 bool vxCString::ToInt8(int8_t* aResult) const {
     return VX_WHOLE_TEXT_CONVERTS(vxConvert_strtoint8(mStringPtr, aResult));

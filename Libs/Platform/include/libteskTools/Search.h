@@ -21,6 +21,10 @@ VX_API const char* vxSearch_Last(const char* aText, size_t aLength, const char* 
 VX_API const char* vxSearch_FirstNoCase(const char* aText, size_t aLength, const char* aNeedle,
                                         size_t aNeedleLength);
 
+/// Returns how many bytes two texts have in common from their start, at most `aLength`, with the
+/// letters of ASCII equal in either case.
+VX_API size_t vxSearch_CommonNoCase(const char* aLeft, const char* aRight, size_t aLength);
+
 /// Returns the last occurrence of a byte, or null.
 VX_API const char* vxSearch_LastByte(const char* aText, size_t aLength, char aByte);
 
