@@ -22,8 +22,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aData, size_t aSize) {
     size_t theAgainSize = 0;
     vxfuzz::Expect(vxBase64_DecodeSized(theEncoded, theLength, theAgain.data(), &theAgainSize),
                    "encoded text decodes");
-    vxfuzz::Expect(theAgainSize == theSize && memcmp(theAgain.data(), theBytes.data(), theSize) == 0,
-                   "bytes survive a round trip");
+    vxfuzz::Expect(
+        theAgainSize == theSize && memcmp(theAgain.data(), theBytes.data(), theSize) == 0,
+        "bytes survive a round trip");
     free(theEncoded);
     return 0;
 }

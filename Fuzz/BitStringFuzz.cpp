@@ -23,7 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aData, size_t aSize) {
                 break;
             case 1:
                 theBits.Peek(static_cast<uint8_t>(theCount % 32 + 1));
-                vxfuzz::Expect(theBits.GetRemainingBitCount() == theRemaining, "a peek moves nothing");
+                vxfuzz::Expect(theBits.GetRemainingBitCount() == theRemaining,
+                               "a peek moves nothing");
                 break;
             case 2:
                 theBits.Skip(theCount);
@@ -41,7 +42,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aData, size_t aSize) {
                 theBits.ToggleMarker(true);
                 theBits.Skip(theCount);
                 theBits.ToggleMarker(false);
-                vxfuzz::Expect(theBits.GetRemainingBitCount() == theRemaining, "a marker leads back");
+                vxfuzz::Expect(theBits.GetRemainingBitCount() == theRemaining,
+                               "a marker leads back");
                 break;
         }
         vxfuzz::Expect(theBits.GetRemainingBitCount() <= theRemaining, "reading moves forward");

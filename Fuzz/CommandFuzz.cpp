@@ -27,8 +27,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aData, size_t aSize) {
 
     vxCString theArguments = theInput.Rest().c_str();
     vxArray* theValues = vxArray_New();
-    vxArray_SetFreeFunc(theValues,
-                        [](void* aValue) { static_cast<vxCLIParameter*>(aValue)->Release(nullptr); });
+    vxArray_SetFreeFunc(
+        theValues, [](void* aValue) { static_cast<vxCLIParameter*>(aValue)->Release(nullptr); });
     const vxCString theError = theChecker->Validate(theArguments, theValues);
     vxfuzz::Expect(theError.IsEmpty() || theError.Left(7) == "ERROR: ", "errors begin alike");
     vxArray_Delete(theValues);

@@ -31,7 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aData, size_t aSize) {
         vxfuzz::Expect(!theCommand.IsNull(), "a line gives a command");
         vxfuzz::Expect(theCommand->IsValid() == theCommand->GetError().IsEmpty(),
                        "valid means no error");
-        if (theCommand->IsValid() && theCommand->ModuleIs("help") && theCommand->CommandIs("help")) {
+        if (theCommand->IsValid() && theCommand->ModuleIs("help") &&
+            theCommand->CommandIs("help")) {
             theManager->GetHelp(theCommand);
         }
     }

@@ -36,9 +36,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aData, size_t aSize) {
     if (theDir.IsDirPath()) {
         const vxPathName theCombined = vxPathName::MakeCombinedDirPath(theDir, theText.c_str());
         Check(theCombined);
-        vxfuzz::Expect(!theCombined.GetPath().Contains("/../") &&
-                           !theCombined.GetPath().Contains("/./"),
-                       "a combined path is simple");
+        vxfuzz::Expect(
+            !theCombined.GetPath().Contains("/../") && !theCombined.GetPath().Contains("/./"),
+            "a combined path is simple");
         Check(vxPathName::MakeCombinedFilePath(theDir, theText.c_str()));
     }
     return 0;

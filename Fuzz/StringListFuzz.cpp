@@ -29,9 +29,9 @@ void Tokenize(const std::string& aText, const std::string& aDelimiters, int aMod
         ++theTaken;
         vxfuzz::Expect(theTaken <= aText.size() + 1, "every token takes a byte or ends the text");
     }
-    vxfuzz::Expect(theTaken == theCount ||
-                       (theTaken == theCount + 1 && aMode == kTokenizerMode_Strtok),
-                   "as many tokens as were counted");
+    vxfuzz::Expect(
+        theTaken == theCount || (theTaken == theCount + 1 && aMode == kTokenizerMode_Strtok),
+        "as many tokens as were counted");
 }
 
 }  // namespace

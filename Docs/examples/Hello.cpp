@@ -3,7 +3,8 @@
 #include <cstdio>
 
 int main() {
-    vxJSONDocument theDocument("{\"player\": {\"volume\": 40, \"tracks\": [\"intro\", \"theme\"]}}");
+    vxJSONDocument theDocument(
+        "{\"player\": {\"volume\": 40, \"tracks\": [\"intro\", \"theme\"]}}");
     uint32_t theVolume = 0;
     vxJSONPath::FetchUInt32(theDocument, "player.volume", &theVolume);
     vxJSONPath::Set(theDocument, "player.tracks[2]", "finale", true);

@@ -44,9 +44,9 @@ constexpr bool SizeOn32Bits(size_t aSize, size_t anExpected) {
 #define OFFSETS_12(T, a, ...) offsetof(T, a), OFFSETS_11(T, __VA_ARGS__)
 #define OFFSETS_13(T, a, ...) offsetof(T, a), OFFSETS_12(T, __VA_ARGS__)
 #define PICK(_1, _2, _3, _4, _5, _6, _7, _8, _9, _10, _11, _12, _13, NAME, ...) NAME
-#define OFFSETS(T, ...)                                                                         \
-    PICK(__VA_ARGS__, OFFSETS_13, OFFSETS_12, OFFSETS_11, OFFSETS_10, OFFSETS_9, OFFSETS_8,     \
-         OFFSETS_7, OFFSETS_6, OFFSETS_5, OFFSETS_4, OFFSETS_3, OFFSETS_2, OFFSETS_1)           \
+#define OFFSETS(T, ...)                                                                     \
+    PICK(__VA_ARGS__, OFFSETS_13, OFFSETS_12, OFFSETS_11, OFFSETS_10, OFFSETS_9, OFFSETS_8, \
+         OFFSETS_7, OFFSETS_6, OFFSETS_5, OFFSETS_4, OFFSETS_3, OFFSETS_2, OFFSETS_1)       \
     (T, __VA_ARGS__)
 #define FIELDS_IN_ORDER(T, ...) \
     static_assert(Rising({OFFSETS(T, __VA_ARGS__)}), #T ": order of fields")
@@ -218,9 +218,11 @@ TEST(LayoutTest, ListsRemoveAndDetachBehindTheDestructor) {
 }
 
 TEST(LayoutTest, EntriesSetThemselvesBehindTheDestructor) {
-    EXPECT_EQ(SlotOf(static_cast<void (vxJSONEntry::*)(vxJSON_t*, bool)>(&vxJSONEntry::SetEntry)), 2);
+    EXPECT_EQ(SlotOf(static_cast<void (vxJSONEntry::*)(vxJSON_t*, bool)>(&vxJSONEntry::SetEntry)),
+              2);
     EXPECT_EQ(SlotOf(&vxJSONEntry::IsRoot), 3);
-    EXPECT_EQ(SlotOf(static_cast<void (vxJSONDocument::*)(vxJSON_t*)>(&vxJSONDocument::SetEntry)), 4);
+    EXPECT_EQ(SlotOf(static_cast<void (vxJSONDocument::*)(vxJSON_t*)>(&vxJSONDocument::SetEntry)),
+              4);
 }
 
 TEST(LayoutTest, ConsoleAppletsAddTheirOperationsBehindTheInheritedOnes) {
