@@ -159,7 +159,6 @@ FIELDS_IN_ORDER(vxCommandLineDescription, mKind, mOptionName, mDescription, mTyp
 SIZE_ON_32_BITS(vxCommandLineDescription, 20);
 FIELDS_IN_ORDER(vxCommandLineOption, mKind, mOptionName, mDescription, mType, mFlags, mfHasValue,
                 mInt32Value, mStringValue);
-FIELDS_IN_ORDER(vxCommandLineParameter, mDescription, mType, mFlags);
 static_assert(sizeof(vxCommandLineParser) == sizeof(void*), "one owned pointer");
 
 // Synchronisation
