@@ -24,7 +24,8 @@ enum {
 ///
 /// Only the text is looked at, but for the operations with `Exist` or `Removable` in their name.
 /// Bytes are taken as they are, in whatever encoding. A full name is cut at its last dot, and the dot
-/// is not kept: "name." becomes "name", ".profile" an empty name with the extension "profile".
+/// is not kept: "name." becomes "name", ".." becomes ".", ".profile" an empty name with the extension
+/// "profile". Programs depend on this split; to name such a file, use its text.
 ///
 /// Threads:  one at a time; c_str() writes, too.
 class VX_EXPORT vxPathName {

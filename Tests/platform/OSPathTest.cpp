@@ -108,7 +108,7 @@ __attribute__((visibility("default"))) int open64(const char* aPath, int aFlags,
 
 }  // extern "C"
 
-TEST(PathTest, ConstantsHaveTheirValues) {
+TEST(OSPathTest, ConstantsHaveTheirValues) {
     EXPECT_EQ(kvxPathNormalizeMode_Generic, 0x00);
     EXPECT_EQ(kvxPathNormalizeMode_NativeSlash, 0x01);
     EXPECT_EQ(kvxPathNormalizeMode_NativeForm, 0x02);
@@ -119,7 +119,7 @@ TEST(PathTest, ConstantsHaveTheirValues) {
     EXPECT_EQ(kvxPathType_Removable, 3);
 }
 
-TEST(PathTest, NormalizingMakesSeparatorsSingleAndResolvesAgainstTheAnchor) {
+TEST(OSPathTest, NormalizingMakesSeparatorsSingleAndResolvesAgainstTheAnchor) {
     const struct {
         const char* mPath;
         int mfDir;
@@ -169,11 +169,11 @@ TEST(PathTest, NormalizingMakesSeparatorsSingleAndResolvesAgainstTheAnchor) {
     }
 }
 
-TEST(PathTest, NormalizingANullPathGivesNull) {
+TEST(OSPathTest, NormalizingANullPathGivesNull) {
     EXPECT_EQ(vxPath_Normalize(nullptr, 0, kvxPathNormalizeMode_Generic, "/a"), nullptr);
 }
 
-TEST(PathTest, TemporaryFilesGoWhereTheUserWants) {
+TEST(OSPathTest, TemporaryFilesGoWhereTheUserWants) {
     {
         Environment theValue("TMPDIR", "/elsewhere");
         EXPECT_EQ(Text(vxPath_GetTempDirPath()), "/elsewhere");
@@ -185,7 +185,7 @@ TEST(PathTest, TemporaryFilesGoWhereTheUserWants) {
     }
 }
 
-TEST(PathTest, CachedFilesGoWhereTheFirstVariableSays) {
+TEST(OSPathTest, CachedFilesGoWhereTheFirstVariableSays) {
     const struct {
         const char* mOwn;
         const char* mUserCache;
@@ -209,13 +209,13 @@ TEST(PathTest, CachedFilesGoWhereTheFirstVariableSays) {
     }
 }
 
-TEST(PathTest, TheApplicationKnowsItsFile) {
+TEST(OSPathTest, TheApplicationKnowsItsFile) {
     const std::string thePath = Text(vxPath_GetApplicationFullPath());
     EXPECT_EQ(thePath, std::filesystem::canonical("/proc/self/exe").string());
-    EXPECT_EQ(Text(vxPath_GetApplicationName()), "PathTest");
+    EXPECT_EQ(Text(vxPath_GetApplicationName()), "OSPathTest");
 }
 
-TEST(PathTest, OnlyPathsFromTheRootAreAbsolute) {
+TEST(OSPathTest, OnlyPathsFromTheRootAreAbsolute) {
     EXPECT_TRUE(vxPath_IsAbsolute("/"));
     EXPECT_TRUE(vxPath_IsAbsolute("/a"));
     EXPECT_FALSE(vxPath_IsAbsolute("a/b"));
@@ -224,19 +224,19 @@ TEST(PathTest, OnlyPathsFromTheRootAreAbsolute) {
     EXPECT_FALSE(vxPath_IsAbsolute(nullptr));
 }
 
-TEST(PathTest, NothingLiesOnNothing) {
+TEST(OSPathTest, NothingLiesOnNothing) {
     TempDir theDir;
     EXPECT_EQ(vxPath_GetType((theDir / "none").c_str()), kvxPathType_Unknown);
     EXPECT_EQ(vxPath_GetType(""), kvxPathType_Unknown);
     EXPECT_EQ(vxPath_GetType(nullptr), kvxPathType_Unknown);
 }
 
-TEST(PathTest, MemoryIsFixed) {
+TEST(OSPathTest, MemoryIsFixed) {
     EXPECT_EQ(vxPath_GetType("/proc/version"), kvxPathType_Fixed);
     EXPECT_EQ(vxPath_GetType("/proc"), kvxPathType_Fixed);
 }
 
-TEST(PathTest, NetworkFileSystemsAreRemote) {
+TEST(OSPathTest, NetworkFileSystemsAreRemote) {
     for (const long theType : {0x6969L, 0xFF534D42L, 0xFE534D42L, 0x517BL, 0x01021997L}) {
         SCOPED_TRACE(theType);
         sFileSystem = theType;
@@ -247,7 +247,7 @@ TEST(PathTest, NetworkFileSystemsAreRemote) {
     sFileSystem = 0;
 }
 
-TEST(PathTest, DrivesAreRemovableByTheirFlagOrTheirBus) {
+TEST(OSPathTest, DrivesAreRemovableByTheirFlagOrTheirBus) {
     TempDir theDir;
     const std::string theOne = theDir.Write("one", "1\n");
     const std::string theZero = theDir.Write("zero", "0\n");
@@ -275,7 +275,7 @@ TEST(PathTest, DrivesAreRemovableByTheirFlagOrTheirBus) {
     sFlag = nullptr;
 }
 
-TEST(PathTest, ALinkIsOneWhereverItLeads) {
+TEST(OSPathTest, ALinkIsOneWhereverItLeads) {
     TempDir theDir;
     theDir.MakeDir("dir");
     const std::string theLink = theDir.Link("link", "dir");

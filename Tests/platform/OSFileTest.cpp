@@ -53,7 +53,7 @@ unsigned ModeOf(const std::string& aPath) {
 
 }  // namespace
 
-TEST(FileTest, ConstantsHaveTheirValues) {
+TEST(OSFileTest, ConstantsHaveTheirValues) {
     EXPECT_EQ(vxFileOpenMode_Read, 0x01);
     EXPECT_EQ(vxFileOpenMode_Write, 0x02);
     EXPECT_EQ(vxFileOpenMode_ReadWrite, 0x03);
@@ -77,7 +77,7 @@ TEST(FileTest, ConstantsHaveTheirValues) {
     EXPECT_EQ(sizeof(vxFileOffset), 8u);
 }
 
-TEST(FileTest, WhatIsNotThereIsNotFound) {
+TEST(OSFileTest, WhatIsNotThereIsNotFound) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file");
     EXPECT_EQ(OpenResult((theDir / "none").c_str(), vxFileOpenMode_Read), kvxFileErrorNotFound);
@@ -86,7 +86,7 @@ TEST(FileTest, WhatIsNotThereIsNotFound) {
     EXPECT_EQ(OpenResult(nullptr, vxFileOpenMode_Read), kvxFileErrorNotFound);
 }
 
-TEST(FileTest, OpeningNeedsReadOrWrite) {
+TEST(OSFileTest, OpeningNeedsReadOrWrite) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file");
     EXPECT_EQ(OpenResult(theFile.c_str(), 0), kvxFileErrorUnknown);
@@ -94,7 +94,7 @@ TEST(FileTest, OpeningNeedsReadOrWrite) {
               kvxFileErrorUnknown);
 }
 
-TEST(FileTest, CreateExclusiveRefusesAFileThatIsThere) {
+TEST(OSFileTest, CreateExclusiveRefusesAFileThatIsThere) {
     TempDir theDir;
     const int theFlags =
         vxFileOpenMode_Create | vxFileOpenMode_ReadWrite | vxFileOpenMode_Exclusive;
@@ -103,7 +103,7 @@ TEST(FileTest, CreateExclusiveRefusesAFileThatIsThere) {
     EXPECT_EQ(OpenResult((theDir / "new").c_str(), theFlags), kvxFileErrorAlreadyExists);
 }
 
-TEST(FileTest, CreateWithoutExclusiveOpensAFileThatIsThere) {
+TEST(OSFileTest, CreateWithoutExclusiveOpensAFileThatIsThere) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file", "text");
     const vxFileFD theFD = Opened(theFile, vxFileOpenMode_Create | vxFileOpenMode_ReadWrite);
@@ -111,7 +111,7 @@ TEST(FileTest, CreateWithoutExclusiveOpensAFileThatIsThere) {
     vxFile_Close(theFD);
 }
 
-TEST(FileTest, TruncateEmptiesAFileThatIsOpenedForWriting) {
+TEST(OSFileTest, TruncateEmptiesAFileThatIsOpenedForWriting) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file", "text");
     vxFile_Close(Opened(theFile, vxFileOpenMode_Read | vxFileOpenMode_Truncate));
@@ -120,7 +120,7 @@ TEST(FileTest, TruncateEmptiesAFileThatIsOpenedForWriting) {
     EXPECT_EQ(theDir.Read("file"), "");
 }
 
-TEST(FileTest, AppendWritesAtTheEndWhereverThePositionIs) {
+TEST(OSFileTest, AppendWritesAtTheEndWhereverThePositionIs) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file", "abc");
     const vxFileFD theFD = Opened(theFile, vxFileOpenMode_Write | vxFileOpenMode_Append);
@@ -130,7 +130,7 @@ TEST(FileTest, AppendWritesAtTheEndWhereverThePositionIs) {
     EXPECT_EQ(theDir.Read("file"), "abcdef");
 }
 
-TEST(FileTest, ModeLimitsWhatCanBeDone) {
+TEST(OSFileTest, ModeLimitsWhatCanBeDone) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file", "abc");
     char theByte;
@@ -142,7 +142,7 @@ TEST(FileTest, ModeLimitsWhatCanBeDone) {
     vxFile_Close(theWriter);
 }
 
-TEST(FileTest, PermissionsAreCutByTheUmask) {
+TEST(OSFileTest, PermissionsAreCutByTheUmask) {
     const struct {
         int mPermissions;
         mode_t mUmask;
@@ -161,14 +161,14 @@ TEST(FileTest, PermissionsAreCutByTheUmask) {
     }
 }
 
-TEST(FileTest, DescriptorsDoNotSurviveTheStartOfAnotherProgram) {
+TEST(OSFileTest, DescriptorsDoNotSurviveTheStartOfAnotherProgram) {
     TempDir theDir;
     const vxFileFD theFD = Opened(theDir.Write("file"), vxFileOpenMode_Read);
     EXPECT_EQ(fcntl(static_cast<int>(theFD), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
     vxFile_Close(theFD);
 }
 
-TEST(FileTest, ReasonsOfTheSystemBecomeErrorCodes) {
+TEST(OSFileTest, ReasonsOfTheSystemBecomeErrorCodes) {
     const struct {
         int mErrno;
         int mError;
@@ -184,7 +184,7 @@ TEST(FileTest, ReasonsOfTheSystemBecomeErrorCodes) {
     }
 }
 
-TEST(FileTest, OpeningContinuesAfterASignal) {
+TEST(OSFileTest, OpeningContinuesAfterASignal) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file", "abc");
     ScriptedIO theScript;
@@ -194,7 +194,7 @@ TEST(FileTest, OpeningContinuesAfterASignal) {
     vxFile_Close(theFD);
 }
 
-TEST(FileTest, AnInvalidDescriptorNeverReachesTheSystem) {
+TEST(OSFileTest, AnInvalidDescriptorNeverReachesTheSystem) {
     ScriptedIO theScript;
     char theByte = 0;
     vxFileOffset theOffset = 7;
@@ -216,7 +216,7 @@ TEST(FileTest, AnInvalidDescriptorNeverReachesTheSystem) {
     EXPECT_EQ(theScript.mReadCount, 0u);
 }
 
-TEST(FileTest, ANullBufferIsRefusedUnlessNothingIsMoved) {
+TEST(OSFileTest, ANullBufferIsRefusedUnlessNothingIsMoved) {
     TempDir theDir;
     const vxFileFD theFD = Opened(theDir.Write("file", "abc"), vxFileOpenMode_ReadWrite);
     EXPECT_EQ(vxFile_Read(theFD, nullptr, 1), kvxFileErrorUnknown);
@@ -226,7 +226,7 @@ TEST(FileTest, ANullBufferIsRefusedUnlessNothingIsMoved) {
     vxFile_Close(theFD);
 }
 
-TEST(FileTest, ReadingGivesWhatIsThereAndThenNothing) {
+TEST(OSFileTest, ReadingGivesWhatIsThereAndThenNothing) {
     TempDir theDir;
     const vxFileFD theFD = Opened(theDir.Write("file", "abcde"), vxFileOpenMode_Read);
     EXPECT_EQ(ReadFrom(theFD, 3), "abc");
@@ -235,7 +235,7 @@ TEST(FileTest, ReadingGivesWhatIsThereAndThenNothing) {
     vxFile_Close(theFD);
 }
 
-TEST(FileTest, ReadingContinuesAfterASignal) {
+TEST(OSFileTest, ReadingContinuesAfterASignal) {
     TempDir theDir;
     const vxFileFD theFD = Opened(theDir.Write("file", "abc"), vxFileOpenMode_Read);
     ScriptedIO theScript;
@@ -247,7 +247,7 @@ TEST(FileTest, ReadingContinuesAfterASignal) {
     vxFile_Close(theFD);
 }
 
-TEST(FileTest, WritingContinuesAfterSignalsAndShortWrites) {
+TEST(OSFileTest, WritingContinuesAfterSignalsAndShortWrites) {
     TempDir theDir;
     const vxFileFD theFD = Opened(theDir.Write("file"), vxFileOpenMode_Write);
     ScriptedIO theScript;
@@ -258,7 +258,7 @@ TEST(FileTest, WritingContinuesAfterSignalsAndShortWrites) {
     EXPECT_EQ(theDir.Read("file"), "abcdefgh");
 }
 
-TEST(FileTest, AWriteThatFailsAfterAPartGivesThePartAndThenTheReason) {
+TEST(OSFileTest, AWriteThatFailsAfterAPartGivesThePartAndThenTheReason) {
     TempDir theDir;
     const vxFileFD theFD = Opened(theDir.Write("file"), vxFileOpenMode_Write);
     ScriptedIO theScript;
@@ -269,13 +269,13 @@ TEST(FileTest, AWriteThatFailsAfterAPartGivesThePartAndThenTheReason) {
     EXPECT_EQ(theDir.Read("file"), "abc");
 }
 
-TEST(FileTest, AFullDeviceHasNoSpace) {
+TEST(OSFileTest, AFullDeviceHasNoSpace) {
     const vxFileFD theFD = Opened("/dev/full", vxFileOpenMode_Write);
     EXPECT_EQ(vxFile_Write(theFD, "x", 1), kvxFileErrorNoSpace);
     vxFile_Close(theFD);
 }
 
-TEST(FileTest, ClosingIsNeverRepeated) {
+TEST(OSFileTest, ClosingIsNeverRepeated) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file");
     const vxFileFD theFirst = Opened(theFile, vxFileOpenMode_Read);
@@ -288,7 +288,7 @@ TEST(FileTest, ClosingIsNeverRepeated) {
     EXPECT_EQ(vxFile_Close(theSecond), kvxFileErrorUnknown) << "it is gone";
 }
 
-TEST(FileTest, FlushingStoresAndTellsWhyNot) {
+TEST(OSFileTest, FlushingStoresAndTellsWhyNot) {
     TempDir theDir;
     const vxFileFD theFD = Opened(theDir.Write("file"), vxFileOpenMode_Write);
     EXPECT_EQ(vxFile_Flush(theFD), 0);
@@ -300,7 +300,7 @@ TEST(FileTest, FlushingStoresAndTellsWhyNot) {
     vxFile_Close(theFD);
 }
 
-TEST(FileTest, FlushingWhatHasNothingToStoreSucceeds) {
+TEST(OSFileTest, FlushingWhatHasNothingToStoreSucceeds) {
     int theEnds[2];
     ASSERT_EQ(pipe(theEnds), 0);
     EXPECT_EQ(vxFile_Flush(theEnds[1]), 0);
@@ -308,7 +308,7 @@ TEST(FileTest, FlushingWhatHasNothingToStoreSucceeds) {
     vxFile_Close(theEnds[1]);
 }
 
-TEST(FileTest, SeekingCountsFromBeginPositionAndEnd) {
+TEST(OSFileTest, SeekingCountsFromBeginPositionAndEnd) {
     TempDir theDir;
     const vxFileFD theFD = Opened(theDir.Write("file", "0123456789"), vxFileOpenMode_Read);
     const struct {
@@ -336,7 +336,7 @@ TEST(FileTest, SeekingCountsFromBeginPositionAndEnd) {
     vxFile_Close(theFD);
 }
 
-TEST(FileTest, OffsetsReachBeyond32Bits) {
+TEST(OSFileTest, OffsetsReachBeyond32Bits) {
     TempDir theDir;
     const vxFileOffset kFar = 0x140000001;
     const vxFileFD theFD = Opened(theDir.Write("file"), vxFileOpenMode_ReadWrite);
@@ -355,7 +355,7 @@ TEST(FileTest, OffsetsReachBeyond32Bits) {
     EXPECT_EQ(std::filesystem::file_size(theDir / "file"), 0x140000001u);
 }
 
-TEST(FileTest, ChangingTheSizeCutsAndExtendsWithZeros) {
+TEST(OSFileTest, ChangingTheSizeCutsAndExtendsWithZeros) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file", "abcdef");
     const vxFileFD theFD = Opened(theFile, vxFileOpenMode_ReadWrite);
@@ -370,7 +370,7 @@ TEST(FileTest, ChangingTheSizeCutsAndExtendsWithZeros) {
     EXPECT_EQ(vxFile_SetSize(nullptr, 1), kvxFileErrorNotFound);
 }
 
-TEST(FileTest, WhatHasNoPositionsHasNoSizeAndNoEnd) {
+TEST(OSFileTest, WhatHasNoPositionsHasNoSizeAndNoEnd) {
     int theEnds[2];
     ASSERT_EQ(pipe(theEnds), 0);
     vxFileOffset theOffset = 0;
@@ -383,7 +383,7 @@ TEST(FileTest, WhatHasNoPositionsHasNoSizeAndNoEnd) {
     vxFile_Close(theEnds[1]);
 }
 
-TEST(FileTest, TheEndIsAtTheSizeAndBeyond) {
+TEST(OSFileTest, TheEndIsAtTheSizeAndBeyond) {
     TempDir theDir;
     const vxFileFD theFD = Opened(theDir.Write("file", "abc"), vxFileOpenMode_Read);
     for (const vxFileOffset thePosition : {0, 2, 3, 4}) {
@@ -397,7 +397,7 @@ TEST(FileTest, TheEndIsAtTheSizeAndBeyond) {
     vxFile_Close(theEmpty);
 }
 
-TEST(FileTest, ADirectoryOpensForReadingButGivesNothing) {
+TEST(OSFileTest, ADirectoryOpensForReadingButGivesNothing) {
     TempDir theDir;
     const vxFileFD theFD = Opened(theDir.Path(), vxFileOpenMode_Read);
     char theByte;
@@ -406,7 +406,7 @@ TEST(FileTest, ADirectoryOpensForReadingButGivesNothing) {
     EXPECT_EQ(OpenResult(theDir.Path().c_str(), vxFileOpenMode_Write), kvxFileErrorUnknown);
 }
 
-TEST(FileTest, EverythingButADirectoryExistsAsAFile) {
+TEST(OSFileTest, EverythingButADirectoryExistsAsAFile) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file");
     const std::string theSub = theDir.MakeDir("dir");
@@ -422,7 +422,7 @@ TEST(FileTest, EverythingButADirectoryExistsAsAFile) {
     EXPECT_FALSE(vxFile_Exists(nullptr));
 }
 
-TEST(FileTest, RemovingTakesTheNameItself) {
+TEST(OSFileTest, RemovingTakesTheNameItself) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file");
     EXPECT_EQ(vxFile_Remove(theDir.Link("link", "file").c_str()), 0);
@@ -434,7 +434,7 @@ TEST(FileTest, RemovingTakesTheNameItself) {
     EXPECT_EQ(vxFile_Remove(nullptr), kvxFileErrorNotFound);
 }
 
-TEST(FileTest, RenamingReplacesAFile) {
+TEST(OSFileTest, RenamingReplacesAFile) {
     TempDir theDir;
     const std::string theFrom = theDir.Write("from", "new");
     const std::string theTo = theDir.Write("to", "old");
@@ -445,7 +445,7 @@ TEST(FileTest, RenamingReplacesAFile) {
     EXPECT_EQ(vxFile_Rename(nullptr, nullptr), kvxFileErrorNotFound);
 }
 
-TEST(FileTest, AccessAsksForExistenceAtLeast) {
+TEST(OSFileTest, AccessAsksForExistenceAtLeast) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file");
     for (const int theMode : {0, 1, 2, 3}) {
@@ -457,7 +457,7 @@ TEST(FileTest, AccessAsksForExistenceAtLeast) {
     EXPECT_EQ(vxFile_Access(nullptr, 0), kvxFileErrorNotFound);
 }
 
-TEST(FileTest, ModificationTimeIsSetAloneAndReadBack) {
+TEST(OSFileTest, ModificationTimeIsSetAloneAndReadBack) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file");
     vxtimeval theAccessBefore;
@@ -475,7 +475,7 @@ TEST(FileTest, ModificationTimeIsSetAloneAndReadBack) {
     EXPECT_GE(theCreation.tv_sec, theAccessBefore.tv_sec - 1);
 }
 
-TEST(FileTest, TimesOutOfRangeAreInvalidOrRefused) {
+TEST(OSFileTest, TimesOutOfRangeAreInvalidOrRefused) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file");
     for (const int32_t theMicroseconds : {-1, 1000000}) {
@@ -490,7 +490,7 @@ TEST(FileTest, TimesOutOfRangeAreInvalidOrRefused) {
     EXPECT_TRUE(vxFile_Exists(theFile.c_str()));
 }
 
-TEST(FileTest, TimesOfWhatIsNotThereAreNotFound) {
+TEST(OSFileTest, TimesOfWhatIsNotThereAreNotFound) {
     TempDir theDir;
     vxtimeval theTime = {7, 8};
     EXPECT_EQ(vxFile_GetTimes((theDir / "none").c_str(), &theTime, &theTime, &theTime),
@@ -502,7 +502,7 @@ TEST(FileTest, TimesOfWhatIsNotThereAreNotFound) {
               kvxFileErrorNotFound);
 }
 
-TEST(FileTest, NamesAreBytesOfAnyEncoding) {
+TEST(OSFileTest, NamesAreBytesOfAnyEncoding) {
     TempDir theDir;
     const std::string theName = theDir / "\xff\xfe \n*";
     vxFile_Close(Opened(theName, vxFileOpenMode_Create | vxFileOpenMode_Write));
@@ -511,7 +511,7 @@ TEST(FileTest, NamesAreBytesOfAnyEncoding) {
     EXPECT_FALSE(vxFile_Exists(theName.c_str()));
 }
 
-TEST(FileTest, OffsetsBecomeSizesWhereTheyFit) {
+TEST(OSFileTest, OffsetsBecomeSizesWhereTheyFit) {
     const bool theIs64Bit = sizeof(ssize_t) == 8;
     const struct {
         vxFileOffset mOffset;

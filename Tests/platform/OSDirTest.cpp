@@ -72,7 +72,7 @@ extern "C" __attribute__((visibility("default"))) dirent64* readdir64(DIR* aDir)
     return theEntry;
 }
 
-TEST(DirTest, ConstantsHaveTheirValues) {
+TEST(OSDirTest, ConstantsHaveTheirValues) {
     EXPECT_EQ(vxDIR_FILES, 0x0001);
     EXPECT_EQ(vxDIR_DIRS, 0x0002);
     EXPECT_EQ(vxDIR_HIDDEN, 0x0004);
@@ -82,7 +82,7 @@ TEST(DirTest, ConstantsHaveTheirValues) {
     EXPECT_EQ(kvxDirTraverserStatus_Error, 1);
 }
 
-TEST(DirTest, DirectoriesAndLinksToThemExist) {
+TEST(OSDirTest, DirectoriesAndLinksToThemExist) {
     TempDir theDir;
     const std::string theSub = theDir.MakeDir("sub");
     EXPECT_TRUE(vxDir_Exists(theSub.c_str()));
@@ -95,7 +95,7 @@ TEST(DirTest, DirectoriesAndLinksToThemExist) {
     EXPECT_FALSE(vxDir_Exists(nullptr));
 }
 
-TEST(DirTest, CreatingNeedsAFreeNameInsideADirectory) {
+TEST(OSDirTest, CreatingNeedsAFreeNameInsideADirectory) {
     TempDir theDir;
     theDir.Write("file");
     EXPECT_EQ(vxDir_Create((theDir / "a/").c_str()), 0);
@@ -107,7 +107,7 @@ TEST(DirTest, CreatingNeedsAFreeNameInsideADirectory) {
     EXPECT_EQ(vxDir_Create(nullptr), kvxFileErrorNotFound);
 }
 
-TEST(DirTest, CreatePathMakesWhatIsMissing) {
+TEST(OSDirTest, CreatePathMakesWhatIsMissing) {
     TempDir theDir;
     EXPECT_EQ(vxDir_CreatePath((theDir / "a/b//c/").c_str()), 0);
     EXPECT_TRUE(vxDir_Exists((theDir / "a/b/c").c_str()));
@@ -117,7 +117,7 @@ TEST(DirTest, CreatePathMakesWhatIsMissing) {
     EXPECT_EQ(vxDir_CreatePath("/"), 0);
 }
 
-TEST(DirTest, CreatePathStopsAtAFile) {
+TEST(OSDirTest, CreatePathStopsAtAFile) {
     TempDir theDir;
     theDir.Write("file");
     EXPECT_EQ(vxDir_CreatePath((theDir / "file").c_str()), kvxFileErrorAlreadyExists);
@@ -127,7 +127,7 @@ TEST(DirTest, CreatePathStopsAtAFile) {
     EXPECT_EQ(theDir.Read("file"), "");
 }
 
-TEST(DirTest, OnlyAnEmptyDirectoryIsRemoved) {
+TEST(OSDirTest, OnlyAnEmptyDirectoryIsRemoved) {
     TempDir theDir;
     const std::string theSub = theDir.MakeDir("sub");
     theDir.Write("sub/file");
@@ -141,13 +141,13 @@ TEST(DirTest, OnlyAnEmptyDirectoryIsRemoved) {
     EXPECT_EQ(vxDir_Remove(nullptr), kvxFileErrorNotFound);
 }
 
-TEST(DirTest, TheOnlyRootIsTheSlash) {
+TEST(OSDirTest, TheOnlyRootIsTheSlash) {
     char* theList = vxDir_GetRootDirList();
     EXPECT_EQ(std::string(theList, 3), std::string("/\0\0", 3));
     free(theList);
 }
 
-TEST(DirTest, OnlyDirectoriesHaveTimesHere) {
+TEST(OSDirTest, OnlyDirectoriesHaveTimesHere) {
     TempDir theDir;
     vxtimeval theTime = {7, 8};
     EXPECT_EQ(vxDir_GetTimes(theDir.Write("file").c_str(), nullptr, nullptr, &theTime),
@@ -160,7 +160,7 @@ TEST(DirTest, OnlyDirectoriesHaveTimesHere) {
     EXPECT_EQ(theTime.tv_usec, 0);
 }
 
-TEST(DirTest, FilterBitsLetKindsThrough) {
+TEST(OSDirTest, FilterBitsLetKindsThrough) {
     TempDir theDir;
     theDir.Write("file");
     theDir.Write(".file");
@@ -196,7 +196,7 @@ TEST(DirTest, FilterBitsLetKindsThrough) {
     sHidesKinds = false;
 }
 
-TEST(DirTest, PatternsChooseNames) {
+TEST(OSDirTest, PatternsChooseNames) {
     TempDir theDir;
     for (const char* theName : {"a.mp3", "b.mp3", "b.txt", ".c.mp3", "D.MP3"}) {
         theDir.Write(theName);
@@ -210,7 +210,7 @@ TEST(DirTest, PatternsChooseNames) {
     EXPECT_EQ(Names(theDir.Path(), nullptr, vxDIR_DEFAULT).size(), 5u);
 }
 
-TEST(DirTest, EntriesTellWhatTheyAre) {
+TEST(OSDirTest, EntriesTellWhatTheyAre) {
     TempDir theDir;
     const struct {
         const char* mName;
@@ -240,14 +240,14 @@ TEST(DirTest, EntriesTellWhatTheyAre) {
     vxDirTraverser_Delete(theTraverser);
 }
 
-TEST(DirTest, NamesAreBytesOfAnyEncoding) {
+TEST(OSDirTest, NamesAreBytesOfAnyEncoding) {
     TempDir theDir;
     theDir.Write("\xff\xfe");
     theDir.Write("line\nfeed");
     EXPECT_THAT(Names(theDir.Path(), "*", vxDIR_FILES), ElementsAre("line\nfeed", "\xff\xfe"));
 }
 
-TEST(DirTest, EveryFirstStepStartsAnewAndSeesWhatWasAdded) {
+TEST(OSDirTest, EveryFirstStepStartsAnewAndSeesWhatWasAdded) {
     TempDir theDir;
     theDir.Write("a");
     vxDirTraverser* theTraverser = vxDirTraverser_New(theDir.Path().c_str());
@@ -258,7 +258,7 @@ TEST(DirTest, EveryFirstStepStartsAnewAndSeesWhatWasAdded) {
     vxDirTraverser_Delete(theTraverser);
 }
 
-TEST(DirTest, RewindingLetsNextStartAnew) {
+TEST(OSDirTest, RewindingLetsNextStartAnew) {
     TempDir theDir;
     theDir.Write("a");
     theDir.Write("b");
@@ -272,7 +272,7 @@ TEST(DirTest, RewindingLetsNextStartAnew) {
     vxDirTraverser_Delete(theTraverser);
 }
 
-TEST(DirTest, NextWithoutFirstFindsNothing) {
+TEST(OSDirTest, NextWithoutFirstFindsNothing) {
     TempDir theDir;
     theDir.Write("a");
     vxDirTraverser* theTraverser = vxDirTraverser_New(theDir.Path().c_str());
@@ -282,7 +282,7 @@ TEST(DirTest, NextWithoutFirstFindsNothing) {
     vxDirTraverser_Delete(theTraverser);
 }
 
-TEST(DirTest, ADirectoryThatCannotBeOpenedIsAnErrorOfTheFirstStep) {
+TEST(OSDirTest, ADirectoryThatCannotBeOpenedIsAnErrorOfTheFirstStep) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file");
     const std::string theNone = theDir / "none";
@@ -302,7 +302,7 @@ TEST(DirTest, ADirectoryThatCannotBeOpenedIsAnErrorOfTheFirstStep) {
     vxDirTraverser_Delete(nullptr);
 }
 
-TEST(DirTest, ADirectoryThatCannotBeReadToItsEndIsAnError) {
+TEST(OSDirTest, ADirectoryThatCannotBeReadToItsEndIsAnError) {
     TempDir theDir;
     theDir.Write("file");
     vxDirTraverser* theTraverser = vxDirTraverser_New(theDir.Path().c_str());
@@ -315,7 +315,7 @@ TEST(DirTest, ADirectoryThatCannotBeReadToItsEndIsAnError) {
     vxDirTraverser_Delete(theTraverser);
 }
 
-TEST(DirTest, ADirectoryThatVanishesIsAtItsEnd) {
+TEST(OSDirTest, ADirectoryThatVanishesIsAtItsEnd) {
     TempDir theDir;
     const std::string theSub = theDir.MakeDir("sub");
     vxDirTraverser* theTraverser = vxDirTraverser_New(theSub.c_str());
@@ -324,7 +324,7 @@ TEST(DirTest, ADirectoryThatVanishesIsAtItsEnd) {
     vxDirTraverser_Delete(theTraverser);
 }
 
-TEST(DirTest, AWalkHoldsOneDescriptorUntilItEnds) {
+TEST(OSDirTest, AWalkHoldsOneDescriptorUntilItEnds) {
     const size_t theBefore = OpenDescriptors();
     vxDirTraverser* theTraverser = vxDirTraverser_New("/");
     vxDirTraverser_GetFirst(theTraverser, "*", vxDIR_DEFAULT, nullptr);
