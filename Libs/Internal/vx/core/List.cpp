@@ -1,14 +1,112 @@
 // The list keeps its live iterators in a singly linked registry, youngest first. Iterators live on
 // the stack, so the one that goes is nearly always the first of the registry.
+//
+// Lists are filled and emptied all the time with items of a few sizes. Each thread therefore keeps
+// the blocks of items that it frees, up to a limit, and hands them out again without asking malloc.
 
 #include "vx/List.h"
 
-vxBaseListItem::~vxBaseListItem() = default;
+#include <new>
 
-void vxBaseListItem::Remove(vxBaseList* aList) {
-    (mPrev != NULL ? mPrev->mNext : aList->mBegin) = mNext;
-    (mNext != NULL ? mNext->mPrev : aList->mEnd) = mPrev;
-    --aList->mSize;
+namespace {
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define __SANITIZE_ADDRESS__ 1
+#endif
+#endif
+
+// A sanitizer that looks for the use of freed memory sees every block freed for good.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr size_t kvxItem_KeptBytes = 0;
+#else
+constexpr size_t kvxItem_KeptBytes = 32 * 1024;  // for each thread and size
+#endif
+constexpr size_t kvxItem_SizeStep = 16;
+constexpr size_t kvxItem_Sizes = 4;  // 16, 32, 48 and 64 bytes; larger blocks are not kept
+
+struct vxFreeBlock {
+    vxFreeBlock* mNext;
+};
+
+// The free blocks of one size. Plain data, so that it can be used to the very end of a thread.
+struct vxFreeBlocks {
+    vxFreeBlock* mFirst;
+    size_t mRoom;  // bytes that may still be kept
+};
+
+#define VX_THREAD_LOCAL static thread_local __attribute__((tls_model("initial-exec")))
+VX_THREAD_LOCAL vxFreeBlocks sFreeBlocks[kvxItem_Sizes];
+VX_THREAD_LOCAL bool sfKeeps = false;  // the keeper of this thread has been made
+
+// Keeps blocks from the first one that its thread frees until the thread ends.
+struct vxBlockKeeper {
+    vxBlockKeeper() {
+        for (vxFreeBlocks& theBlocks : sFreeBlocks) {
+            theBlocks.mRoom = kvxItem_KeptBytes;
+        }
+    }
+    ~vxBlockKeeper() {
+        for (vxFreeBlocks& theBlocks : sFreeBlocks) {
+            theBlocks.mRoom = 0;
+            while (theBlocks.mFirst != NULL) {
+                vxFreeBlock* theBlock = theBlocks.mFirst;
+                theBlocks.mFirst = theBlock->mNext;
+                ::operator delete(theBlock);
+            }
+        }
+    }
+};
+
+void vxStartKeeping() {
+    if (!sfKeeps) {
+        sfKeeps = true;
+        static thread_local vxBlockKeeper sKeeper;
+        static_cast<void>(sKeeper);
+    }
+}
+
+size_t vxSizeIndex(size_t aSize) {
+    return (aSize - 1) / kvxItem_SizeStep;
+}
+
+size_t vxBlockSize(size_t anIndex) {
+    return (anIndex + 1) * kvxItem_SizeStep;
+}
+
+}  // namespace
+
+void* vxBaseListItem::operator new(size_t aSize) {
+    const size_t theIndex = vxSizeIndex(aSize);
+    if (theIndex >= kvxItem_Sizes) {
+        return ::operator new(aSize);
+    }
+    vxFreeBlocks& theBlocks = sFreeBlocks[theIndex];
+    vxFreeBlock* theBlock = theBlocks.mFirst;
+    if (theBlock == NULL) {
+        return ::operator new(vxBlockSize(theIndex));
+    }
+    theBlocks.mFirst = theBlock->mNext;
+    theBlocks.mRoom += vxBlockSize(theIndex);
+    return theBlock;
+}
+
+void vxBaseListItem::operator delete(void* aBlock, size_t aSize) {
+    const size_t theIndex = vxSizeIndex(aSize);
+    if (theIndex >= kvxItem_Sizes) {
+        ::operator delete(aBlock);
+        return;
+    }
+    vxFreeBlocks& theBlocks = sFreeBlocks[theIndex];
+    if (theBlocks.mRoom < vxBlockSize(theIndex)) {
+        vxStartKeeping();
+        if (theBlocks.mRoom < vxBlockSize(theIndex)) {
+            ::operator delete(aBlock);
+            return;
+        }
+    }
+    theBlocks.mRoom -= vxBlockSize(theIndex);
+    theBlocks.mFirst = new (aBlock) vxFreeBlock{theBlocks.mFirst};
 }
 
 vxBaseList::~vxBaseList() {
@@ -22,14 +120,16 @@ vxBaseList::~vxBaseList() {
 
 void vxBaseList::Remove(vxBaseListItem* aListItem) {
     if (VXCHECK(aListItem != NULL) && VXCHECK(IsMember(aListItem))) {
-        Unlink(aListItem);
+        aListItem->Remove(this);
+        ItemRemoved(aListItem);
         delete aListItem;
     }
 }
 
 void vxBaseList::Detach(vxBaseListItem* aListItem) {
     if (VXCHECK(aListItem != NULL) && VXCHECK(IsMember(aListItem))) {
-        Unlink(aListItem);
+        aListItem->Remove(this);
+        ItemRemoved(aListItem);
         aListItem->mNext = NULL;
         aListItem->mPrev = NULL;
     }
@@ -114,24 +214,6 @@ void vxBaseList::CloseIterators() {
         mFirstIterator = theIterator->mNextIterator;
         theIterator->ListDeleted();
     }
-}
-
-// Neighbors that point back to the item, or the list's ends where it has none, prove membership.
-bool vxBaseList::IsMember(const vxBaseListItem* aListItem) const {
-    const vxBaseListItem* thePrev = aListItem->mPrev;
-    const vxBaseListItem* theNext = aListItem->mNext;
-    return (thePrev != NULL ? thePrev->mNext : mBegin) == aListItem &&
-           (theNext != NULL ? theNext->mPrev : mEnd) == aListItem;
-}
-
-// The only item of a list has null links too, but is its begin.
-bool vxBaseList::IsPushable(const vxBaseListItem* aListItem) const {
-    return aListItem->mNext == NULL && aListItem->mPrev == NULL && aListItem != mBegin;
-}
-
-void vxBaseList::Unlink(vxBaseListItem* aListItem) {
-    aListItem->Remove(this);
-    ItemRemoved(aListItem);
 }
 
 vxBaseListIterator::vxBaseListIterator(vxBaseList& aList) : mList(&aList) {

@@ -16,7 +16,11 @@ class vxBaseListIterator;
 class VX_EXPORT vxBaseListItem {
 public:
     vxBaseListItem() = default;
-    virtual ~vxBaseListItem();
+    virtual ~vxBaseListItem() = default;
+
+    /// Items come from blocks that their thread has freed before, where there are some.
+    static void* operator new(size_t aSize);
+    static void operator delete(void* aBlock, size_t aSize);
 
     /// Unlinks the item from `aList`, which holds it: neighbors are joined and the size drops.
     ///
@@ -111,13 +115,28 @@ protected:
     size_t mSize = 0;                           // items
 
 private:
-    bool IsMember(const vxBaseListItem* aListItem) const;
-    bool IsPushable(const vxBaseListItem* aListItem) const;
-    void Unlink(vxBaseListItem* aListItem);
+    // Neighbors that point back to the item, or the list's ends where it has none, prove membership.
+    bool IsMember(const vxBaseListItem* aListItem) const {
+        const vxBaseListItem* thePrev = aListItem->mPrev;
+        const vxBaseListItem* theNext = aListItem->mNext;
+        return (thePrev != NULL ? thePrev->mNext : mBegin) == aListItem &&
+               (theNext != NULL ? theNext->mPrev : mEnd) == aListItem;
+    }
+
+    // The only item of a list has null links too, but is its begin.
+    bool IsPushable(const vxBaseListItem* aListItem) const {
+        return aListItem->mNext == NULL && aListItem->mPrev == NULL && aListItem != mBegin;
+    }
 
     vxBaseList(const vxBaseList&) = delete;
     vxBaseList& operator=(const vxBaseList&) = delete;
 };
+
+inline void vxBaseListItem::Remove(vxBaseList* aList) {
+    (mPrev != NULL ? mPrev->mNext : aList->mBegin) = mNext;
+    (mNext != NULL ? mNext->mPrev : aList->mEnd) = mPrev;
+    --aList->mSize;
+}
 
 /// A registered position in a list: on an item, or before the first item (for an iterator that
 /// walks backward: behind the last).
@@ -188,6 +207,8 @@ public:
 /// An item that holds a value of type `T`: a vxRef keeps its object alive, a raw pointer does not.
 template <typename T>
 class vxListItem : public vxBaseListItem {
+    static_assert(alignof(T) <= alignof(std::max_align_t), "items are aligned as malloc aligns");
+
 public:
     explicit vxListItem(const T& anItem) : mItem(anItem) {}
 

@@ -1,0 +1,300 @@
+#include "vx/Error.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+#include <pthread.h>
+
+#include "support/Reports.h"
+
+namespace {
+
+// Code 1 first, code 3 last.
+vxError ChainOfThree() {
+    vxError theError(1, "one");
+    theError.SetModule("File");
+    theError.ConvertTo(2, "two", "Net");
+    theError.ConvertTo(3, "three", "App");
+    return theError;
+}
+
+std::string TextOf(const vxError& anError) {
+    return anError.ToString().c_str();
+}
+
+}  // namespace
+
+TEST(ErrorTest, NewErrorIsNone) {
+    const vxError theError;
+
+    EXPECT_EQ(theError.GetErrorCode(), 0);
+    EXPECT_STREQ(theError.GetErrorStr(), "");
+    EXPECT_EQ(theError.GetModule(), nullptr);
+    EXPECT_EQ(theError.GetErrorHistoryCount(), 0u);
+    EXPECT_STREQ(theError.ToString(), "");
+    EXPECT_STREQ(theError.ToShortString(), "");
+    EXPECT_TRUE(theError == 0);
+    EXPECT_FALSE(theError != 0);
+}
+
+TEST(ErrorTest, CarriesCodeAndMessage) {
+    const vxError theError(-7, "x");
+
+    EXPECT_EQ(theError.GetErrorCode(), -7);
+    EXPECT_STREQ(theError.GetErrorStr(), "x");
+    EXPECT_EQ(theError.GetModule(), nullptr);
+    EXPECT_TRUE(theError == -7);
+    EXPECT_TRUE(theError != 7);
+}
+
+TEST(ErrorTest, AssigningACodeEmptiesTheMessageAlone) {
+    vxError theError = ChainOfThree();
+
+    theError = 9;
+
+    EXPECT_EQ(theError.GetErrorCode(), 9);
+    EXPECT_STREQ(theError.GetErrorStr(), "");
+    EXPECT_STREQ(theError.GetModule(), "App");
+    EXPECT_EQ(theError.GetErrorHistoryCount(), 2u);
+}
+
+TEST(ErrorTest, AssigningATextSetsTheMessageAlone) {
+    vxError theError = ChainOfThree();
+
+    theError = "other";
+    EXPECT_EQ(TextOf(theError),
+              " (error: 3 [App] 'other') (error: 2 [Net] 'two') (error: 1 [File] 'one')");
+
+    theError = static_cast<const char*>(NULL);
+    EXPECT_STREQ(theError.GetErrorStr(), "");
+    EXPECT_EQ(theError.GetErrorCode(), 3);
+}
+
+TEST(ErrorTest, ModuleIsACopy) {
+    char theModule[] = "File";
+    vxError theError;
+
+    theError.SetModule(theModule);
+    theModule[0] = 'X';
+    EXPECT_STREQ(theError.GetModule(), "File");
+
+    theError.SetModule(theError.GetModule() + 1);
+    EXPECT_STREQ(theError.GetModule(), "ile");
+    theError.SetModule("");
+    EXPECT_STREQ(theError.GetModule(), "");
+    theError.SetModule(NULL);
+    EXPECT_EQ(theError.GetModule(), nullptr);
+}
+
+TEST(ErrorTest, SetLeavesTheHistory) {
+    vxError theError = ChainOfThree();
+
+    theError.Set("New", 4, "four");
+
+    EXPECT_EQ(TextOf(theError),
+              " (error: 4 [New] 'four') (error: 2 [Net] 'two') (error: 1 [File] 'one')");
+    theError.Set(theError.GetModule(), 5, theError.GetErrorStr());
+    EXPECT_STREQ(theError.GetModule(), "New");
+    EXPECT_STREQ(theError.GetErrorStr(), "four");
+}
+
+TEST(ErrorTest, TextsShowWhatIsThere) {
+    struct Case {
+        int mCode;
+        const char* mMessage;
+        const char* mModule;
+        const char* mText;
+        const char* mShortText;
+    };
+    constexpr Case kCases[] = {
+        {0, "x", "File", "", ""},
+        {7, "x", NULL, " (error: 7 'x')", "7: x"},
+        {7, "", NULL, " (error: 7)", "7"},
+        {7, "", "File", " (error: 7 [File])", "7"},
+        {7, "x", "", " (error: 7 'x')", "7: x"},
+        {-3, "not found", "File", " (error: -3 [File] 'not found')", "-3: not found"},
+        {-2147483647 - 1, "%n%s", "%d", " (error: -2147483648 [%d] '%n%s')", "-2147483648: %n%s"},
+        {2147483647, "", NULL, " (error: 2147483647)", "2147483647"},
+    };
+    for (const Case& theCase : kCases) {
+        SCOPED_TRACE(theCase.mText);
+        vxError theError(theCase.mCode, theCase.mMessage);
+        theError.SetModule(theCase.mModule);
+        EXPECT_STREQ(theError.ToString(), theCase.mText);
+        EXPECT_STREQ(theError.ToShortString(), theCase.mShortText);
+    }
+}
+
+TEST(ErrorTest, TextShowsTheHistoryNewestFirst) {
+    vxError theError(5, "");
+    theError.ConvertTo(-3, "not found", "File");
+
+    EXPECT_STREQ(theError.ToString(), " (error: -3 [File] 'not found') (error: 5)");
+    EXPECT_STREQ(theError.ToShortString(), "-3: not found");
+}
+
+TEST(ErrorTest, TextEndsBeforeTheFirstErrorOfCodeZero) {
+    vxError theError(1, "one");
+    theError.ConvertTo(0, "none", NULL);
+    EXPECT_STREQ(theError.ToString(), "");
+
+    theError.ConvertTo(2, "two", NULL);
+    EXPECT_STREQ(theError.ToString(), " (error: 2 'two')");
+    EXPECT_EQ(theError.GetErrorHistoryCount(), 2u);
+}
+
+TEST(ErrorTest, ConvertingKeepsTheCurrentErrorInTheHistory) {
+    const vxError theError = ChainOfThree();
+
+    EXPECT_EQ(theError.GetErrorHistoryCount(), 2u);
+    EXPECT_EQ(theError.GetInitialError().GetErrorCode(), 1);
+    EXPECT_EQ(TextOf(theError.GetErrorHistory(0)),
+              " (error: 2 [Net] 'two') (error: 1 [File] 'one')");
+    EXPECT_EQ(TextOf(theError.GetErrorHistory(1)), " (error: 1 [File] 'one')");
+    EXPECT_EQ(theError.GetErrorHistory(2).GetErrorCode(), 0);
+    EXPECT_EQ(theError.GetErrorHistory(5).GetErrorCode(), 0);
+    EXPECT_EQ(theError.GetErrorHistory(4294967295u).GetErrorCode(), 0);
+}
+
+TEST(ErrorTest, ConvertingNoErrorRecordsIt) {
+    vxError theError;
+
+    theError.ConvertTo(2, "two", NULL);
+
+    EXPECT_EQ(theError.GetErrorHistoryCount(), 1u);
+    EXPECT_EQ(theError.GetInitialError().GetErrorCode(), 0);
+    EXPECT_EQ(theError.GetModule(), nullptr);
+}
+
+TEST(ErrorTest, ConvertingWithoutAModuleClearsIt) {
+    vxError theError = ChainOfThree();
+
+    theError.ConvertTo(4, "", NULL);
+
+    EXPECT_EQ(theError.GetModule(), nullptr);
+    EXPECT_STREQ(theError.GetErrorHistory(0).GetModule(), "App");
+}
+
+TEST(ErrorTest, ConvertingToAnErrorTakesItsHeadAlone) {
+    vxError theError(1, "one");
+
+    theError.ConvertTo(ChainOfThree());
+
+    EXPECT_EQ(TextOf(theError), " (error: 3 [App] 'three') (error: 1 'one')");
+}
+
+TEST(ErrorTest, ConvertingToItselfDoublesTheHead) {
+    vxError theError(1, "one");
+    theError.SetModule("File");
+
+    theError.ConvertTo(theError);
+    theError.ConvertTo(theError.GetErrorCode(), theError.GetErrorStr(), theError.GetModule());
+
+    EXPECT_EQ(TextOf(theError),
+              " (error: 1 [File] 'one') (error: 1 [File] 'one') (error: 1 [File] 'one')");
+}
+
+TEST(ErrorTest, InitialErrorWithoutHistoryIsTheErrorItself) {
+    EXPECT_EQ(TextOf(vxError(5, "x").GetInitialError()), " (error: 5 'x')");
+}
+
+TEST(ErrorTest, CopiesTheWholeChain) {
+    vxError theError = ChainOfThree();
+    const vxError theCopy(theError);
+    theError.ConvertTo(4, "", NULL);
+    theError = vxError(9, "");
+
+    EXPECT_EQ(TextOf(theCopy),
+              " (error: 3 [App] 'three') (error: 2 [Net] 'two') (error: 1 [File] 'one')");
+}
+
+TEST(ErrorTest, AssigningAnErrorWithHistoryReplacesTheHistory) {
+    vxError theError(9, "nine");
+    theError.ConvertTo(8, "eight", "Old");
+
+    theError = ChainOfThree();
+
+    EXPECT_EQ(TextOf(theError), TextOf(ChainOfThree()));
+}
+
+TEST(ErrorTest, AssigningAnErrorWithoutHistoryKeepsTheOldHistory) {
+    vxError theError = ChainOfThree();
+
+    theError = vxError(9, "nine");
+
+    EXPECT_EQ(theError.GetModule(), nullptr);
+    EXPECT_EQ(TextOf(theError),
+              " (error: 9 'nine') (error: 2 [Net] 'two') (error: 1 [File] 'one')");
+}
+
+TEST(ErrorTest, AssigningItselfDoesNothing) {
+    vxError theError = ChainOfThree();
+    const vxError& theAlias = theError;
+
+    theError = theAlias;
+
+    EXPECT_EQ(TextOf(theError), TextOf(ChainOfThree()));
+}
+
+TEST(ErrorTest, FetchesTheNewestErrorOfAModuleWithItsHistory) {
+    vxError theError = ChainOfThree();
+    theError.ConvertTo(4, "four", "Net");
+    vxError theFound;
+
+    ASSERT_TRUE(theError.FetchModuleError("Net", theFound));
+    EXPECT_EQ(theFound.GetErrorCode(), 4);
+    EXPECT_EQ(theFound.GetErrorHistoryCount(), 3u);
+    ASSERT_TRUE(theError.FetchModuleError("App", theFound));
+    EXPECT_EQ(TextOf(theFound), TextOf(ChainOfThree()));
+}
+
+TEST(ErrorTest, FetchingComparesByteForByteAndSkipsErrorsWithoutAModule) {
+    vxError theError = ChainOfThree();
+    theError.ConvertTo(4, "four", NULL);
+    vxError theFound(77, "kept");
+
+    EXPECT_FALSE(theError.FetchModuleError("net", theFound));
+    EXPECT_FALSE(theError.FetchModuleError("Ne", theFound));
+    EXPECT_FALSE(theError.FetchModuleError("", theFound));
+    EXPECT_FALSE(theError.FetchModuleError(NULL, theFound));
+    EXPECT_EQ(TextOf(theFound), " (error: 77 'kept')");
+}
+
+TEST(ErrorTest, FetchedErrorWithoutHistoryKeepsTheHistoryOfItsTarget) {
+    vxError theFound(8, "eight");
+    theFound.ConvertTo(9, "nine", NULL);
+
+    ASSERT_TRUE(ChainOfThree().FetchModuleError("File", theFound));
+
+    EXPECT_EQ(TextOf(theFound), " (error: 1 [File] 'one') (error: 8 'eight')");
+}
+
+TEST(ErrorTest, FetchingIntoTheErrorItselfIsSafe) {
+    vxError theError = ChainOfThree();
+
+    ASSERT_TRUE(theError.FetchModuleError("Net", theError));
+
+    EXPECT_EQ(TextOf(theError), " (error: 2 [Net] 'two') (error: 1 [File] 'one')");
+}
+
+TEST(ErrorTest, MillionErrorsAreCopiedPrintedAndDestroyedOnASmallStack) {
+    pthread_attr_t theAttributes;
+    pthread_attr_init(&theAttributes);
+    pthread_attr_setstacksize(&theAttributes, 128 * 1024);
+    const auto theBody = [](void*) -> void* {
+        vxError theError(1, "");
+        for (int i = 0; i < 1000000; ++i) {
+            theError.ConvertTo(2, "", NULL);
+        }
+        vxError theCopy(theError);
+        theCopy = theError;
+        EXPECT_EQ(theCopy.GetErrorHistoryCount(), 1000000u);
+        EXPECT_EQ(theCopy.ToString().length(), 11u * 1000001u);
+        EXPECT_EQ(theCopy.GetInitialError().GetErrorCode(), 1);
+        return NULL;
+    };
+    pthread_t theThread;
+    ASSERT_EQ(pthread_create(&theThread, &theAttributes, theBody, NULL), 0);
+    pthread_join(theThread, NULL);
+    pthread_attr_destroy(&theAttributes);
+}
