@@ -6,6 +6,7 @@
 #include <pthread.h>
 
 #include "support/Reports.h"
+#include "vx/JSON.h"
 
 namespace {
 
@@ -16,6 +17,18 @@ vxError ChainOfThree() {
     theError.ConvertTo(2, "two", "Net");
     theError.ConvertTo(3, "three", "App");
     return theError;
+}
+
+std::string JSONOf(const vxError& anError) {
+    vxJSONObject theObject;
+    anError.ToJSON(theObject);
+    return theObject.GetRawValue().c_str();
+}
+
+// Reads the text into an error that has a code, a message, a module and a history.
+bool ReadInto(vxError& anError, const char* aText) {
+    vxJSONDocument theDocument(aText);
+    return anError.FromJSON(theDocument.AsObject());
 }
 
 std::string TextOf(const vxError& anError) {
@@ -277,7 +290,105 @@ TEST(ErrorTest, FetchingIntoTheErrorItselfIsSafe) {
     EXPECT_EQ(TextOf(theError), " (error: 2 [Net] 'two') (error: 1 [File] 'one')");
 }
 
-TEST(ErrorTest, MillionErrorsAreCopiedPrintedAndDestroyedOnASmallStack) {
+TEST(ErrorTest, WritesAsJSONWhatIsThere) {
+    EXPECT_EQ(JSONOf(vxError()), "{\"code\":0}");
+    EXPECT_EQ(JSONOf(vxError(-3, "")), "{\"code\":-3}");
+
+    vxError theError(1, "one");
+    theError.SetModule("");
+    EXPECT_EQ(JSONOf(theError), "{\"code\":1,\"message\":\"one\",\"module\":\"\"}");
+
+    theError.ConvertTo(2, "", "Net");
+    theError.ConvertTo(-2147483647 - 1, "", NULL);
+    EXPECT_EQ(JSONOf(theError),
+              "{\"code\":-2147483648,\"previous\":{\"code\":2,\"module\":\"Net\",\"previous\":"
+              "{\"code\":1,\"message\":\"one\",\"module\":\"\"}}}");
+}
+
+TEST(ErrorTest, WritingAsJSONToAnArrayIsReported) {
+    vxtest::Reports theReports;
+    vxJSONDocument theDocument("[1]");
+    vxJSONObject theObject(theDocument.mEntry);
+
+    vxError(5, "x").ToJSON(theObject);
+
+    EXPECT_THAT(theReports.Assertions(), testing::ElementsAre("vxJSON_Is(mEntry, kvxJSON_Object)"));
+    EXPECT_STREQ(theDocument.GetRawValue(), "[1]");
+}
+
+TEST(ErrorTest, WritingAsJSONKeepsTheOtherMembers) {
+    vxJSONDocument theDocument("{\"id\":7,\"code\":1}");
+    vxJSONObject theObject = theDocument.AsObject();
+
+    vxError(5, "x").ToJSON(theObject);
+
+    EXPECT_STREQ(theDocument.GetRawValue(), "{\"id\":7,\"code\":5,\"message\":\"x\"}");
+}
+
+TEST(ErrorTest, ReadsBackTheChainThatWasWritten) {
+    vxError theError;
+
+    ASSERT_TRUE(ReadInto(theError, JSONOf(ChainOfThree()).c_str()));
+
+    EXPECT_EQ(TextOf(theError), TextOf(ChainOfThree()));
+    EXPECT_EQ(theError.GetErrorHistoryCount(), 2u);
+}
+
+TEST(ErrorTest, ReadHistoryReplacesTheOldOneAndAMissingOneLeavesIt) {
+    vxError theError = ChainOfThree();
+    ASSERT_TRUE(ReadInto(theError, "{\"code\":9,\"previous\":{\"code\":8}}"));
+    EXPECT_EQ(TextOf(theError), " (error: 9) (error: 8)");
+
+    ASSERT_TRUE(ReadInto(theError, "{\"code\":7,\"message\":\"m\",\"module\":\"M\"}"));
+    EXPECT_EQ(TextOf(theError), " (error: 7 [M] 'm') (error: 8)");
+}
+
+TEST(ErrorTest, ReadingNeedsACodeThatIsAnInteger) {
+    for (const char* theText :
+         {"{}", "{\"message\":\"x\"}", "{\"code\":\"1\"}", "{\"code\":1.5}", "{\"code\":null}",
+          "{\"code\":2147483648}", "{\"code\":-2147483649}", "{\"code\":{}}"}) {
+        SCOPED_TRACE(theText);
+        vxError theError = ChainOfThree();
+        EXPECT_FALSE(ReadInto(theError, theText));
+        EXPECT_EQ(TextOf(theError), TextOf(ChainOfThree()));
+    }
+    vxError theError = ChainOfThree();
+    EXPECT_FALSE(theError.FromJSON(vxJSONObject()));
+    EXPECT_EQ(TextOf(theError), TextOf(ChainOfThree()));
+}
+
+TEST(ErrorTest, MembersOfAnotherKindReadAsMissing) {
+    vxError theError;
+
+    ASSERT_TRUE(ReadInto(theError,
+                         "{\"code\":1,\"message\":5,\"module\":[],\"previous\":"
+                         "{\"code\":\"x\",\"message\":\"m\",\"previous\":[]}}"));
+
+    EXPECT_STREQ(theError.GetErrorStr(), "");
+    EXPECT_EQ(theError.GetModule(), nullptr);
+    ASSERT_EQ(theError.GetErrorHistoryCount(), 1u);
+    EXPECT_EQ(theError.GetErrorHistory(0).GetErrorCode(), 0);
+    EXPECT_STREQ(theError.GetErrorHistory(0).GetErrorStr(), "m");
+}
+
+TEST(ErrorTest, EmptyModuleIsReadAsSet) {
+    vxError theError;
+
+    ASSERT_TRUE(ReadInto(theError, "{\"code\":1,\"module\":\"\"}"));
+
+    EXPECT_STREQ(theError.GetModule(), "");
+}
+
+TEST(ErrorTest, LinkReadsItselfAndNotItsHistory) {
+    vxJSONDocument theDocument("{\"code\":2,\"message\":\"m\",\"previous\":{\"code\":1}}");
+
+    const vxError::vxErrorInfo theInfo(theDocument.AsObject());
+
+    EXPECT_STREQ(theInfo.ToString(), " (error: 2 'm')");
+    EXPECT_STREQ(theInfo.ToShortString(), "2: m");
+}
+
+TEST(ErrorTest, MillionErrorsAreCopiedPrintedReadAndDestroyedOnASmallStack) {
     pthread_attr_t theAttributes;
     pthread_attr_init(&theAttributes);
     pthread_attr_setstacksize(&theAttributes, 128 * 1024);
@@ -291,6 +402,12 @@ TEST(ErrorTest, MillionErrorsAreCopiedPrintedAndDestroyedOnASmallStack) {
         EXPECT_EQ(theCopy.GetErrorHistoryCount(), 1000000u);
         EXPECT_EQ(theCopy.ToString().length(), 11u * 1000001u);
         EXPECT_EQ(theCopy.GetInitialError().GetErrorCode(), 1);
+
+        vxJSONObject theObject;
+        theError.ToJSON(theObject);
+        vxError theRead;
+        EXPECT_TRUE(theRead.FromJSON(theObject));
+        EXPECT_EQ(theRead.GetErrorHistoryCount(), 1000000u);
         return NULL;
     };
     pthread_t theThread;

@@ -11,6 +11,8 @@
 #include <cstring>
 #include <string>
 
+#include "vx/JSON.h"
+
 namespace {
 
 std::string vxCodeText(int32_t aCode) {
@@ -23,6 +25,16 @@ std::string vxCodeText(int32_t aCode) {
 
 vxError::vxErrorInfo::vxErrorInfo(int aCode, const vxCString& aMessage, const char* aModule)
     : mCode(aCode), mMessage(aMessage), mModule(vxStrdup(aModule)), mPrevious(NULL) {}
+
+vxError::vxErrorInfo::vxErrorInfo(const vxJSONObject& anObject)
+    : mCode(0), mModule(NULL), mPrevious(NULL) {
+    anObject["code"].FetchInt32(&mCode);
+    anObject["message"].FetchString(mMessage);
+    vxCString theModule;
+    if (anObject["module"].FetchString(theModule)) {
+        SetModule(theModule);
+    }
+}
 
 vxError::vxErrorInfo::vxErrorInfo(const vxErrorInfo& anInfo)
     : vxErrorInfo(anInfo.mCode, anInfo.mMessage, anInfo.mModule) {
@@ -90,6 +102,26 @@ bool vxError::vxErrorInfo::FetchModuleError(const char* aModule, vxError& anErro
         }
     }
     return false;
+}
+
+void vxError::vxErrorInfo::ToJSON(vxJSONObject& anObject) const {
+    anObject.CreateIfNone();
+    vxJSONObject theObject;
+    if (!anObject.FetchObject(theObject)) {
+        return;
+    }
+    for (const vxErrorInfo* theInfo = this; theInfo != NULL; theInfo = theInfo->mPrevious) {
+        theObject.Set("code", static_cast<int64_t>(theInfo->mCode));
+        if (!theInfo->mMessage.IsEmpty()) {
+            theObject.Set("message", theInfo->mMessage.c_str());
+        }
+        if (theInfo->mModule != NULL) {
+            theObject.Set("module", theInfo->mModule);
+        }
+        if (theInfo->mPrevious != NULL) {
+            theObject = theObject.AddObject("previous");
+        }
+    }
 }
 
 // Copies this link and all behind it.
@@ -175,4 +207,20 @@ vxError vxError::GetInitialError() const {
         theInfo = theInfo->mPrevious;
     }
     return vxError(*theInfo);
+}
+
+bool vxError::FromJSON(const vxJSONObject& anObject) {
+    if (!anObject["code"].FetchInt32(&mError.mCode)) {
+        return false;
+    }
+    vxErrorInfo theHead(anObject);
+    vxErrorInfo* theOldest = &theHead;
+    vxJSONObject thePrevious;
+    for (bool fMore = anObject["previous"].FetchObject(thePrevious); fMore;
+         fMore = thePrevious["previous"].FetchObject(thePrevious)) {
+        theOldest->mPrevious = new vxErrorInfo(thePrevious);
+        theOldest = theOldest->mPrevious;
+    }
+    mError = theHead;
+    return true;
 }

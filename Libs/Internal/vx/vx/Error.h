@@ -119,8 +119,10 @@ public:
     vxCString ToShortString() const { return mError.ToShortString(); }
 
     /// Adds the members "code" always, "message" unless it is empty, "module" when one is set, and
-    /// "previous", an object of the same form, when there is a history. A handle without an object
-    /// gets one.
+    /// "previous", an object of the same form, when there is a history. A handle on nothing gets an
+    /// object of its own.
+    ///
+    /// Asserts:  vxJSON_Is(mEntry, kvxJSON_Object), of a handle on another node; nothing is written.
     void ToJSON(vxJSONObject& anObject) const { mError.ToJSON(anObject); }
 
     /// Reads what ToJSON() writes.
