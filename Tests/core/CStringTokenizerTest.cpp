@@ -9,6 +9,7 @@
 #include "support/Reports.h"
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
@@ -255,7 +256,14 @@ TEST(CStringTokenizerTest, WithoutATextEveryUseIsReported) {
     theTokenizer.Reinit("a");
     EXPECT_STREQ(theTokenizer.GetString(), "");
     EXPECT_THAT(theReports.Assertions(), ElementsAre("IsOk()", "IsOk()", "IsOk()", "IsOk()"));
-    EXPECT_EQ(theReports.AssertionReports()[0].mFile, "Libs/Internal/vx/core/CStringTokenizer.cpp");
+    EXPECT_THAT(theReports.AssertionReports()[0].mFile, HasSubstr("/CStringTokenizer."));
+
+    theReports.Clear();
+    theTokenizer.SetString("a b");
+    theTokenizer.SetString("a b", " ", kTokenizerMode_NotInitialized);
+    EXPECT_FALSE(theTokenizer.IsOk());
+    EXPECT_FALSE(theTokenizer.HasMoreTokens());
+    EXPECT_THAT(theReports.Assertions(), ElementsAre("IsOk()", "IsOk()"));
 
     theReports.Clear();
     theTokenizer.SetString("a b");

@@ -1,6 +1,6 @@
-// Whether more tokens follow depends on the next byte that is no delimiter. Its place is looked up
-// once for each run of delimiters and kept, so that a long run costs no more than its length, token
-// by token.
+// Whether more tokens follow depends on the next byte that is no delimiter. Its place is known at all
+// times: it is looked for once, when a token has been taken, so that a long run of delimiters costs
+// no more than its length, token by token.
 
 #include "vx/CStringTokenizer.h"
 
@@ -16,6 +16,18 @@ bool vxAreBlanks(const vxCString& aText) {
     return std::all_of(theText, theText + aText.length(), [](char aChar) {
         return vxConvert_isspace(static_cast<unsigned char>(aChar)) != 0;
     });
+}
+
+// Returns the first place from `aPos` on whose byte is a delimiter, or is none; or the length.
+template <bool Delimiter>
+size_t vxFindPlace(const vxCString& aText, size_t aPos, const bool* afIsDelimiter) {
+    const char* theText = aText.c_str();
+    const size_t theLength = aText.length();
+    while (aPos < theLength &&
+           afIsDelimiter[static_cast<unsigned char>(theText[aPos])] != Delimiter) {
+        ++aPos;
+    }
+    return aPos;
 }
 
 }  // namespace
@@ -41,27 +53,11 @@ void vxCStringTokenizer::SetString(const vxCString& aString, const vxCString& aD
 }
 
 void vxCStringTokenizer::Reinit(const vxCString& aString) {
-    if (!VXCHECK(IsOk())) {
-        return;
-    }
-    mString = aString;
+    // Only a tokenizer that is set up has a text: HasMoreTokens() counts on it.
+    mString = VXCHECK(IsOk()) ? aString : vxCString();
     mPos = 0;
     mfHasMore = !mString.IsEmpty();
-    mNextText = FindPlace(mPos, false);
-}
-
-bool vxCStringTokenizer::HasMoreTokens() const {
-    if (!VXCHECK(IsOk())) {
-        return false;
-    }
-    if (mNextText < mPos) {
-        mNextText = FindPlace(mPos, false);
-    }
-    if (mNextText < mString.length()) {
-        return true;
-    }
-    return mfHasMore && (mMode == kTokenizerMode_ReturnEmptyAll ||
-                         (mMode == kTokenizerMode_ReturnEmptyMiddleOnly && mPos == 0));
+    mNextText = vxFindPlace<false>(mString, 0, mfIsDelimiter);
 }
 
 vxCString vxCStringTokenizer::GetNextToken() {
@@ -69,13 +65,16 @@ vxCString vxCStringTokenizer::GetNextToken() {
         return vxCString();
     }
     const size_t theStart = mMode == kTokenizerMode_Strtok ? mNextText : mPos;
-    size_t theEnd = FindPlace(theStart, true);
+    size_t theEnd = vxFindPlace<true>(mString, theStart, mfIsDelimiter);
     if (theEnd == mString.length()) {
         mPos = theEnd;
         mfHasMore = false;
     } else {
         mPos = theEnd + 1;
         theEnd += mMode == kTokenizerMode_ReturnDelimiters;
+    }
+    if (mNextText < mPos) {
+        mNextText = vxFindPlace<false>(mString, mPos, mfIsDelimiter);
     }
     return vxCString(mString.c_str() + theStart, theEnd - theStart);
 }
@@ -91,15 +90,4 @@ size_t vxCStringTokenizer::CountTokens() {
         theCopy.GetNextToken();
     }
     return theCount;
-}
-
-// Returns the place of the first byte from `aPos` on that is a delimiter, or is none; or the length.
-size_t vxCStringTokenizer::FindPlace(size_t aPos, bool afDelimiter) const {
-    const char* theText = mString.c_str();
-    const size_t theLength = mString.length();
-    while (aPos < theLength &&
-           mfIsDelimiter[static_cast<unsigned char>(theText[aPos])] != afDelimiter) {
-        ++aPos;
-    }
-    return aPos;
 }

@@ -50,13 +50,20 @@ public:
 
     /// Starts over with another text, with the same delimiters and mode.
     ///
-    /// Asserts:  IsOk(); nothing changes then.
+    /// Asserts:  IsOk(); there is no text then.
     void Reinit(const vxCString& aString);
 
     /// Returns whether GetNextToken() has a token to give.
     ///
     /// Asserts:  IsOk(); false then.
-    bool HasMoreTokens() const;
+    bool HasMoreTokens() const {
+        if (mNextText < mString.length()) {
+            return true;
+        }
+        return VXCHECK(IsOk()) && mfHasMore &&
+               (mMode == kTokenizerMode_ReturnEmptyAll ||
+                (mMode == kTokenizerMode_ReturnEmptyMiddleOnly && mPos == 0));
+    }
 
     /// Returns the next token, or the empty string when there are no more.
     ///
@@ -80,8 +87,6 @@ public:
     bool IsOk() const { return mMode != kTokenizerMode_NotInitialized; }
 
 private:
-    size_t FindPlace(size_t aPos, bool afDelimiter) const;
-
     vxCString mString;      // the whole text; its first mPos bytes are consumed, and never copied
     vxCString mDelimiters;  // a set of bytes
     size_t mPos = 0;        // bytes consumed
@@ -89,6 +94,5 @@ private:
     bool mfHasMore = false;  // false once the token that no delimiter ended has been taken
 
     bool mfIsDelimiter[256] = {};  // mDelimiters, by byte
-    mutable size_t mNextText = 0;  // where a byte at or after mPos is no delimiter; out of date
-                                   // while it is below mPos
+    size_t mNextText = 0;          // first place from mPos on whose byte is no delimiter
 };
