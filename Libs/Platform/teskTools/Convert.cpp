@@ -44,9 +44,11 @@ bool vxReadMagnitude(const char* aStr, unsigned aBase, uint64_t* aMagnitude) {
     }
     uint64_t theValue = 0;
     if (aBase == 10) {
-        // Eighteen digits cannot overflow: most numbers end here.
-        for (const char* theEnd = aStr + 18; aStr != theEnd && vxIsDecimalDigit(*aStr); aStr++) {
-            theValue = theValue * 10 + static_cast<unsigned>(*aStr - '0');
+        // Eighteen digits cannot overflow: most numbers end here. Two at a time keep the chain of
+        // multiplications short.
+        for (int i = 0; i < 9 && vxIsDecimalDigit(aStr[0]) && vxIsDecimalDigit(aStr[1]); i++) {
+            theValue = theValue * 100 + static_cast<unsigned>(aStr[0] * 10 + aStr[1] - '0' * 11);
+            aStr += 2;
         }
     }
     for (; *aStr != '\0'; aStr++) {

@@ -149,14 +149,26 @@ public:
     const char* Search() {
         size_t i = 0;
         if (kvxHasByteBlocks) {
-            for (; i + kvxByteBlock_Size <= mStarts; i += kvxByteBlock_Size) {
-                vxByteBlock theHits = HitsAt(i);
-                while (vxByteBlock_Any(theHits)) {
-                    const size_t theHit = vxByteBlock_First(theHits);
-                    if (TryAt(i + theHit)) {
-                        return mResult;
+            constexpr size_t theStride = 4 * kvxByteBlock_Size;
+            while (i + theStride <= mStarts) {
+                // Most strides hold nothing, and are left after one look.
+                const vxByteBlock theHits[] = {HitsAt(i), HitsAt(i + kvxByteBlock_Size),
+                                               HitsAt(i + 2 * kvxByteBlock_Size),
+                                               HitsAt(i + 3 * kvxByteBlock_Size)};
+                if (vxByteBlockHits(theHits[0] | theHits[1] | theHits[2] | theHits[3]).Any()) {
+                    for (const vxByteBlock& theBlock : theHits) {
+                        if (TryBlock(theBlock, i)) {
+                            return mResult;
+                        }
+                        i += kvxByteBlock_Size;
                     }
-                    theHits[theHit] = 0;
+                } else {
+                    i += theStride;
+                }
+            }
+            for (; i + kvxByteBlock_Size <= mStarts; i += kvxByteBlock_Size) {
+                if (TryBlock(HitsAt(i), i)) {
+                    return mResult;
                 }
             }
         }
@@ -173,6 +185,15 @@ private:
     vxByteBlock HitsAt(size_t aPos) const {
         return mFirst.Matches(vxByteBlock_Load(mText + aPos)) &
                mLast.Matches(vxByteBlock_Load(mText + aPos + mNeedleLength - 1));
+    }
+
+    bool TryBlock(const vxByteBlock& aBlock, size_t aPos) {
+        for (vxByteBlockHits theHits(aBlock); theHits.Any(); theHits.DropFirst()) {
+            if (TryAt(aPos + theHits.First())) {
+                return true;
+            }
+        }
+        return false;
     }
 
     // Compares the needle at a candidate; true when the search has ended, in whatever way.
@@ -251,12 +272,19 @@ const char* vxSearch_FirstNoCase(const char* aText, size_t aLength, const char* 
 
 size_t vxSearch_CommonNoCase(const char* aLeft, const char* aRight, size_t aLength) {
     size_t i = 0;
-    if (kvxHasByteBlocks) {
-        for (; i + kvxByteBlock_Size <= aLength; i += kvxByteBlock_Size) {
-            const vxByteBlock theDifference = vxByteBlock_Fold(vxByteBlock_Load(aLeft + i)) ^
-                                              vxByteBlock_Fold(vxByteBlock_Load(aRight + i));
-            if (vxByteBlock_Any(theDifference)) {
-                return i + vxByteBlock_First(theDifference);
+    if (kvxHasByteBlocks && aLength >= kvxByteBlock_Size) {
+        // The last block ends with the text, and may overlap the one before it.
+        const size_t theLast = aLength - kvxByteBlock_Size;
+        for (;; i = i + kvxByteBlock_Size < theLast ? i + kvxByteBlock_Size : theLast) {
+            const vxByteBlock theDifference =
+                reinterpret_cast<vxByteBlock>(vxByteBlock_Fold(vxByteBlock_Load(aLeft + i)) !=
+                                              vxByteBlock_Fold(vxByteBlock_Load(aRight + i)));
+            const vxByteBlockHits theHits(theDifference);
+            if (theHits.Any()) {
+                return i + theHits.First();
+            }
+            if (i == theLast) {
+                return aLength;
             }
         }
     }

@@ -27,6 +27,7 @@ namespace {
 
 constexpr size_t kvxuint32_max = 0xFFFFFFFF;
 constexpr size_t kvxPrintf_FirstSize = 1024;  // bytes of text that the first attempt has room for
+constexpr size_t kvxSpecialBlock_Size = sizeof(vxCStringData) + sizeof(char*);
 
 // Sums stop at npos, a length that no block can have.
 size_t vxSum(size_t aLeft, size_t aRight) {
@@ -51,12 +52,6 @@ size_t vxTextLength(const char* aStr) {
     return aStr == NULL ? 0 : strlen(aStr);
 }
 
-bool vxIsSpace(char aChar) {
-    // No blank lies above the blank itself, which spares most bytes the call.
-    const unsigned char theByte = static_cast<unsigned char>(aChar);
-    return theByte <= ' ' && vxConvert_isspace(theByte) != 0;
-}
-
 char vxToLower(char aChar) {
     return aChar >= 'A' && aChar <= 'Z' ? static_cast<char>(aChar + ('a' - 'A')) : aChar;
 }
@@ -65,14 +60,27 @@ char vxToUpper(char aChar) {
     return aChar >= 'a' && aChar <= 'z' ? static_cast<char>(aChar - ('a' - 'A')) : aChar;
 }
 
-// The bytes of a set as bits.
+// A set of bytes as bits.
 class vxByteSet {
 public:
     explicit vxByteSet(const char* aSet) {
         for (; aSet != NULL && *aSet != '\0'; aSet++) {
-            const unsigned char theByte = static_cast<unsigned char>(*aSet);
-            mBits[theByte / 32] |= UINT32_C(1) << (theByte % 32);
+            Add(static_cast<unsigned char>(*aSet));
         }
+    }
+
+    // The bytes that the tools library takes for whitespace, asked for once.
+    static const vxByteSet& Spaces() {
+        static const vxByteSet sSpaces = [] {
+            vxByteSet theSet("");
+            for (int i = 0; i < 256; i++) {
+                if (vxConvert_isspace(i) != 0) {
+                    theSet.Add(static_cast<unsigned char>(i));
+                }
+            }
+            return theSet;
+        }();
+        return sSpaces;
     }
 
     bool Has(char aChar) const {
@@ -81,6 +89,8 @@ public:
     }
 
 private:
+    void Add(unsigned char aByte) { mBits[aByte / 32] |= UINT32_C(1) << (aByte % 32); }
+
     uint32_t mBits[8] = {};
 };
 
@@ -226,16 +236,36 @@ void vxCString::UnlockBlock(vxCStringData* aBlock) {
             free(aBlock);
         }
     } else if (theCount == 1) {
-        if (aBlock->mAllocatedLength == kvxAllocatedString) {
+        if (aBlock->mAllocatedLength == kvxAllocatedString && !HasInlineText(aBlock)) {
             free(aBlock->StringPtr());
         }
         free(aBlock);
     }
 }
 
+// Makes a special block that owns `aLength` bytes of text, exact and directly behind its pointer,
+// or moves the string's block of that kind to the new length.
+bool vxCString::AllocInlineBlock(size_t aLength) {
+    if (!vxCheckBlockLength(aLength)) {
+        return false;
+    }
+    void* theOld = IsEmpty() ? NULL : mCStringData;
+    void* theBlock = vxRealloc(theOld, kvxSpecialBlock_Size + aLength + 1);
+    if (theBlock == NULL) {
+        return false;
+    }
+    mCStringData = static_cast<vxCStringData*>(theBlock);
+    mCStringData->mRefCount = 2;
+    mCStringData->mAllocatedLength = kvxAllocatedString;
+    mStringPtr = static_cast<char*>(theBlock) + kvxSpecialBlock_Size;
+    memcpy(mCStringData + 1, &mStringPtr, sizeof(mStringPtr));
+    SetLength(aLength);
+    return true;
+}
+
 vxCString vxCString::Wrap(char* aStr, size_t aLength, size_t aKind) {
     vxCString theResult;
-    void* theBlock = vxMalloc(sizeof(vxCStringData) + sizeof(char*));
+    void* theBlock = vxMalloc(kvxSpecialBlock_Size);
     if (theBlock != NULL) {
         vxCStringData* theData = static_cast<vxCStringData*>(theBlock);
         *theData = {2, aLength, aKind};
@@ -246,6 +276,12 @@ vxCString vxCString::Wrap(char* aStr, size_t aLength, size_t aKind) {
         free(aStr);
     }
     return theResult;
+}
+
+// Is it a special block whose text stands behind its own pointer, as a concatenation's does?
+bool vxCString::HasInlineText(vxCStringData* aBlock) {
+    return aBlock->mAllocatedLength == kvxAllocatedString &&
+           aBlock->StringPtr() == reinterpret_cast<char*>(aBlock) + kvxSpecialBlock_Size;
 }
 
 // Does `aStr` point into the text, its NUL included?
@@ -694,38 +730,34 @@ vxCString& vxCString::Pad(size_t aCount, char aChar, bool afAtEnd) {
 }
 
 vxCString& vxCString::Trim(bool afFromRight) {
-    size_t theCount = 0;
-    if (afFromRight) {
-        while (theCount < length() && vxIsSpace(mStringPtr[length() - 1 - theCount])) {
-            theCount++;
-        }
-        return Truncate(length() - theCount);
-    }
-    while (theCount < length() && vxIsSpace(mStringPtr[theCount])) {
-        theCount++;
-    }
-    return Erase(0, theCount);
+    return afFromRight ? TrimEnds(false, true) : TrimEnds(true, false);
 }
 
 vxCString& vxCString::TrimLeftRight() {
+    return TrimEnds(true, true);
+}
+
+vxCString& vxCString::TrimEnds(bool afLeft, bool afRight) {
+    const vxByteSet& theSpaces = vxByteSet::Spaces();
     size_t theStart = 0;
     size_t theEnd = length();
-    while (theStart < theEnd && vxIsSpace(mStringPtr[theStart])) {
+    while (afLeft && theStart < theEnd && theSpaces.Has(mStringPtr[theStart])) {
         theStart++;
     }
-    while (theEnd > theStart && vxIsSpace(mStringPtr[theEnd - 1])) {
+    while (afRight && theEnd > theStart && theSpaces.Has(mStringPtr[theEnd - 1])) {
         theEnd--;
     }
     const size_t theLength = theEnd - theStart;
     if (theLength == length()) {
         return *this;
     }
-    if (theStart == 0) {
-        return Truncate(theLength);
-    }
-    if (!IsOwned()) {
-        vxCString theNew(mStringPtr, theStart, theLength);
-        Swap(theNew);
+    if (theLength != 0 && !IsOwned()) {
+        vxCStringData* theOld = mCStringData;
+        const char* theText = mStringPtr + theStart;
+        if (AllocBuffer(theLength)) {
+            memcpy(mStringPtr, theText, theLength);
+            UnlockBlock(theOld);
+        }
         return *this;
     }
     AssignCopy(theLength, mStringPtr + theStart);
@@ -749,8 +781,9 @@ vxCString vxCString::TrimTo1Space() const {
     vxCString theResult(mStringPtr, length());
     size_t theLength = 0;
     bool theInRun = false;
+    const vxByteSet& theSpaces = vxByteSet::Spaces();
     for (size_t i = 0; i < theResult.length(); i++) {
-        const bool theIsSpace = vxIsSpace(mStringPtr[i]);
+        const bool theIsSpace = theSpaces.Has(mStringPtr[i]);
         if (!theIsSpace || !theInRun) {
             theResult.mStringPtr[theLength++] = theIsSpace ? ' ' : mStringPtr[i];
         }
@@ -929,40 +962,33 @@ vxCString vxCString::FromWideChar(const wchar_t* aStr) {
 
 vxCString vxCString::_Concat(const char* aLeft, size_t aLeftLength, const char* aRight,
                              size_t aRightLength) {
+    vxCString theResult;
     const size_t theLength = vxSum(aLeftLength, aRightLength);
-    if (theLength == 0 || !vxCheckBlockLength(theLength)) {
-        return vxCString();
-    }
-    char* theText = static_cast<char*>(vxMalloc(theLength + 1));
-    if (theText == NULL) {
-        return vxCString();
+    if (theLength == 0 || !theResult.AllocInlineBlock(theLength)) {
+        return theResult;
     }
     if (aLeftLength != 0) {
-        memcpy(theText, aLeft, aLeftLength);
+        memcpy(theResult.mStringPtr, aLeft, aLeftLength);
     }
     if (aRightLength != 0) {
-        memcpy(theText + aLeftLength, aRight, aRightLength);
+        memcpy(theResult.mStringPtr + aLeftLength, aRight, aRightLength);
     }
-    theText[theLength] = '\0';
-    return Wrap(theText, theLength, kvxAllocatedString);
+    return theResult;
 }
 
 vxCString vxCString::_ConcatTo(vxCString& aLeft, const char* aRight, size_t aRightLength) {
     const size_t theLength = aLeft.length();
-    const size_t theNewLength = vxSum(theLength, aRightLength);
-    const bool theReuses = aLeft.mCStringData->mAllocatedLength == kvxAllocatedString &&
-                           aLeft.mCStringData->mRefCount == 2 && aRightLength != 0 &&
-                           !aLeft.Holds(aRight) && vxCheckBlockLength(theNewLength);
-    if (!theReuses) {
+    vxCStringData* theBlock = aLeft.mCStringData;
+    if (theBlock->mRefCount != 2 || !HasInlineText(theBlock) || aLeft.Holds(aRight)) {
         return _Concat(aLeft.mStringPtr, theLength, aRight, aRightLength);
     }
-    char* theText = static_cast<char*>(vxRealloc(aLeft.mStringPtr, theNewLength + 1));
-    if (theText == NULL) {
+    vxCString theResult;
+    theResult.Swap(aLeft);
+    if (!theResult.AllocInlineBlock(vxSum(theLength, aRightLength))) {
         return vxCString();
     }
-    memcpy(theText + theLength, aRight, aRightLength);
-    aLeft.mStringPtr = theText;
-    memcpy(aLeft.mCStringData + 1, &theText, sizeof(theText));
-    aLeft.SetLength(theNewLength);
-    return std::move(aLeft);
+    if (aRightLength != 0) {
+        memcpy(theResult.mStringPtr + theLength, aRight, aRightLength);
+    }
+    return theResult;
 }

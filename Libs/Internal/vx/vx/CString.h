@@ -17,7 +17,9 @@
 /// Header of a text block that strings share.
 ///
 /// An ordinary block is one allocation: this header, the text, its NUL. A special block wraps text
-/// that lives elsewhere: this header and one pointer to it. The one shared empty block is static.
+/// that need not be its own: this header and one pointer to it. Concatenations are special blocks
+/// with the exact text behind that pointer, so that one allocation holds them. The one shared empty
+/// block is static.
 ///
 /// Threads:  one at a time; the count is a plain integer.
 struct vxCStringData {
@@ -422,11 +424,12 @@ public:
     /// Returns a wide text in UTF-8; values that are no character are left out.
     static vxCString FromWideChar(const wchar_t* aStr);
 
-    /// Concatenates two texts into one exact allocation, which the result wraps.
+    /// Concatenates two texts into a special block with exactly their bytes; one allocation.
     static vxCString _Concat(const char* aLeft, size_t aLeftLength, const char* aRight,
                              size_t aRightLength);
 
-    /// As _Concat(), in the block of `aLeft` where that is a concatenation that nobody shares.
+    /// As _Concat(), in the block of `aLeft` where that is a concatenation that nobody shares;
+    /// `aLeft` may be empty afterwards.
     static vxCString _ConcatTo(vxCString& aLeft, const char* aRight, size_t aRightLength);
 
 private:
@@ -441,6 +444,8 @@ private:
 
     // Blocks
     bool AllocBuffer(size_t aLength);
+    bool AllocInlineBlock(size_t aLength);
+    static bool HasInlineText(vxCStringData* aBlock);
     bool ReallocBuffer(size_t aLength);
     bool Alloc(size_t aLength);
     bool AllocBeforeWrite(size_t aLength);
@@ -459,6 +464,7 @@ private:
     }
     static void UnlockBlock(vxCStringData* aBlock);
 
+    vxCString& TrimEnds(bool afLeft, bool afRight);
     void DropUnprintable();
 
     char* mStringPtr;             // the text of mCStringData
