@@ -407,7 +407,7 @@ CASE("strings/to_int/libc_strtol", ToInt<std::string>(aState, [](const std::stri
      }));
 
 // Gives a short text without the blanks around it.
-const char kBlanks[] = "  title of a song \t\r\n";
+const char kBlanks[] = "  The Long Way Home, Part Two \t\r\n";
 
 void VxTrim(benchmark::State& aState) {
     const vxCString theSource(kBlanks);

@@ -375,22 +375,14 @@ TEST(CStringTest, ConcatenationTakesStringsTextsAndBytes) {
     EXPECT_EQ(Text(vxCString("a\0", 2) + vxCString("\0b", 2)), std::string("a\0\0b", 4));
 }
 
-TEST(CStringTest, ALongSumGrowsTheTextOfItsFirstTwo) {
+TEST(CStringTest, ALongSumAllocatesOnceForEachSign) {
     const vxCString theA("a");
     vxtest::Allocations theAllocations;
     const vxCString theSum = theA + "b" + 'c' + theA + "";
     EXPECT_EQ(Text(theSum), "abca");
     EXPECT_EQ(Block(theSum).mAllocatedLength, vxCString::kvxAllocatedString);
     EXPECT_EQ(Block(theSum).mRefCount, 2);
-    EXPECT_EQ(theAllocations.Mallocs() + theAllocations.Reallocs(), 4u);  // one for each sign
-    EXPECT_EQ(Text(vxCString("ordinary") + "!"), "ordinary!");
-
-    vxCString theOther = theA + "z";
-    const vxCString theCopy(theOther);
-    EXPECT_EQ(Text(std::move(theOther) + "!"), "az!");
-    EXPECT_EQ(Text(theCopy), "az");
-    vxCString theOwn = theA + "y";
-    EXPECT_EQ(Text(std::move(theOwn) + theOwn.c_str()), "ayay");
+    EXPECT_EQ(theAllocations.Mallocs() + theAllocations.Reallocs(), 4u);
 }
 
 // Access

@@ -38,19 +38,34 @@ int vxResolveBase(const char*& aStr, int aBase) {
     return 8;
 }
 
+// Reads up to nineteen decimal digits, which cannot overflow: most numbers end there. Two at a time
+// keep the chain of multiplications short.
+uint64_t vxReadFirstDigits(const char*& aStr) {
+    uint64_t theValue = 0;
+    const char* theStr = aStr;
+    for (int i = 0; i < 9; i++) {
+        const unsigned theTens = static_cast<unsigned char>(theStr[0]) - unsigned{'0'};
+        if (theTens > 9) {
+            break;
+        }
+        const unsigned theOnes = static_cast<unsigned char>(theStr[1]) - unsigned{'0'};
+        if (theOnes > 9) {
+            theValue = theValue * 10 + theTens;
+            theStr++;
+            break;
+        }
+        theValue = theValue * 100 + (theTens * 10 + theOnes);
+        theStr += 2;
+    }
+    aStr = theStr;
+    return theValue;
+}
+
 bool vxReadMagnitude(const char* aStr, unsigned aBase, uint64_t* aMagnitude) {
     if (*aStr == '\0') {
         return false;
     }
-    uint64_t theValue = 0;
-    if (aBase == 10) {
-        // Eighteen digits cannot overflow: most numbers end here. Two at a time keep the chain of
-        // multiplications short.
-        for (int i = 0; i < 9 && vxIsDecimalDigit(aStr[0]) && vxIsDecimalDigit(aStr[1]); i++) {
-            theValue = theValue * 100 + static_cast<unsigned>(aStr[0] * 10 + aStr[1] - '0' * 11);
-            aStr += 2;
-        }
-    }
+    uint64_t theValue = aBase == 10 ? vxReadFirstDigits(aStr) : 0;
     for (; *aStr != '\0'; aStr++) {
         const unsigned theDigit = static_cast<unsigned>(vxDigitValue(*aStr));
         if (theDigit >= aBase || __builtin_mul_overflow(theValue, aBase, &theValue) ||

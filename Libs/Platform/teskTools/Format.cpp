@@ -26,6 +26,14 @@ public:
         }
     }
 
+    void PutByte(char aChar) {
+        mTotal++;
+        if (mRoom != 0) {
+            *mNext++ = aChar;
+            mRoom--;
+        }
+    }
+
     void Fill(char aChar, size_t aCount) {
         const size_t theCount = Take(aCount);
         if (theCount != 0) {
@@ -177,7 +185,7 @@ void vxPutPadded(vxFormatSink& aSink, const vxConversion& aConversion, const cha
         aSink.Fill(' ', thePad);
     }
     if (theSignLength != 0) {
-        aSink.Put(aSign, 1);
+        aSink.PutByte(*aSign);
     }
     if (aZeros != 0) {
         aSink.Fill('0', aZeros);
@@ -359,17 +367,14 @@ bool vxPutArgument(vxFormatSink& aSink, const vxConversion& aConversion, vxArgum
 // Writes the whole format; false when it holds something that is left to the C library.
 bool vxPutFormat(vxFormatSink& aSink, const char* aFormat, vxArguments& anArgs) {
     while (*aFormat != '\0') {
-        const char* theRun = aFormat;
-        aFormat = strchrnul(aFormat, '%');
-        if (aFormat != theRun) {
-            aSink.Put(theRun, static_cast<size_t>(aFormat - theRun));
-        }
-        if (*aFormat == '\0') {
-            break;
+        // Text between conversions is a few bytes long, as a rule.
+        if (*aFormat != '%') {
+            aSink.PutByte(*aFormat++);
+            continue;
         }
         aFormat++;
         if (*aFormat == '%') {
-            aSink.Put(aFormat++, 1);
+            aSink.PutByte(*aFormat++);
             continue;
         }
         vxConversion theConversion;

@@ -1,5 +1,5 @@
-// A search hunts for two bytes of the needle, the first and the last, and compares the needle where
-// both stand at their distance: fast on ordinary text, where such places are rare. Where candidates
+// A search hunts for two bytes of the needle, those that are rarest in ordinary text, and compares
+// the needle where both stand at their distance: such places are rare. Where candidates
 // keep failing late, a budget of compared bytes runs out and a search takes over that never looks at
 // a byte twice.
 
@@ -63,6 +63,45 @@ size_t vxSearchByLinks(const View& aText, const View& aNeedle) {
     return theResult;
 }
 
+// Bytes that are common in prose and in markup, the most common last; no other byte counts.
+constexpr char kvxCommonBytes[] = "zqxjkvbpygfwmucl/.,-\"<>=0drhsnioate ";
+
+struct vxCommonness {
+    constexpr vxCommonness() : mRanks() {
+        for (size_t i = 0; kvxCommonBytes[i] != '\0'; i++) {
+            mRanks[static_cast<unsigned char>(kvxCommonBytes[i])] = static_cast<uint8_t>(i + 1);
+        }
+    }
+    uint8_t mRanks[256];
+};
+constexpr vxCommonness kvxCommonness;
+
+// The two places of a needle to hunt for; the same one where it is a single byte.
+template <typename Match>
+struct vxRarePlaces {
+    vxRarePlaces(const char* aNeedle, size_t aLength) {
+        constexpr size_t kvxLookedAt = 16;  // bytes; more would cost short searches too much
+        const size_t theLength = aLength < kvxLookedAt ? aLength : kvxLookedAt;
+        unsigned theRank = 256, theOtherRank = 256;
+        for (size_t i = 0; i < theLength; i++) {
+            const uint8_t theByte = static_cast<uint8_t>(Match::Spelling(aNeedle[i]));
+            const unsigned theCommonness = kvxCommonness.mRanks[theByte];
+            if (theCommonness < theRank) {
+                mOther = mPlace;
+                theOtherRank = theRank;
+                mPlace = i;
+                theRank = theCommonness;
+            } else if (theCommonness < theOtherRank) {
+                mOther = i;
+                theOtherRank = theCommonness;
+            }
+        }
+    }
+
+    size_t mPlace = 0;
+    size_t mOther = 0;
+};
+
 // Bytes that comparisons may look at before the other search takes over.
 size_t vxBudget(size_t aLength) {
     return aLength < SIZE_MAX / 8 ? aLength * 4 + 256 : SIZE_MAX;
@@ -89,6 +128,8 @@ struct vxExact {
         char mByte;
         vxByteBlock mBlock;
     };
+
+    static char Spelling(char aByte) { return aByte; }
 
     static size_t Common(const char* aLeft, const char* aRight, size_t aLength) {
         size_t i = 0;
@@ -122,6 +163,8 @@ struct vxCaseless {
         vxByteBlock mBlock, mBits;
     };
 
+    static char Spelling(char aByte) { return vxFold(aByte); }
+
     static size_t Common(const char* aLeft, const char* aRight, size_t aLength) {
         return vxSearch_CommonNoCase(aLeft, aRight, aLength);
     }
@@ -142,14 +185,22 @@ public:
           mStarts(aLength - aNeedleLength + 1),
           mNeedle(aNeedle),
           mNeedleLength(aNeedleLength),
-          mFirst(aNeedle[0]),
-          mLast(aNeedle[aNeedleLength - 1]),
+          mPlaces(aNeedle, aNeedleLength),
+          mByte(aNeedle[mPlaces.mPlace]),
+          mOther(aNeedle[mPlaces.mOther]),
           mBudget(vxBudget(aLength)) {}
 
     const char* Search() {
         size_t i = 0;
         if (kvxHasByteBlocks) {
             constexpr size_t theStride = 4 * kvxByteBlock_Size;
+            if (kvxByteBlock_Size <= mStarts) {
+                // A match close by is found without looking far ahead.
+                if (TryBlock(HitsAt(0), 0)) {
+                    return mResult;
+                }
+                i = kvxByteBlock_Size;
+            }
             while (i + theStride <= mStarts) {
                 // Most strides hold nothing, and are left after one look.
                 const vxByteBlock theHits[] = {HitsAt(i), HitsAt(i + kvxByteBlock_Size),
@@ -173,8 +224,8 @@ public:
             }
         }
         for (; i < mStarts; i++) {
-            if (mFirst.Matches(mText[i]) && mLast.Matches(mText[i + mNeedleLength - 1]) &&
-                TryAt(i)) {
+            if (mByte.Matches(mText[i + mPlaces.mPlace]) &&
+                mOther.Matches(mText[i + mPlaces.mOther]) && TryAt(i)) {
                 return mResult;
             }
         }
@@ -183,8 +234,8 @@ public:
 
 private:
     vxByteBlock HitsAt(size_t aPos) const {
-        return mFirst.Matches(vxByteBlock_Load(mText + aPos)) &
-               mLast.Matches(vxByteBlock_Load(mText + aPos + mNeedleLength - 1));
+        return mByte.Matches(vxByteBlock_Load(mText + aPos + mPlaces.mPlace)) &
+               mOther.Matches(vxByteBlock_Load(mText + aPos + mPlaces.mOther));
     }
 
     bool TryBlock(const vxByteBlock& aBlock, size_t aPos) {
@@ -216,7 +267,8 @@ private:
     size_t mStarts;  // places where the needle may begin
     const char* mNeedle;
     size_t mNeedleLength;
-    typename Match::Byte mFirst, mLast;
+    vxRarePlaces<Match> mPlaces;
+    typename Match::Byte mByte, mOther;  // the bytes there
     size_t mBudget;
     const char* mResult = nullptr;
 };

@@ -243,14 +243,12 @@ void vxCString::UnlockBlock(vxCStringData* aBlock) {
     }
 }
 
-// Makes a special block that owns `aLength` bytes of text, exact and directly behind its pointer,
-// or moves the string's block of that kind to the new length.
+// Makes a special block that owns `aLength` bytes of text, exact and directly behind its pointer.
 bool vxCString::AllocInlineBlock(size_t aLength) {
     if (!vxCheckBlockLength(aLength)) {
         return false;
     }
-    void* theOld = IsEmpty() ? NULL : mCStringData;
-    void* theBlock = vxRealloc(theOld, kvxSpecialBlock_Size + aLength + 1);
+    void* theBlock = vxMalloc(kvxSpecialBlock_Size + aLength + 1);
     if (theBlock == NULL) {
         return false;
     }
@@ -634,6 +632,11 @@ void vxCString::ConcatSelf(size_t aLength, const char* aStr, size_t aMax) {
     }
     const size_t theLength = length();
     const size_t theNewStringLength = vxSum(theLength, theCount);
+    if (mCStringData->mRefCount == 1 && theNewStringLength <= mCStringData->mAllocatedLength) {
+        memmove(mStringPtr + theLength, aStr, theCount);
+        SetLength(theNewStringLength);
+        return;
+    }
     if (mCStringData->IsShared()) {
         vxCStringData* theOld = mCStringData;
         const char* theText = mStringPtr;
@@ -972,23 +975,6 @@ vxCString vxCString::_Concat(const char* aLeft, size_t aLeftLength, const char* 
     }
     if (aRightLength != 0) {
         memcpy(theResult.mStringPtr + aLeftLength, aRight, aRightLength);
-    }
-    return theResult;
-}
-
-vxCString vxCString::_ConcatTo(vxCString& aLeft, const char* aRight, size_t aRightLength) {
-    const size_t theLength = aLeft.length();
-    vxCStringData* theBlock = aLeft.mCStringData;
-    if (theBlock->mRefCount != 2 || !HasInlineText(theBlock) || aLeft.Holds(aRight)) {
-        return _Concat(aLeft.mStringPtr, theLength, aRight, aRightLength);
-    }
-    vxCString theResult;
-    theResult.Swap(aLeft);
-    if (!theResult.AllocInlineBlock(vxSum(theLength, aRightLength))) {
-        return vxCString();
-    }
-    if (aRightLength != 0) {
-        memcpy(theResult.mStringPtr + theLength, aRight, aRightLength);
     }
     return theResult;
 }

@@ -389,7 +389,7 @@ public:
     int CompareNoCase(const char* aStr) const;
 
     bool operator==(const vxCString& aStr) const {
-        return length() == aStr.length() && memcmp(mStringPtr, aStr.mStringPtr, length()) == 0;
+        return length() == aStr.length() && HasSameBytes(aStr);
     }
     bool operator==(const char* aStr) const { return Compare(aStr) == 0; }
     bool operator!=(const vxCString& aStr) const { return !(*this == aStr); }
@@ -428,12 +428,9 @@ public:
     static vxCString _Concat(const char* aLeft, size_t aLeftLength, const char* aRight,
                              size_t aRightLength);
 
-    /// As _Concat(), in the block of `aLeft` where that is a concatenation that nobody shares;
-    /// `aLeft` may be empty afterwards.
-    static vxCString _ConcatTo(vxCString& aLeft, const char* aRight, size_t aRightLength);
-
 private:
     void Construct(const char* aStr, size_t aPos, size_t aLength);
+    bool HasSameBytes(const vxCString& aStr) const;
     void Share(const vxCString& aCString);
     void TakeFrom(vxCString& aCString) noexcept;
     void SetLength(size_t aLength) {
@@ -471,6 +468,20 @@ private:
     vxCStringData* mCStringData;  // never null
 };
 
+// For texts of the same length. Titles and paths that differ often begin alike: the end comes first.
+inline bool vxCString::HasSameBytes(const vxCString& aStr) const {
+    const size_t theLength = length();
+    uint64_t theEnd, theOtherEnd;
+    if (theLength >= sizeof(theEnd)) {
+        memcpy(&theEnd, mStringPtr + theLength - sizeof(theEnd), sizeof(theEnd));
+        memcpy(&theOtherEnd, aStr.mStringPtr + theLength - sizeof(theEnd), sizeof(theEnd));
+        if (theEnd != theOtherEnd) {
+            return false;
+        }
+    }
+    return mStringPtr == aStr.mStringPtr || memcmp(mStringPtr, aStr.mStringPtr, theLength) == 0;
+}
+
 inline void vxCString::Share(const vxCString& aCString) {
     // A block whose write buffer is out has no length, and so is never shared.
     if (aCString.IsEmpty()) {
@@ -498,17 +509,6 @@ inline vxCString operator+(const vxCString& aLeft, char aRight) {
 }
 inline vxCString operator+(char aLeft, const vxCString& aRight) {
     return vxCString::_Concat(&aLeft, 1, aRight.c_str(), aRight.length());
-}
-
-// A sum of several texts grows the block of its first two.
-inline vxCString operator+(vxCString&& aLeft, const vxCString& aRight) {
-    return vxCString::_ConcatTo(aLeft, aRight.c_str(), aRight.length());
-}
-inline vxCString operator+(vxCString&& aLeft, const char* aRight) {
-    return vxCString::_ConcatTo(aLeft, aRight, aRight == NULL ? 0 : strlen(aRight));
-}
-inline vxCString operator+(vxCString&& aLeft, char aRight) {
-    return vxCString::_ConcatTo(aLeft, &aRight, 1);
 }
 
 inline bool operator==(const char* aLeft, const vxCString& aRight) {
