@@ -125,7 +125,7 @@ private:
     vxJSONSlab* mSlab;  // null: none is open
     uint32_t mLive;     // cells cut from it
     size_t mNextSize;   // of the next slab
-    size_t mLimit;      // bytes that slabs may still take
+    [[maybe_unused]] size_t mLimit;  // bytes that slabs may still take
 };
 
 /// Collects the children of the container that is being filled.
