@@ -5,7 +5,9 @@
 #include "TerminalText.h"
 #include "vx/CommandLineParser.h"
 #include "vx/DataBuffer.h"
+#include "vx/Error.h"
 #include "vx/FileHelper.h"
+#include "vx/PathName.h"
 
 namespace vxmedia {
 
@@ -34,8 +36,8 @@ bool LoadScript(const vxCString& aPath, std::string& aLines) {
     const vxError theError =
         vxFileHelper::LoadInBuffer(vxPathName::MakeFilePath(thePath), theBuffer,
                                    kvxFileLoadOption_None, kArguments_MaxScriptSize);
-    if (theError.GetCode() != 0) {
-        const vxCString theText = vxCString("ERROR: ") + theError.GetMessage();
+    if (theError != 0) {
+        const vxCString theText = vxCString("ERROR: ") + theError.GetErrorStr();
         vxConsole_Printf("%s\n", EscapeForTerminal(theText, EscapeMode::Text).c_str());
         return false;
     }

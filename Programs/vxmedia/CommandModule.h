@@ -2,6 +2,9 @@
 
 #include "Console.h"
 #include "vx/CLIApplet.h"
+#include "vx/CLICommand.h"
+#include "vx/CLICommandSet.h"
+#include "vx/CLIParameter.h"
 
 namespace vxmedia {
 

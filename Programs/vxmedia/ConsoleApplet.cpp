@@ -40,15 +40,8 @@ vxAppletMsg ConsoleApplet::AppletLoop(vxAppletMsg) {
         mfReadable = false;
         ReadInput();
     }
-    for (int i = 0; i < kConsole_LinesPerStep; ++i) {
-        if (mScanApplet.IsScanning()) {
-            return vxAppletMsg_None;
-        }
-        if (!ExecuteNextLine()) {
-            break;
-        }
-    }
-    if (mScanApplet.IsScanning()) {
+    for (int i = 0; i < kConsole_LinesPerStep && !IsHeld() && ExecuteNextLine(); ++i) {}
+    if (IsHeld()) {
         return vxAppletMsg_None;
     }
     if (mLines.HasLine()) {

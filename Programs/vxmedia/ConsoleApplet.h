@@ -45,6 +45,8 @@ public:
 private:
     void ReadInput();
     bool ExecuteNextLine();
+    /// Whether no line may be executed now: a scan goes on, or "exit" was the last line.
+    bool IsHeld() const { return mScanApplet.IsScanning() || mInterpreter.HasExited(); }
     bool IsDone() const { return mLines.HasEnded() && !mLines.HasLine(); }
 
     Console& mConsole;

@@ -18,6 +18,7 @@ bool Interpreter::Execute(const vxCString& aLine) {
         return false;
     }
     if (theCommand->IsExit()) {
+        mfExited = true;
         mExit();
         return true;
     }

@@ -21,6 +21,9 @@ public:
     /// Sets what the command "exit" calls.
     void SetExitCallback(std::function<void()> aCallback) { mExit = std::move(aCallback); }
 
+    /// Returns whether "exit" was executed: no line is to follow.
+    bool HasExited() const { return mfExited; }
+
     /// Executes a line, prints what it answers or its error, and returns whether it succeeded.
     ///
     /// A scan that the line starts may go on when this returns.
@@ -34,6 +37,7 @@ private:
     vxRef<vxCLIManager> mManager;
     std::vector<vxRef<CommandModule>> mModules;
     std::function<void()> mExit;
+    bool mfExited = false;
 };
 
 }  // namespace vxmedia

@@ -1,6 +1,8 @@
 // vxmedia, the media library console: reads the headers of media files and answers about them.
 
+#include <fcntl.h>
 #include <libvxLog/Handlers.h>
+#include <unistd.h>
 
 #include <cstdlib>
 
@@ -9,21 +11,44 @@
 
 namespace {
 
-// What goes wrong with a file or a text is answered on the console. The library's own records of it
-// would come twice; whoever wants them asks for them in the environment.
+// A standard descriptor that is closed would be taken by the next thing that is opened, which would
+// then be read as if it were the input.
+void OpenStandardDescriptors() {
+    int theFD;
+    do {
+        theFD = open("/dev/null", O_RDWR | O_CLOEXEC);
+    } while (theFD >= 0 && theFD <= STDERR_FILENO);
+    close(theFD);
+}
+
+// What goes wrong with a file, a text or an argument is answered on the console. The library's own
+// records of it would come twice; whoever wants them asks for them in the environment.
 void KeepLogQuiet() {
-    if (getenv("VXLOG") == NULL) {
-        vxLog_SetLevel(VXLOG_M_FILE, VXLOGLEVEL_NONE);
-        vxLog_SetLevel(VXLOG_M_JSON, VXLOGLEVEL_NONE);
+    constexpr vxLogModule kModules[] = {VXLOG_M_FILE, VXLOG_M_JSON, VXLOG_M_DEFAULT};
+    for (const vxLogModule theModule : kModules) {
+        vxLog_SetLevel(theModule, VXLOGLEVEL_NONE);
     }
+}
+
+vxmedia::ArgumentResult ReadArgumentsQuietly(int anArgumentCount, char** anArguments,
+                                             vxmedia::ProgramOptions& anOptions) {
+    const int theLevel = vxLog_GetLevel(VXLOG_M_DEFAULT);
+    if (getenv("VXLOG") == NULL) {
+        KeepLogQuiet();
+    }
+    const vxmedia::ArgumentResult theResult =
+        vxmedia::ReadArguments(anArgumentCount, anArguments, anOptions);
+    // References that are watched are logged here.
+    vxLog_SetLevel(VXLOG_M_DEFAULT, theLevel);
+    return theResult;
 }
 
 }  // namespace
 
 int main(int anArgumentCount, char** anArguments) {
-    KeepLogQuiet();
+    OpenStandardDescriptors();
     vxmedia::ProgramOptions theOptions;
-    switch (vxmedia::ReadArguments(anArgumentCount, anArguments, theOptions)) {
+    switch (ReadArgumentsQuietly(anArgumentCount, anArguments, theOptions)) {
         case vxmedia::ArgumentResult::Help:
             return 0;
         case vxmedia::ArgumentResult::Error:

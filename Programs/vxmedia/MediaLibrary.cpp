@@ -69,9 +69,9 @@ void MediaLibrary::EndScan(const vxCString& aRoot) {
     });
 }
 
-vxRef<MediaItem> MediaLibrary::FindItem(uint32_t anID) const {
+MediaItem* MediaLibrary::FindItem(uint32_t anID) const {
     const auto thePlace = mPlaces.find(anID);
-    return thePlace == mPlaces.end() ? vxRef<MediaItem>() : thePlace->second.mItem;
+    return thePlace == mPlaces.end() ? NULL : thePlace->second.mItem.Get();
 }
 
 std::vector<MediaLibrary::ReasonCount> MediaLibrary::CountReasons() const {

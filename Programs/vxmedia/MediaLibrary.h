@@ -39,8 +39,10 @@ public:
     /// Returns the items in the order of their paths, compared byte by byte.
     const ItemMap& GetItems() const { return mItems; }
 
-    /// Returns the item of that number, or a null handle.
-    vxRef<MediaItem> FindItem(uint32_t anID) const;
+    /// Returns the item of that number, or null.
+    ///
+    /// Owner:    the library; who keeps it longer than until the next scan takes a handle.
+    MediaItem* FindItem(uint32_t anID) const;
 
     /// One reason of refusals and how many files it holds for.
     using ReasonCount = std::pair<vxCString, uint64_t>;

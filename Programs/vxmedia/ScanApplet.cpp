@@ -189,15 +189,13 @@ void ScanApplet::Refuse(const vxCString& aPath, const char* aReason) {
 }
 
 vxCString ScanApplet::GetReport() const {
-    vxCString theReport = vxCString("Scanned ") +
-                          EscapeForTerminal(mJobs.front().mRoot, EscapeMode::Name) +
-                          vxCString::Format(
-                              ": %llu media files, %llu others, %llu refused, "
-                              "%llu directories\n",
-                              static_cast<unsigned long long>(mMediaCount),
-                              static_cast<unsigned long long>(mOtherCount),
-                              static_cast<unsigned long long>(mRefusalCount),
-                              static_cast<unsigned long long>(mDirectoryCount));
+    vxCString theReport =
+        vxCString("Scanned ") + EscapeForTerminal(mJobs.front().mRoot, EscapeMode::Name) +
+        vxCString::Format(": media %llu, others %llu, refused %llu, directories %llu\n",
+                          static_cast<unsigned long long>(mMediaCount),
+                          static_cast<unsigned long long>(mOtherCount),
+                          static_cast<unsigned long long>(mRefusalCount),
+                          static_cast<unsigned long long>(mDirectoryCount));
     for (const Refusal& theRefusal : mFirstRefusals) {
         theReport += "  refused ";
         theReport += EscapeForTerminal(theRefusal.mPath, EscapeMode::Name);

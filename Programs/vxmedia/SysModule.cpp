@@ -6,7 +6,6 @@
 #include "TerminalText.h"
 #include "TimerApplet.h"
 #include "vx/BitString.h"
-#include "vx/CountedDataBuffer.h"
 #include "vx/GrowingBuffer.h"
 #include "vx/JSON.h"
 
@@ -91,8 +90,9 @@ void SysModule::ShowIdle() {
 }
 
 bool SysModule::Watch(uint32_t anID) {
-    const vxRef<MediaItem> theItem = mLibrary.FindItem(anID);
-    if (theItem.IsNull()) {
+    // A handle here would be the first reference to go.
+    MediaItem* theItem = mLibrary.FindItem(anID);
+    if (theItem == NULL) {
         return Answer(vxCString::Format("ERROR: There is no media file %u", anID));
     }
     theItem->Watch();
@@ -130,11 +130,13 @@ bool SysModule::ShowJSON(const vxCString& aPath, const vxCString& aText) {
                                         static_cast<unsigned long>(thePosition + 1)));
     }
     // "$" alone stands for the whole document.
-    vxJSONEntry theResult = theDocument;
-    if (aPath != "$" && !vxJSONPath::FetchEntry(theDocument, aPath, theResult)) {
+    const bool theIsWhole = aPath == "$";
+    vxJSONEntry theResult;
+    if (!theIsWhole && !vxJSONPath::FetchEntry(theDocument, aPath, theResult)) {
         return Answer(vxCString("ERROR: There is no '") + aPath + "' in the text");
     }
-    mConsole.PrintLine(EscapeForTerminal(theResult.ToString(true), EscapeMode::Lines));
+    const vxJSONEntry& theShown = theIsWhole ? theDocument : theResult;
+    mConsole.PrintLine(EscapeForTerminal(theShown.ToString(true), EscapeMode::Lines));
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include "CommandModule.h"
 #include "MediaLibrary.h"
 #include "vx/ActivityManager.h"
+#include "vx/CountedDataBuffer.h"
 
 namespace vxmedia {
 
