@@ -1,0 +1,122 @@
+#include "MediaLibrary.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace vxmedia;
+
+namespace {
+
+MediaReading Picture(uint32_t aWidth) {
+    MediaReading theReading;
+    theReading.mFormat = &kMediaFormat_GIF;
+    theReading.mFacts.mWidth = theReading.mFacts.mHeight = aWidth;
+    return theReading;
+}
+
+std::string Paths(const MediaLibrary& aLibrary) {
+    std::string theText;
+    for (const auto& theEntry : aLibrary.GetItems()) {
+        theText += std::to_string(theEntry.second->GetID()) + ":" + theEntry.first.c_str() + " ";
+    }
+    return theText;
+}
+
+// A scan that finds pictures at these paths.
+void Scan(MediaLibrary& aLibrary, const char* aRoot, std::initializer_list<const char*> aPaths) {
+    aLibrary.BeginScan();
+    for (const char* thePath : aPaths) {
+        aLibrary.AddItem(thePath, 10, Picture(5));
+    }
+    aLibrary.EndScan(aRoot);
+}
+
+TEST(MediaLibraryTest, ItemsAreNumberedAsFoundAndSortedByPath) {
+    MediaLibrary theLibrary;
+    Scan(theLibrary, "r", {"r/b", "r/a", "r/B", "r/\xFF", "r/a/x"});
+    EXPECT_EQ(Paths(theLibrary), "3:r/B 2:r/a 5:r/a/x 1:r/b 4:r/\xFF ");
+}
+
+TEST(MediaLibraryTest, AnotherScanKeepsWhatIsThereAndForgetsWhatIsGone) {
+    MediaLibrary theLibrary;
+    Scan(theLibrary, "r", {"r/a", "r/b"});
+    const vxRef<MediaItem> theItem = theLibrary.FindItem(2);
+
+    Scan(theLibrary, "r", {"r/b", "r/c"});
+
+    EXPECT_EQ(Paths(theLibrary), "2:r/b 3:r/c ");
+    EXPECT_EQ(theLibrary.FindItem(1), nullptr);
+    EXPECT_EQ(theLibrary.FindItem(2), theItem.Get());
+    EXPECT_EQ(theLibrary.FindItem(0), nullptr);
+    EXPECT_EQ(theLibrary.FindItem(4), nullptr);
+}
+
+TEST(MediaLibraryTest, OnlyWhatLiesBelowTheRootIsForgotten) {
+    MediaLibrary theLibrary;
+    Scan(theLibrary, "r", {"r/a", "r/s/b", "r/s-1", "r/sub"});
+    Scan(theLibrary, "r/s", {});
+    EXPECT_EQ(Paths(theLibrary), "1:r/a 3:r/s-1 4:r/sub ");
+    Scan(theLibrary, "r/sub", {});
+    EXPECT_EQ(Paths(theLibrary), "1:r/a 3:r/s-1 ");
+    Scan(theLibrary, "q", {"q/x"});
+    Scan(theLibrary, "/", {"/y"});
+    EXPECT_EQ(Paths(theLibrary), "6:/y 5:q/x 1:r/a 3:r/s-1 ");
+    Scan(theLibrary, "/", {});
+    EXPECT_EQ(Paths(theLibrary), "5:q/x 1:r/a 3:r/s-1 ");
+}
+
+TEST(MediaLibraryTest, RefusalsAndOthersAreCountedOnce) {
+    MediaLibrary theLibrary;
+    for (int i = 0; i < 2; ++i) {
+        theLibrary.BeginScan();
+        DirectoryCounts theCounts;
+        theCounts.mOtherFiles = 2;
+        theCounts.mLinks = 3;
+        theCounts.mSpecialFiles = 4;
+        theLibrary.AddDirectory("r", theCounts);
+        theLibrary.AddDirectory("r/s", theCounts);
+        theLibrary.AddRefusal("r/x", "z");
+        theLibrary.AddRefusal("r/y", "a");
+        theLibrary.AddRefusal("r/s/y", "z");
+        theLibrary.EndScan("r");
+    }
+    EXPECT_EQ(theLibrary.GetDirectoryCount(), 2u);
+    EXPECT_EQ(theLibrary.GetRefusalCount(), 3u);
+    EXPECT_EQ(theLibrary.CountOthers().mOtherFiles, 4u);
+    EXPECT_EQ(theLibrary.CountOthers().mLinks, 6u);
+    EXPECT_EQ(theLibrary.CountOthers().mSpecialFiles, 8u);
+    const auto theReasons = theLibrary.CountReasons();
+    ASSERT_EQ(theReasons.size(), 2u);
+    EXPECT_STREQ(theReasons[0].first, "a");
+    EXPECT_EQ(theReasons[0].second, 1u);
+    EXPECT_STREQ(theReasons[1].first, "z");
+    EXPECT_EQ(theReasons[1].second, 2u);
+
+    theLibrary.BeginScan();
+    theLibrary.AddItem("r/x", 10, Picture(5));
+    theLibrary.EndScan("r/x");
+    EXPECT_EQ(theLibrary.GetRefusalCount(), 2u);
+}
+
+TEST(MediaLibraryTest, AnotherScanRenewsTheFacts) {
+    MediaLibrary theLibrary;
+    Scan(theLibrary, "r", {"r/a"});
+    theLibrary.BeginScan();
+    theLibrary.AddItem("r/a", 20, Picture(7));
+    theLibrary.EndScan("r");
+    EXPECT_EQ(theLibrary.FindItem(1)->GetSize(), 20u);
+    EXPECT_EQ(theLibrary.FindItem(1)->GetFacts().mWidth, 7u);
+}
+
+TEST(MediaLibraryTest, AFileThatBreaksIsNoItemAnyMore) {
+    MediaLibrary theLibrary;
+    Scan(theLibrary, "r", {"r/a"});
+    theLibrary.BeginScan();
+    theLibrary.AddRefusal("r/a", "broken");
+    theLibrary.EndScan("r");
+    EXPECT_EQ(Paths(theLibrary), "");
+    EXPECT_EQ(theLibrary.GetRefusalCount(), 1u);
+}
+
+}  // namespace
