@@ -1,5 +1,6 @@
 // Years are counted from March 1, so that the leap day is the last of its year and the lengths of
-// the months before a date follow one formula.
+// the months before a date follow one formula. Taking seconds apart uses 32-bit numbers alone: the
+// target divides wider ones slowly.
 
 #include "Calendar.h"
 
@@ -8,6 +9,13 @@ namespace {
 // Days from 0000-03-01 to 1970-01-01, and from 1900-03-01.
 constexpr int64_t kvxCalendar_DaysFromYear0 = 719468;
 constexpr uint32_t kvxCalendar_DaysFrom1900 = 25508;
+
+// 2^31 seconds are so many days and seconds.
+constexpr uint32_t kvxCalendar_HalfRangeDays = 24855;
+constexpr int32_t kvxCalendar_HalfRangeRest = 11648;
+
+// Added to a time of day before the division, so that an offset cannot make it negative.
+constexpr uint32_t kvxCalendar_SpareDays = 3;
 
 // Days before a month, counted from March: (153 m + 2) / 5.
 constexpr int64_t vxDaysBefore(int64_t aMonthFromMarch) {
@@ -37,12 +45,17 @@ int64_t vxCalendar_Seconds(const vxtm& aFields) {
            int64_t{aFields.tm_min} * 60 + aFields.tm_sec;
 }
 
-void vxCalendar_Fill(int64_t aSeconds, vxtm& aFields) {
+void vxCalendar_Fill(int32_t aSeconds, int32_t anOffset, vxtm& aFields) {
+    constexpr uint32_t kSecondsPerDay = kvxCalendar_SecondsPerDay;
+    const uint32_t theInstant = static_cast<uint32_t>(aSeconds) ^ 0x80000000U;
+    const uint32_t theShifted = theInstant % kSecondsPerDay +
+                                kvxCalendar_SpareDays * kSecondsPerDay +
+                                static_cast<uint32_t>(anOffset - kvxCalendar_HalfRangeRest);
+    const uint32_t theTime = theShifted % kSecondsPerDay;
+    const uint32_t theDay = theInstant / kSecondsPerDay + theShifted / kSecondsPerDay +
+                            kvxCalendar_DaysFrom1900 - kvxCalendar_HalfRangeDays -
+                            kvxCalendar_SpareDays;
     // Between 1900-03-01 and 2100-02-28 every fourth year is a leap year, so 1461 days are a cycle.
-    const uint64_t theShifted = static_cast<uint64_t>(aSeconds + int64_t{kvxCalendar_DaysFrom1900} *
-                                                                     kvxCalendar_SecondsPerDay);
-    const uint32_t theDay = static_cast<uint32_t>(theShifted / kvxCalendar_SecondsPerDay);
-    const uint32_t theTime = static_cast<uint32_t>(theShifted % kvxCalendar_SecondsPerDay);
     const uint32_t theYear = (4 * theDay + 3) / 1461;
     const uint32_t theYearDay = (4 * theDay + 3) % 1461 / 4;
     // 2141 / 65536 is close enough to 5 / 153 for a year's days, and a multiplication.

@@ -12,7 +12,6 @@ int64_t vxCalendar_DayNumber(int64_t aYear, int32_t aMonth, int64_t aDay);
 /// Returns the seconds since 1970 that the fields, whatever their range, would be in UTC.
 int64_t vxCalendar_Seconds(const vxtm& aFields);
 
-/// Fills the fields from seconds since 1970, all but `tm_isdst`; milliseconds become 0.
-///
-/// The seconds lie within two days of what 32 bits hold.
-void vxCalendar_Fill(int64_t aSeconds, vxtm& aFields);
+/// Fills the fields, all but `tm_isdst`, from seconds since 1970 and the offset of the clock, which
+/// is less than two days; milliseconds become 0.
+void vxCalendar_Fill(int32_t aSeconds, int32_t anOffset, vxtm& aFields);

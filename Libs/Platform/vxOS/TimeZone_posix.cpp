@@ -21,12 +21,19 @@
 
 #include <unistd.h>
 
+constexpr int kvxTimeZone_SpanBits = 22;
+constexpr size_t kvxTimeZone_SpanCount = size_t{1} << (32 - kvxTimeZone_SpanBits);
+
+struct vxTimeZone {
+    std::string mEntry;  // "TZ=...", or empty where the environment has none
+    vxTimeZone* mNext;
+    std::atomic<uint64_t> mSpans[kvxTimeZone_SpanCount];  // 0: not asked for yet
+};
+
 namespace {
 
-constexpr int kvxTimeZone_SpanBits = 22;
 constexpr int kvxTimeZone_StepBits = 16;
 constexpr int64_t kvxTimeZone_SpanLength = int64_t{1} << kvxTimeZone_SpanBits;
-constexpr size_t kvxTimeZone_SpanCount = size_t{1} << (32 - kvxTimeZone_SpanBits);
 
 // A span in one word: offset before the change, offset from it on, its second within the span, and
 // what is known. Without a change both offsets are the same.
@@ -37,19 +44,13 @@ constexpr int kvxTimeZone_ChangeShift = 2 * kvxTimeZone_HalfBits;
 constexpr uint64_t kvxTimeZone_Known = uint64_t{1} << 62;
 constexpr uint64_t kvxTimeZone_Irregular = uint64_t{1} << 63;
 
-struct vxZone {
-    std::string mEntry;  // "TZ=...", or empty where the environment has none
-    vxZone* mNext;
-    std::atomic<uint64_t> mSpans[kvxTimeZone_SpanCount];
-};
-
 // Where a thread saw TZ last, or the end of an environment without it.
 struct vxZoneView {
     char** mEnvironment;
     size_t mIndex;
     const char* mEntry;     // null at the end
     const char* mPrevious;  // the entry before the end, null before any other
-    vxZone* mZone;
+    vxTimeZone* mZone;
 
     bool IsCurrent() const {
         if (environ == nullptr || mEnvironment != environ || environ[mIndex] != mEntry) {
@@ -57,33 +58,34 @@ struct vxZoneView {
         }
         // A text that putenv() handed in may have been rewritten in its place. An environment that
         // has shrunk leaves null pointers behind its end, so the end is known by what precedes it.
-        return mEntry != nullptr ? mZone->mEntry == mEntry
+        return mEntry != nullptr ? strcmp(mZone->mEntry.c_str(), mEntry) == 0
                                  : mIndex == 0 || environ[mIndex - 1] == mPrevious;
     }
 };
 
 std::mutex sMutex;  // guards sZones and the C library's zone while a span is learned
-vxZone* sZones;
-thread_local vxZoneView sView;
+vxTimeZone* sZones;
+// Loaded with the program, so that reaching it takes no call.
+__attribute__((tls_model("initial-exec"))) thread_local vxZoneView sView;
 
 bool vxIsZoneEntry(const char* anEntry) {
     return strncmp(anEntry, "TZ=", 3) == 0;
 }
 
-vxZone* vxZoneOf(const char* anEntry) {
+vxTimeZone* vxZoneOf(const char* anEntry) {
     std::lock_guard<std::mutex> theLock(sMutex);
-    vxZone* theZone = sZones;
+    vxTimeZone* theZone = sZones;
     while (theZone != nullptr && theZone->mEntry != anEntry) {
         theZone = theZone->mNext;
     }
     if (theZone == nullptr) {
-        theZone = new vxZone{anEntry, sZones, {}};
+        theZone = new vxTimeZone{anEntry, sZones, {}};
         sZones = theZone;
     }
     return theZone;
 }
 
-vxZone* vxLookForZone() {
+vxTimeZone& vxLookForZone() {
     size_t theIndex = 0;
     if (environ != nullptr) {
         while (environ[theIndex] != nullptr && !vxIsZoneEntry(environ[theIndex])) {
@@ -94,12 +96,7 @@ vxZone* vxLookForZone() {
     const char* thePrevious = theEntry == nullptr && theIndex > 0 ? environ[theIndex - 1] : nullptr;
     sView = {environ, theIndex, theEntry, thePrevious,
              vxZoneOf(theEntry == nullptr ? "" : theEntry)};
-    return sView.mZone;
-}
-
-vxZone* vxCurrentZone() {
-    const vxZoneView& theView = sView;
-    return theView.IsCurrent() ? theView.mZone : vxLookForZone();
+    return *sView.mZone;
 }
 
 uint64_t vxPacked(const vxTimeZoneOffset& anOffset) {
@@ -190,20 +187,25 @@ uint64_t vxLearnAndStore(std::atomic<uint64_t>& aSpan, size_t anIndex) {
 
 }  // namespace
 
-bool vxTimeZone_Find(int32_t aSeconds, vxTimeZoneOffset& anOffset) {
+vxTimeZone& vxTimeZone_Current() {
+    const vxZoneView& theView = sView;
+    return theView.IsCurrent() ? *theView.mZone : vxLookForZone();
+}
+
+bool vxTimeZone_Find(vxTimeZone& aZone, int32_t aSeconds, vxTimeZoneOffset& anOffset) {
     const uint32_t theInstant = static_cast<uint32_t>(aSeconds) ^ 0x80000000U;
     const size_t theIndex = theInstant >> kvxTimeZone_SpanBits;
-    const uint64_t thePosition = theInstant & (kvxTimeZone_SpanLength - 1);
+    const uint32_t thePosition = theInstant & (kvxTimeZone_SpanLength - 1);
 
-    std::atomic<uint64_t>& theCell = vxCurrentZone()->mSpans[theIndex];
-    uint64_t theSpan = theCell.load(std::memory_order_relaxed);
+    uint64_t theSpan = aZone.mSpans[theIndex].load(std::memory_order_relaxed);
     if (theSpan == 0) {
-        theSpan = vxLearnAndStore(theCell, theIndex);
+        theSpan = vxLearnAndStore(aZone.mSpans[theIndex], theIndex);
     }
     if ((theSpan & kvxTimeZone_Irregular) != 0) {
         return false;
     }
-    const uint64_t theChange = theSpan >> kvxTimeZone_ChangeShift & (kvxTimeZone_SpanLength - 1);
+    const uint32_t theChange =
+        static_cast<uint32_t>(theSpan >> kvxTimeZone_ChangeShift & (kvxTimeZone_SpanLength - 1));
     anOffset = vxUnpacked(thePosition < theChange ? theSpan : theSpan >> kvxTimeZone_HalfBits);
     return true;
 }

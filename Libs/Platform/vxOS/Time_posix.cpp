@@ -54,6 +54,16 @@ bool vxSystemLocalTime(int32_t aSeconds, vxtm& aFields) {
     return true;
 }
 
+bool vxLocalTime(vxTimeZone& aZone, int32_t aSeconds, vxtm& aFields) {
+    vxTimeZoneOffset theOffset;
+    if (!vxTimeZone_Find(aZone, aSeconds, theOffset)) {
+        return vxSystemLocalTime(aSeconds, aFields);
+    }
+    vxCalendar_Fill(aSeconds, theOffset.mSeconds, aFields);
+    aFields.tm_isdst = theOffset.mfDaylight;
+    return true;
+}
+
 // The record is refilled by the caller, so the result alone counts.
 int64_t vxSystemMakeTime(const vxtm& aFields) {
     struct tm theFields = {};
@@ -71,20 +81,21 @@ int64_t vxSystemMakeTime(const vxtm& aFields) {
 }
 
 // Whether the local clock shows `aLocal` at the instant that an offset makes of it.
-bool vxIsShown(int64_t aLocal, const vxTimeZoneOffset& anOffset) {
+bool vxIsShown(vxTimeZone& aZone, int64_t aLocal, const vxTimeZoneOffset& anOffset) {
     vxTimeZoneOffset theOffset;
-    return vxTimeZone_Find(vxClamped(aLocal - anOffset.mSeconds), theOffset) &&
+    return vxTimeZone_Find(aZone, vxClamped(aLocal - anOffset.mSeconds), theOffset) &&
            theOffset.mSeconds == anOffset.mSeconds;
 }
 
 // The offset nearest to an instant that is of the other kind than the one in force there; where the
 // zone has none for years, clocks are taken to be set by an hour.
-vxTimeZoneOffset vxNearestOfOtherKind(int64_t aSeconds, const vxTimeZoneOffset& aCurrent) {
+vxTimeZoneOffset vxNearestOfOtherKind(vxTimeZone& aZone, int64_t aSeconds,
+                                      const vxTimeZoneOffset& aCurrent) {
     vxTimeZoneOffset theOffset;
     for (int64_t i = kvxTime_SearchStep; i < kvxTime_SearchReach; i += kvxTime_SearchStep) {
         for (const int64_t theInstant : {aSeconds - i, aSeconds + i}) {
             if (vxFits(theInstant) &&
-                vxTimeZone_Find(static_cast<int32_t>(theInstant), theOffset) &&
+                vxTimeZone_Find(aZone, static_cast<int32_t>(theInstant), theOffset) &&
                 theOffset.mfDaylight != aCurrent.mfDaylight) {
                 return theOffset;
             }
@@ -96,10 +107,10 @@ vxTimeZoneOffset vxNearestOfOtherKind(int64_t aSeconds, const vxTimeZoneOffset& 
 
 // The offset by which local seconds are to be read, around a change of offset or where the fields
 // are written in another kind of time than the clock shows.
-vxTimeZoneOffset vxChooseOffset(int64_t aLocal, int32_t aDaylight, const vxTimeZoneOffset& aBefore,
-                                const vxTimeZoneOffset& anAfter) {
-    const bool fBefore = vxIsShown(aLocal, aBefore);
-    const bool fAfter = vxIsShown(aLocal, anAfter);
+vxTimeZoneOffset vxChooseOffset(vxTimeZone& aZone, int64_t aLocal, int32_t aDaylight,
+                                const vxTimeZoneOffset& aBefore, const vxTimeZoneOffset& anAfter) {
+    const bool fBefore = vxIsShown(aZone, aLocal, aBefore);
+    const bool fAfter = vxIsShown(aZone, aLocal, anAfter);
     if (aDaylight < 0) {
         return fAfter && !fBefore ? anAfter : aBefore;
     }
@@ -108,12 +119,12 @@ vxTimeZoneOffset vxChooseOffset(int64_t aLocal, int32_t aDaylight, const vxTimeZ
         const vxTimeZoneOffset& theShown = fAfter && !fBefore ? anAfter : aBefore;
         return theShown.mfDaylight == fDaylight
                    ? theShown
-                   : vxNearestOfOtherKind(aLocal - theShown.mSeconds, theShown);
+                   : vxNearestOfOtherKind(aZone, aLocal - theShown.mSeconds, theShown);
     }
     return aBefore.mfDaylight == fDaylight ? aBefore : anAfter;
 }
 
-int64_t vxMakeTime(const vxtm& aFields) {
+int64_t vxMakeTime(vxTimeZone& aZone, const vxtm& aFields) {
     const int64_t theLocal = vxCalendar_Seconds(aFields);
     if (!vxFits(theLocal - kvxCalendar_SecondsPerDay) &&
         !vxFits(theLocal + kvxCalendar_SecondsPerDay)) {
@@ -121,8 +132,8 @@ int64_t vxMakeTime(const vxtm& aFields) {
     }
     vxTimeZoneOffset theBefore;
     vxTimeZoneOffset theAfter;
-    if (!vxTimeZone_Find(vxClamped(theLocal - kvxTime_ChangeReach), theBefore) ||
-        !vxTimeZone_Find(vxClamped(theLocal + kvxTime_ChangeReach), theAfter)) {
+    if (!vxTimeZone_Find(aZone, vxClamped(theLocal - kvxTime_ChangeReach), theBefore) ||
+        !vxTimeZone_Find(aZone, vxClamped(theLocal + kvxTime_ChangeReach), theAfter)) {
         vxTimeZone_Refresh();
         return vxSystemMakeTime(aFields);
     }
@@ -130,7 +141,8 @@ int64_t vxMakeTime(const vxtm& aFields) {
                           theBefore.mfDaylight == theAfter.mfDaylight &&
                           (aFields.tm_isdst < 0 || (aFields.tm_isdst > 0) == theBefore.mfDaylight);
     const vxTimeZoneOffset theOffset =
-        fSettled ? theBefore : vxChooseOffset(theLocal, aFields.tm_isdst, theBefore, theAfter);
+        fSettled ? theBefore
+                 : vxChooseOffset(aZone, theLocal, aFields.tm_isdst, theBefore, theAfter);
     return theLocal - theOffset.mSeconds;
 }
 
@@ -144,28 +156,23 @@ void vxTime_GetTimeOfDay(vxtimeval* aTime) {
 }
 
 int vxTime_localtime(int32_t aSeconds, vxtm* aFields) {
-    vxTimeZoneOffset theOffset;
-    if (!vxTimeZone_Find(aSeconds, theOffset)) {
-        return vxSystemLocalTime(aSeconds, *aFields);
-    }
-    vxCalendar_Fill(int64_t{aSeconds} + theOffset.mSeconds, *aFields);
-    aFields->tm_isdst = theOffset.mfDaylight;
-    return 1;
+    return vxLocalTime(vxTimeZone_Current(), aSeconds, *aFields);
 }
 
 int vxTime_gmtime(int32_t aSeconds, vxtm* aFields) {
-    vxCalendar_Fill(aSeconds, *aFields);
+    vxCalendar_Fill(aSeconds, 0, *aFields);
     aFields->tm_isdst = 0;
     return 1;
 }
 
 int32_t vxTime_mktime(vxtm* aFields) {
-    const int64_t theSeconds = vxMakeTime(*aFields);
+    vxTimeZone& theZone = vxTimeZone_Current();
+    const int64_t theSeconds = vxMakeTime(theZone, *aFields);
     if (!vxFits(theSeconds)) {
         return -1;
     }
     const int32_t theMilliseconds = aFields->tm_msec;
-    vxTime_localtime(static_cast<int32_t>(theSeconds), aFields);
+    vxLocalTime(theZone, static_cast<int32_t>(theSeconds), *aFields);
     aFields->tm_msec = theMilliseconds;
     return static_cast<int32_t>(theSeconds);
 }

@@ -2,8 +2,8 @@
 //
 // A byte counts as loaded as soon as one of its bits is consumed; GetByteOffset() shows that, so
 // the state moves byte by byte however much is read at once. The byte being consumed is always the
-// one before mBuffer. Near the end, where a word would reach past the last byte, fields are put
-// together from the bytes that are left.
+// one before mBuffer. What a parser repeats is inline. Near the end, where a word would reach past
+// the last byte, fields are put together from the bytes that are left; that is here.
 
 #include "vx/BitString.h"
 
@@ -16,121 +16,17 @@ namespace {
 // The largest number of zeros before an Exp-Golomb code's first one bit.
 constexpr size_t kvxBitString_MaxZeros = 31;
 
-// Codes of this many zeros and fewer, 2n + 1 bits long, lie within one window.
-constexpr int kvxBitString_MaxWindowZeros = 28;
+// The number of bits from the highest one bit down.
+size_t vxWidth(uint32_t aNumber) {
+    return 32 - static_cast<size_t>(__builtin_clz(aNumber));
+}
 
 }  // namespace
 
-void vxBitString::SetBuffer(const uint8_t* aBuffer, size_t aByteCount) {
-    const size_t theMaximum = SIZE_MAX / 8;
-    const size_t theByteCount = aBuffer == NULL ? 0 : aByteCount;
-    mBuffer = aBuffer;
-    mBufferSize = (theByteCount < theMaximum ? theByteCount : theMaximum) * 8;
-    mInitialBufferSize = mBufferSize;
-    mLastByte = 0;
-    mLastByteSize = 0;
-    mfBookmarked = false;
-    mBookmarkedBuffer = NULL;
-    mBookmarkedBufferSize = 0;
-    mBookmarkedLastByte = 0;
-    mBookmarkedLastByteSize = 0;
-}
-
-uint32_t vxBitString::Peek(uint8_t aBitCount) {
-    ToggleMarker(true);
-    const uint32_t theBits = Get(aBitCount);
-    ToggleMarker(false);
-    return theBits;
-}
-
-void vxBitString::Skip(size_t aBitCount) {
-    Drop(aBitCount);
-}
-
 void vxBitString::SkipSmall(size_t aBitCount) {
     VXASSERT(aBitCount <= 32);
-    Drop(aBitCount);
-}
-
-uint32_t vxBitString::GetUE() {
-    if (mBufferSize >= 64) {
-        const uint64_t theWindow = Window();
-        const int theZeros = theWindow == 0 ? 64 : __builtin_clzll(theWindow);
-        if (theZeros <= kvxBitString_MaxWindowZeros) {
-            Advance(static_cast<size_t>(2 * theZeros + 1));
-            return static_cast<uint32_t>(theWindow >> (63 - 2 * theZeros)) - 1;
-        }
-    }
-    const size_t theZeros = CountZeros();
-    if (theZeros == 0 || theZeros > kvxBitString_MaxZeros) {
-        return 0;
-    }
-    return (uint32_t{1} << theZeros) - 1 + Get(static_cast<uint8_t>(theZeros));
-}
-
-int32_t vxBitString::GetSE() {
-    const uint32_t theCode = GetUE();
-    const int32_t theHalf = static_cast<int32_t>(theCode / 2);
-    return theCode % 2 == 1 ? theHalf + 1 : -theHalf;
-}
-
-void vxBitString::ToggleMarker(bool afSet) {
-    if (afSet) {
-        mBookmarkedBuffer = mBuffer;
-        mBookmarkedBufferSize = mBufferSize;
-        mBookmarkedLastByte = mLastByte;
-        mBookmarkedLastByteSize = mLastByteSize;
-    } else if (mfBookmarked) {
-        mBuffer = mBookmarkedBuffer;
-        mBufferSize = mBookmarkedBufferSize;
-        mLastByte = mBookmarkedLastByte;
-        mLastByteSize = mBookmarkedLastByteSize;
-    }
-    mfBookmarked = afSet;
-}
-
-// Get() for the last eight bytes and for counts that are out of range.
-uint32_t vxBitString::GetSlow(size_t aBitCount) {
-    if (aBitCount > 32) {
-        Drop(aBitCount - 32);
-        return GetSlow(32);
-    }
-    const size_t theRemaining = GetRemainingBitCount();
-    const size_t theCount = aBitCount < theRemaining ? aBitCount : theRemaining;
-    uint64_t theBits = mLastByte & ((1U << mLastByteSize) - 1U);
-    size_t theSize = mLastByteSize;
-    for (const uint8_t* theByte = mBuffer; theSize < theCount; theSize += 8) {
-        theBits = theBits << 8 | *theByte++;
-    }
-    Advance(theCount);
-    return static_cast<uint32_t>(theBits >> (theSize - theCount) << (aBitCount - theCount));
-}
-
-// Consumes zeros and the one bit behind them; returns how many zeros there were.
-size_t vxBitString::CountZeros() {
-    const size_t theStart = GetRemainingBitCount();
-    const uint32_t theUnread = mLastByte & ((1U << mLastByteSize) - 1U);
-    if (theUnread == 0) {
-        mLastByteSize = 0;
-        while (mBufferSize > 0 && *mBuffer == 0) {
-            Advance(8);
-        }
-        if (mBufferSize == 0) {
-            return theStart;
-        }
-    }
-    const uint32_t theByte = theUnread != 0 ? theUnread : *mBuffer;
-    const size_t theSize = theUnread != 0 ? mLastByteSize : 8;
-    const size_t theZeros = theSize - (32 - static_cast<size_t>(__builtin_clz(theByte)));
-    const size_t theCount = theStart - GetRemainingBitCount() + theZeros;
-    Advance(theZeros + 1);
-    return theCount;
-}
-
-void vxBitString::Drop(size_t aBitCount) {
     if (aBitCount >= GetRemainingBitCount()) {
-        mLastByteSize = 0;
-        Advance(mBufferSize);
+        Skip(aBitCount);
         return;
     }
     size_t theBitCount = aBitCount;
@@ -145,6 +41,51 @@ void vxBitString::Drop(size_t aBitCount) {
     }
     VXASSERT(mLastByteSize >= theBitCount);
     mLastByteSize = static_cast<uint8_t>(mLastByteSize - theBitCount);
+}
+
+// Get() for the last eight bytes and for counts that are out of range, without moving.
+uint32_t vxBitString::Assemble(const Reading& aReading, size_t aBitCount) {
+    const size_t theRemaining = aReading.mSize + aReading.mByteSize;
+    // Of more than 32 bits only the last 32 count, so those before them may fall off the top.
+    const size_t theCount = aBitCount < theRemaining ? aBitCount : theRemaining;
+    uint64_t theBits = UnreadBits(aReading);
+    size_t theSize = aReading.mByteSize;
+    for (const uint8_t* theByte = aReading.mNext; theSize < theCount; theSize += 8) {
+        theBits = theBits << 8 | *theByte++;
+    }
+    const size_t theMissing = aBitCount - theCount;
+    return theMissing < 32 ? static_cast<uint32_t>(theBits >> (theSize - theCount) << theMissing)
+                           : 0;
+}
+
+// GetUE() for long codes and for the last eight bytes, without moving.
+vxBitString::Code vxBitString::ReadCode(const Reading& aReading) {
+    const size_t theZeros = CountZeros(aReading);
+    if (theZeros > kvxBitString_MaxZeros) {
+        return {0, theZeros + 1};
+    }
+    vxBitString theRest;
+    theRest.mBuffer = aReading.mNext;
+    theRest.mBufferSize = aReading.mSize;
+    theRest.mLastByte = aReading.mByte;
+    theRest.mLastByteSize = aReading.mByteSize;
+    theRest.Skip(theZeros + 1);
+    return {(uint32_t{1} << theZeros) - 1 + Assemble(theRest.State(), theZeros), 2 * theZeros + 1};
+}
+
+// The zeros before the first one bit, or before the end.
+size_t vxBitString::CountZeros(const Reading& aReading) {
+    const uint32_t theUnread = UnreadBits(aReading);
+    if (theUnread != 0) {
+        return aReading.mByteSize - vxWidth(theUnread);
+    }
+    const uint8_t* const theEnd = aReading.mNext + aReading.mSize / 8;
+    const uint8_t* theByte = aReading.mNext;
+    while (theByte < theEnd && *theByte == 0) {
+        ++theByte;
+    }
+    const size_t theZeros = aReading.mByteSize + static_cast<size_t>(theByte - aReading.mNext) * 8;
+    return theByte == theEnd ? theZeros : theZeros + 8 - vxWidth(*theByte);
 }
 
 uint32_t vxBitString::Get3(const uint8_t* aBytes) {

@@ -116,6 +116,12 @@ bool vxScanTime(const char* aText, vxtm& aFields) {
     return true;
 }
 
+bool vxScanDateTime(const char* aText, vxtm& aFields) {
+    // What follows the numbers of the date is ignored, so the text need not be cut in two.
+    const char* theT = strchr(aText, 'T');
+    return theT != NULL && vxScanDate(aText, aFields) && vxScanTime(theT + 1, aFields);
+}
+
 // Reads some of the fields of a value and keeps the others.
 bool vxParse(vxDateTime& aDateTime, const char* aText, bool (*aScan)(const char*, vxtm&)) {
     if (!aDateTime.IsValid()) {
@@ -327,10 +333,7 @@ bool vxDateTime::ParseISOTime(const vxCString& aText) {
 }
 
 bool vxDateTime::ParseISO(const vxCString& aText) {
-    // What follows the numbers of the date is ignored, so the text need not be cut in two.
-    const char* theT = strchr(aText.c_str(), 'T');
-    return vxParse(*this, aText.c_str(), vxScanDate) &&
-           vxParse(*this, theT == NULL ? "" : theT + 1, vxScanTime);
+    return vxParse(*this, aText.c_str(), vxScanDateTime);
 }
 
 bool vxDateTime::ParseRFC1123(const vxCString& aText) {

@@ -31,7 +31,20 @@ public:
     /// Starts over with other bytes and forgets the bookmark.
     ///
     /// Bits are counted in a size_t: bytes whose bits it cannot count are left out.
-    void SetBuffer(const uint8_t* aBuffer, size_t aByteCount);
+    void SetBuffer(const uint8_t* aBuffer, size_t aByteCount) {
+        const size_t theMaximum = SIZE_MAX / 8;
+        const size_t theByteCount = aBuffer == NULL ? 0 : aByteCount;
+        mBuffer = aBuffer;
+        mBufferSize = (theByteCount < theMaximum ? theByteCount : theMaximum) * 8;
+        mInitialBufferSize = mBufferSize;
+        mLastByte = 0;
+        mLastByteSize = 0;
+        mfBookmarked = false;
+        mBookmarkedBuffer = NULL;
+        mBookmarkedBufferSize = 0;
+        mBookmarkedLastByte = 0;
+        mBookmarkedLastByteSize = 0;
+    }
 
     /// Returns the next bits as a number, the first one on top.
     ///
@@ -47,7 +60,9 @@ public:
             Advance(aBitCount);
             return static_cast<uint32_t>(theWindow >> (64 - aBitCount));
         }
-        return GetSlow(aBitCount);
+        const uint32_t theBits = Assemble(State(), aBitCount);
+        Skip(aBitCount);
+        return theBits;
     }
 
     /// Returns what Get() would, without moving.
@@ -55,12 +70,22 @@ public:
     /// The reader has one bookmark, and peeking uses it: one that was set before is gone.
     ///
     /// Asserts:  as Get().
-    uint32_t Peek(uint8_t aBitCount);
+    uint32_t Peek(uint8_t aBitCount) {
+        ToggleMarker(true);
+        const uint32_t theBits = Get(aBitCount);
+        ToggleMarker(false);
+        return theBits;
+    }
 
     /// Moves on; past the end the reader is empty.
     ///
     /// Cost:     constant.
-    void Skip(size_t aBitCount);
+    void Skip(size_t aBitCount) {
+        const size_t theRemaining = GetRemainingBitCount();
+        if (aBitCount > 0 && theRemaining > 0) {
+            Advance(aBitCount < theRemaining ? aBitCount : theRemaining);
+        }
+    }
 
     /// Moves on by up to 32 bits; past the end the reader is empty.
     ///
@@ -72,15 +97,44 @@ public:
     ///
     /// More than 31 zeros give 0 and end after the one that closes them. Where the bits run out
     /// before that one, the zeros seen so far count as n.
-    uint32_t GetUE();
+    uint32_t GetUE() {
+        if (mBufferSize >= 64) {
+            const uint64_t theWindow = Window();
+            const unsigned theZeros = static_cast<unsigned>(__builtin_clzll(theWindow | 1));
+            if (theZeros <= kvxMaxWindowZeros) {
+                Advance(2 * theZeros + 1);
+                return static_cast<uint32_t>(theWindow >> (63 - 2 * theZeros)) - 1;
+            }
+        }
+        const Code theCode = ReadCode(State());
+        Skip(theCode.mLength);
+        return theCode.mValue;
+    }
 
     /// Reads a signed Exp-Golomb code: 0, 1, -1, 2, -2 and so on for the unsigned codes 0, 1, 2, 3,
     /// 4.
-    int32_t GetSE();
+    int32_t GetSE() {
+        const uint32_t theCode = GetUE();
+        const int32_t theHalf = static_cast<int32_t>(theCode / 2);
+        return theCode % 2 == 1 ? theHalf + 1 : -theHalf;
+    }
 
     /// Sets the bookmark here, or goes back to it and forgets it; going back without a bookmark
     /// does nothing.
-    void ToggleMarker(bool afSet);
+    void ToggleMarker(bool afSet) {
+        if (afSet) {
+            mBookmarkedBuffer = mBuffer;
+            mBookmarkedBufferSize = mBufferSize;
+            mBookmarkedLastByte = mLastByte;
+            mBookmarkedLastByteSize = mLastByteSize;
+        } else if (mfBookmarked) {
+            mBuffer = mBookmarkedBuffer;
+            mBufferSize = mBookmarkedBufferSize;
+            mLastByte = mBookmarkedLastByte;
+            mLastByteSize = mBookmarkedLastByteSize;
+        }
+        mfBookmarked = afSet;
+    }
 
     /// Returns the number of bits that are still to be read.
     size_t GetRemainingBitCount() const { return mBufferSize + mLastByteSize; }
@@ -111,6 +165,9 @@ public:
     static uint32_t BigEndianToOpenGL(const uint8_t* aBytes);
 
 private:
+    // Exp-Golomb codes of this many zeros and fewer, 2n + 1 bits long, lie within one window.
+    static constexpr unsigned kvxMaxWindowZeros = 28;
+
     // The next bits, the first one on top; at least 57 of them are real. Eight bytes must be left.
     uint64_t Window() const {
         const uint8_t* theByte = mBuffer - (mLastByteSize != 0);
@@ -122,20 +179,39 @@ private:
         return theWord << (-mLastByteSize & 7);
     }
 
-    // Moves on by bits that are known to be there, loading the bytes that they begin.
+    // Moves on by at least one bit, all of them known to be there, and loads the bytes they begin.
     void Advance(size_t aBitCount) {
         const size_t theBytes = (aBitCount + 7 - mLastByteSize) / 8;
         mBuffer += theBytes;
         mBufferSize -= theBytes * 8;
         mLastByteSize = static_cast<uint8_t>((mLastByteSize - aBitCount) & 7);
-        if (theBytes > 0) {
-            mLastByte = mBuffer[-1];
-        }
+        mLastByte = mBuffer[-1];
     }
 
-    uint32_t GetSlow(size_t aBitCount);
-    size_t CountZeros();
-    void Drop(size_t aBitCount);
+    // What the rare cases start from. They are functions of it: no operation that a parser repeats
+    // hands out the address of the reader, so one that stays within a function lives in registers.
+    struct Reading {
+        const uint8_t* mNext;
+        size_t mSize;
+        uint8_t mByte;
+        uint8_t mByteSize;
+    };
+
+    struct Code {
+        uint32_t mValue;
+        size_t mLength;  // bits
+    };
+
+    Reading State() const {
+        return {mBuffer, mBufferSize, mLastByte, mLastByteSize};
+    }
+
+    static uint32_t Assemble(const Reading& aReading, size_t aBitCount);
+    static Code ReadCode(const Reading& aReading);
+    static size_t CountZeros(const Reading& aReading);
+    static uint32_t UnreadBits(const Reading& aReading) {
+        return aReading.mByte & ((1U << aReading.mByteSize) - 1U);
+    }
 
     const uint8_t* mBuffer;     // next byte not yet loaded
     size_t mBufferSize;         // bits not yet loaded
