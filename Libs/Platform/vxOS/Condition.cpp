@@ -10,8 +10,9 @@
 #include <new>
 
 struct vxOSCondition {
-    std::atomic<uint32_t> mSignals{0};  // modulo 2^32
-    std::atomic<uint32_t> mWaiters{0};  // threads between their entry and their wake-up
+    std::atomic<uint32_t> mSignals{0};        // modulo 2^32
+    std::atomic<uint32_t> mWaiters{0};        // threads between their entry and their wake-up
+    std::atomic<vxOSMutex*> mMutex{nullptr};  // of the waiters, while there are any
 };
 
 namespace {
@@ -23,6 +24,7 @@ int vxWait(vxOSCondition* aCondition, vxOSMutex* aMutex, const vxDeadline* aDead
     if (!aMutex->mLock.IsHeld()) {
         return EPERM;
     }
+    aCondition->mMutex.store(aMutex, std::memory_order_relaxed);
     // A signal either sees this waiter or has changed the number already: both sides use the one
     // total order.
     aCondition->mWaiters.fetch_add(1);
@@ -63,7 +65,14 @@ int vxCondition_Signal(vxOSCondition* aCondition) {
         return EINVAL;
     }
     aCondition->mSignals.fetch_add(1);
-    if (aCondition->mWaiters.load() != 0) {
+    if (aCondition->mWaiters.load() == 0) {
+        return 0;
+    }
+    vxRecursiveLock& theLock = aCondition->mMutex.load(std::memory_order_relaxed)->mLock;
+    if (theLock.IsHeld()) {
+        // The woken thread would only run into the mutex that the caller still holds.
+        theLock.WakeOnUnlock(&aCondition->mSignals);
+    } else {
         vxFutex_Wake(&aCondition->mSignals, 1);
     }
     return 0;

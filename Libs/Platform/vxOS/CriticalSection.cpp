@@ -20,20 +20,9 @@ void vxCriticalSection_Delete(vxOSCriticalSection* aSection) {
 }
 
 int vxCriticalSection_Enter(vxOSCriticalSection* aSection) {
-    if (aSection == nullptr) {
-        return EINVAL;
-    }
-    aSection->mLock.Lock();
-    return 0;
+    return aSection != nullptr ? aSection->mLock.Lock() : EINVAL;
 }
 
 int vxCriticalSection_Leave(vxOSCriticalSection* aSection) {
-    if (aSection == nullptr) {
-        return EINVAL;
-    }
-    if (!aSection->mLock.IsHeld()) {
-        return EPERM;
-    }
-    aSection->mLock.Unlock();
-    return 0;
+    return aSection != nullptr ? aSection->mLock.Unlock() : EINVAL;
 }

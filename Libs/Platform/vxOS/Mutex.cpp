@@ -14,22 +14,11 @@ void vxMutex_Delete(vxOSMutex* aMutex) {
 }
 
 int vxMutex_Lock(vxOSMutex* aMutex) {
-    if (aMutex == nullptr) {
-        return EINVAL;
-    }
-    aMutex->mLock.Lock();
-    return 0;
+    return aMutex != nullptr ? aMutex->mLock.Lock() : EINVAL;
 }
 
 int vxMutex_Unlock(vxOSMutex* aMutex) {
-    if (aMutex == nullptr) {
-        return EINVAL;
-    }
-    if (!aMutex->mLock.IsHeld()) {
-        return EPERM;
-    }
-    aMutex->mLock.Unlock();
-    return 0;
+    return aMutex != nullptr ? aMutex->mLock.Unlock() : EINVAL;
 }
 
 int vxMutex_IsHeld(const vxOSMutex* aMutex) {

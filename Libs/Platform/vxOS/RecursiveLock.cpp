@@ -3,28 +3,83 @@
 
 #include "RecursiveLock.h"
 
+#include <cerrno>
+
 namespace {
 
-constexpr int kvxLooksBeforeSleep = 100;
+constexpr int kvxLooksBeforeSleep = 40;
 
 }  // namespace
 
-thread_local char vxRecursiveLock::sSelf;
+__thread uint32_t vxRecursiveLock::sSelf;
 
-void vxRecursiveLock::TakeFromOther() {
-    if (vxFutex_SpinningPays()) {
-        for (int i = 0; i < kvxLooksBeforeSleep; ++i) {
-            uint32_t theState = mState.load(std::memory_order_relaxed);
-            if (theState == kFree &&
-                mState.compare_exchange_weak(theState, kTaken, std::memory_order_acquire,
-                                             std::memory_order_relaxed)) {
-                return;
-            }
-            vxFutex_Pause();
+int vxRecursiveLock::UnlockFlagged() {
+    if (!IsHeld()) {
+        return EPERM;
+    }
+    if (mRepeats != 0) {
+        --mRepeats;
+        return 0;
+    }
+    std::atomic<uint32_t>* const theWord = mWakeWord;
+    const int theCount = mWakeCount;
+    mWakeWord = nullptr;
+    Free();
+    if (theWord != nullptr) {
+        vxFutex_Wake(theWord, theCount);
+    }
+    return 0;
+}
+
+int vxRecursiveLock::WakeSleeper() {
+    vxFutex_Wake(LowerHalf(), 1);
+    return 0;
+}
+
+void vxRecursiveLock::WakeOnUnlock(std::atomic<uint32_t>* aWord) {
+    if (mWakeWord == aWord) {
+        ++mWakeCount;
+        return;
+    }
+    if (mWakeWord != nullptr) {
+        vxFutex_Wake(mWakeWord, mWakeCount);
+    }
+    mWakeWord = aWord;
+    mWakeCount = 1;
+    mState.fetch_or(kWakeOnUnlock, std::memory_order_relaxed);
+}
+
+int vxRecursiveLock::TakeFromOther() {
+    uintptr_t theState = mState.load(std::memory_order_relaxed);
+    for (int i = vxFutex_SpinningPays() ? kvxLooksBeforeSleep : 0; i > 0; --i) {
+        if (theState == 0 &&
+            mState.compare_exchange_strong(theState, Self(), std::memory_order_acquire,
+                                           std::memory_order_relaxed)) {
+            return 0;
         }
+        vxFutex_Pause();
+        theState = mState.load(std::memory_order_relaxed);
     }
-    // A thread that wakes cannot know whether others still sleep, and says so to be safe.
-    while (mState.exchange(kTakenWithSleepers, std::memory_order_acquire) != kFree) {
-        vxFutex_Wait(&mState, kTakenWithSleepers, nullptr);
+    for (;;) {
+        // A thread that has slept cannot know whether others still do, and says so to be safe.
+        const uintptr_t theNext = (theState == 0 ? Self() : theState) | kSleepers;
+        if (theState != theNext &&
+            !mState.compare_exchange_weak(theState, theNext, std::memory_order_acquire,
+                                          std::memory_order_relaxed)) {
+            continue;
+        }
+        if (theState == 0) {
+            return 0;
+        }
+        vxFutex_Wait(LowerHalf(), static_cast<uint32_t>(theNext), nullptr);
+        theState = mState.load(std::memory_order_relaxed);
     }
+}
+
+/// The half of the state that has the flags. A new holder that looks like the old one there is no
+/// harm: the lock is taken all the same, and the flag makes that holder wake a sleeper.
+std::atomic<uint32_t>* vxRecursiveLock::LowerHalf() {
+    static_assert(sizeof(mState) == sizeof(uint32_t) || __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
+                  "the lower half comes first");
+    return reinterpret_cast<std::atomic<uint32_t>*>(&mState);
 }

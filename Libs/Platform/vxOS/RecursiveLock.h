@@ -2,10 +2,9 @@
 
 // The lock behind mutexes and critical sections.
 //
-// One word says whether the lock is free, taken, or taken with threads asleep; a second one says by
-// whom. Only the holder writes its own identity there and takes it away again, so a thread that reads
-// its own identity is the holder, and one that is not can never read it: plain loads and stores of
-// the word suffice.
+// One word is all that threads compete for: the identity of the thread that holds the lock, or 0,
+// and two flags. Only the holder writes its own identity there and takes it away again, so a thread
+// that reads its own identity is the holder, and one that is not can never read it.
 
 #include <atomic>
 #include <cstdint>
@@ -14,30 +13,39 @@
 
 class vxRecursiveLock {
 public:
-    bool IsHeld() const { return mHolder.load(std::memory_order_relaxed) == Self(); }
+    bool IsHeld() const { return (mState.load(std::memory_order_relaxed) & ~kFlags) == Self(); }
 
-    void Lock() {
-        if (IsHeld()) {
-            ++mRepeats;
-            return;
+    // Lock() and Unlock() answer as the operations of the platform do, so that those are nothing but
+    // the code below and a jump to the rare cases. The probabilities say that a first and a repeated
+    // lock are about equally frequent: without them the compiler lays one out at the cost of the
+    // other.
+
+    /// Returns 0.
+    int Lock() {
+        if (__builtin_expect_with_probability(!IsHeld(), 1, 0.6)) {
+            return Take();
         }
-        Take();
+        ++mRepeats;
+        return 0;
     }
 
-    /// The caller holds the lock.
-    void Unlock() {
-        if (mRepeats != 0) {
-            --mRepeats;
-            return;
+    /// Returns EPERM when the caller does not hold the lock, else 0.
+    int Unlock() {
+        if (__builtin_expect(mState.load(std::memory_order_relaxed) != Self(), 0)) {
+            return UnlockFlagged();
         }
-        Free();
+        if (__builtin_expect_with_probability(mRepeats == 0, 1, 0.6)) {
+            return Free();
+        }
+        --mRepeats;
+        return 0;
     }
 
     /// Lets go of the lock however often the caller locked it, and returns what TakeBack() needs.
     uint32_t LetGo() {
         const uint32_t theRepeats = mRepeats;
         mRepeats = 0;
-        Free();
+        Unlock();
         return theRepeats;
     }
 
@@ -46,35 +54,47 @@ public:
         mRepeats = aRepeats;
     }
 
+    /// Wakes one thread that sleeps on `aWord`, once the caller, who holds the lock, has let go of it:
+    /// for threads that want the lock next. The word may be gone by then.
+    void WakeOnUnlock(std::atomic<uint32_t>* aWord);
+
 private:
-    enum State : uint32_t { kFree, kTaken, kTakenWithSleepers };
+    static constexpr uintptr_t kSleepers = 1;      // threads may sleep on the state
+    static constexpr uintptr_t kWakeOnUnlock = 2;  // mWakeWord is set
+    static constexpr uintptr_t kFlags = kSleepers | kWakeOnUnlock;
 
     /// The address of a variable of which every thread has its own.
-    static const char* Self() { return &sSelf; }
+    static uintptr_t Self() { return reinterpret_cast<uintptr_t>(&sSelf); }
 
-    void Take() {
-        uint32_t theState = kFree;
-        if (!mState.compare_exchange_strong(theState, kTaken, std::memory_order_acquire,
-                                            std::memory_order_relaxed)) {
-            TakeFromOther();
+    int Take() {
+        uintptr_t theState = 0;
+        if (__builtin_expect(
+                mState.compare_exchange_strong(theState, Self(), std::memory_order_acquire,
+                                               std::memory_order_relaxed),
+                1)) {
+            return 0;
         }
-        mHolder.store(Self(), std::memory_order_relaxed);
+        return TakeFromOther();
     }
 
-    void Free() {
-        mHolder.store(nullptr, std::memory_order_relaxed);
+    int Free() {
         // Whoever gets the lock may destroy it: it is not touched after this exchange.
-        if (mState.exchange(kFree, std::memory_order_release) == kTakenWithSleepers) {
-            vxFutex_Wake(&mState, 1);
+        if (__builtin_expect((mState.exchange(0, std::memory_order_release) & kSleepers) != 0, 0)) {
+            return WakeSleeper();
         }
+        return 0;
     }
 
-    void TakeFromOther();
+    int TakeFromOther();
+    int UnlockFlagged();
+    int WakeSleeper();
+    std::atomic<uint32_t>* LowerHalf();
 
-    // The variable is reached in one instruction, not by a call as is usual in shared libraries.
-    static thread_local char sSelf __attribute__((tls_model("initial-exec")));
+    // Unlike a thread_local of a shared library this one is reached without a call.
+    static __thread uint32_t sSelf __attribute__((tls_model("initial-exec")));
 
-    std::atomic<uint32_t> mState{kFree};
-    uint32_t mRepeats = 0;                      // locks of the holder beyond its first
-    std::atomic<const char*> mHolder{nullptr};  // its Self(), or null
+    std::atomic<uintptr_t> mState{0};
+    uint32_t mRepeats = 0;                       // locks of the holder beyond its first
+    int mWakeCount = 0;                          // threads that the holder is to wake, and where
+    std::atomic<uint32_t>* mWakeWord = nullptr;  // null for none
 };

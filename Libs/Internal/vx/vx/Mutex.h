@@ -28,7 +28,7 @@ public:
     int Lock() {
         const int theResult = vxMutex_Lock(mMutex);
         if (theResult == 0) {
-            AddToLockCount(1);
+            SetLockCount(GetLockCount() + 1);
         }
         return theResult;
     }
@@ -38,12 +38,13 @@ public:
     /// Asserts:  mLockCount > 0.
     /// Fails:    with the platform's error, and the count is as before; 0 means success.
     int Unlock() {
-        VXASSERT(mLockCount > 0);
+        const int32_t theCount = GetLockCount();
+        VXASSERT_TEXT(theCount > 0, "mLockCount > 0");
         // The next holder counts as soon as the platform lets it in, so this one counts before.
-        AddToLockCount(-1);
+        SetLockCount(theCount - 1);
         const int theResult = vxMutex_Unlock(mMutex);
         if (theResult != 0) {
-            AddToLockCount(1);
+            SetLockCount(theCount);
         }
         return theResult;
     }
@@ -51,7 +52,7 @@ public:
     /// Reports when nobody holds the mutex; that the caller does is for IsHeld() to say.
     ///
     /// Asserts:  mLockCount > 0.
-    void AssertLocked() const { VXASSERT(mLockCount > 0); }
+    void AssertLocked() const { VXASSERT_TEXT(GetLockCount() > 0, "mLockCount > 0"); }
 
     /// Tells whether the calling thread holds the mutex.
     bool IsHeld() const { return vxMutex_IsHeld(mMutex) != 0; }
@@ -59,11 +60,9 @@ public:
 private:
     friend class vxConditionExt;
 
-    // Only the holder changes the count, so a load and a store are enough.
-    void AddToLockCount(int32_t aDelta) {
-        mLockCount.store(mLockCount.load(std::memory_order_relaxed) + aDelta,
-                         std::memory_order_relaxed);
-    }
+    // Only the holder changes the count, so plain loads and stores are enough.
+    int32_t GetLockCount() const { return mLockCount.load(std::memory_order_relaxed); }
+    void SetLockCount(int32_t aCount) { mLockCount.store(aCount, std::memory_order_relaxed); }
 
     vxOSMutex* mMutex;                // owned; null if it could not be created
     std::atomic<int32_t> mLockCount;  // locks not undone yet, of all levels

@@ -34,6 +34,12 @@ public:
     /// Returns the milliseconds until the time-out expires, 0 once it has.
     unsigned int Remaining() const { return RemainingAt(GetSysMSTickCount()); }
 
+    /// As Remaining(), at the tick given: reads the counter once for several time-outs.
+    unsigned int RemainingAt(unsigned int aTick) const {
+        const uint32_t theElapsed = aTick - mStart;
+        return mDuration <= theElapsed ? 0 : mDuration - theElapsed;
+    }
+
     bool IsExpired() const { return Remaining() == 0; }
 
     /// Returns the tick counter.
@@ -41,12 +47,6 @@ public:
 
 private:
     friend class vxTimeoutQueue;
-    friend class vxApplet;
-
-    unsigned int RemainingAt(uint32_t aTick) const {
-        const uint32_t theElapsed = aTick - mStart;
-        return mDuration <= theElapsed ? 0 : mDuration - theElapsed;
-    }
 
     uint32_t mStart;     // tick of the start
     uint32_t mDuration;  // milliseconds
@@ -58,12 +58,13 @@ private:
 /// queue, overrides OnTimeouts(), and calls HandleExpiredTimeouts() whenever it is awake.
 ///
 ///     void OnTimeouts() override {
-///         while (vxTimeout* theTimeout = FirstExpiringTimeout()) {
-///             if (!theTimeout->IsExpired()) {
-///                 return;
-///             }
-///             TimeoutCancel(theTimeout);
-///             ...
+///         if (mRetry.IsExpired()) {
+///             TimeoutStart(&mRetry, 5000);
+///             Retry();
+///         }
+///         if (mGuard.IsExpired()) {
+///             TimeoutCancel(&mGuard);
+///             GiveUp();
 ///         }
 ///     }
 ///

@@ -22,7 +22,8 @@ VX_API void vxCondition_Delete(vxOSCondition* aCondition);
 /// Releases the mutex, sleeps until woken, and takes the mutex again.
 ///
 /// A mutex that the calling thread has locked several times is released altogether, and is locked
-/// as often again on return. A signal between the release and the sleep is not lost.
+/// as often again on return. A signal between the release and the sleep is not lost. Threads that
+/// wait for one condition at the same time name the same mutex.
 ///
 /// Fails:    EPERM without waiting when the calling thread does not hold the mutex, EINVAL for a
 ///           null handle; 0 means woken.
@@ -39,7 +40,8 @@ VX_API int vxCondition_WaitTimeout(vxOSCondition* aCondition, vxOSMutex* aMutex,
 
 /// Wakes one of the waiting threads; without one it does nothing and nothing is remembered.
 ///
-/// The caller changes the data under the mutex, and should still hold it here.
+/// The caller changes the data under the mutex, and should still hold it here: the thread is then
+/// woken as soon as it can have the mutex. The mutex of the waiting threads lives through the call.
 ///
 /// Fails:    EINVAL for null; 0 means success.
 /// Threads:  any; never blocks.
