@@ -146,7 +146,8 @@ TEST(CStringModifyTest, APositionBeyondTheTextIsReportedAndCut) {
     EXPECT_EQ(Text(vxCString("abc").Insert(4, "x")), "abcx");
     EXPECT_EQ(Text(vxCString("abc").Erase(4, 1)), "abc");
     EXPECT_EQ(Text(vxCString("abc").Truncate(4)), "abc");
-    EXPECT_THAT(theReports.Assertions(), ElementsAre(kBeyond, kBeyond, kBeyond));
+    EXPECT_EQ(Text(vxCString("abc").Replace(4, 1, "x", 1)), "abcx");
+    EXPECT_THAT(theReports.Assertions(), ElementsAre(kBeyond, kBeyond, kBeyond, kBeyond));
 }
 
 TEST(CStringModifyTest, ReplaceByPositionPutsTheNewTextBetweenPrefixAndRest) {
@@ -157,7 +158,6 @@ TEST(CStringModifyTest, ReplaceByPositionPutsTheNewTextBetweenPrefixAndRest) {
     EXPECT_EQ(Text(vxCString("abcdef").Replace(0, 6, "", 0)), "");
     EXPECT_EQ(Text(vxCString("abcdef").Replace(6, 0, "X", 1)), "abcdefX");
     EXPECT_EQ(Text(vxCString("abcdef").Replace(4, 100, "X", npos)), "abcdX");
-    EXPECT_EQ(Text(vxCString("abcdef").Replace(9, 1, "X", 1)), "abcdefX");
     EXPECT_EQ(Text(vxCString("abcdef").Replace(2, 2, nullptr, 5)), "abef");
     vxCString theStr("abcdef");
     theStr.Replace(0, 3, theStr.c_str() + 3, 3);

@@ -69,6 +69,53 @@ TEST(SearchTest, RandomSearchesAgreeWithTheModel) {
     }
 }
 
+// Every length around the sizes of blocks, with the needle at every place or just cut off.
+TEST(SearchTest, ANeedleIsFoundAtEveryPlaceOfEveryLength) {
+    for (const std::string theNeedle : {"q", "qZ", "needle", "Quizzical jukebox of a thing"}) {
+        for (size_t theLength = theNeedle.size(); theLength < 180;
+             theLength += 1 + theLength / 10) {
+            for (size_t i = 0; i + theNeedle.size() <= theLength; i++) {
+                std::string theText(theLength, '.');
+                theText.replace(i, theNeedle.size(), theNeedle);
+                ASSERT_EQ(Position(theText, vxSearch_First(theText.data(), theLength,
+                                                           theNeedle.data(), theNeedle.size())),
+                          i);
+                ASSERT_EQ(vxSearch_First(theText.data(), i + theNeedle.size() - 1, theNeedle.data(),
+                                         theNeedle.size()),
+                          nullptr);
+                const std::string theFolded = Lower(theText);
+                ASSERT_EQ(
+                    Position(theFolded, vxSearch_FirstNoCase(theFolded.data(), theLength,
+                                                             theNeedle.data(), theNeedle.size())),
+                    i);
+                ASSERT_EQ(vxSearch_CommonNoCase(theFolded.data(), theText.data(), theLength),
+                          theLength);
+                theText[i] = '#';
+                ASSERT_EQ(vxSearch_CommonNoCase(theFolded.data(), theText.data(), theLength), i);
+            }
+        }
+    }
+}
+
+// Only the case of letters is alike: no other two bytes that differ in that bit are.
+TEST(SearchTest, EveryPairOfBytesFoldsAsASCII) {
+    const auto theFold = [](int aByte) {
+        return aByte >= 'A' && aByte <= 'Z' ? aByte + 32 : aByte;
+    };
+    for (int i = 0; i < 256; i++) {
+        const std::string theLeft(20, static_cast<char>(i));
+        for (int j = 0; j < 256; j++) {
+            const std::string theRight(20, static_cast<char>(j));
+            const bool theSame = theFold(i) == theFold(j);
+            ASSERT_EQ(vxSearch_CommonNoCase(theLeft.data(), theRight.data(), 20),
+                      theSame ? 20u : 0u);
+            ASSERT_EQ(vxSearch_CommonNoCase(theLeft.data(), theRight.data(), 1), theSame ? 1u : 0u);
+            ASSERT_EQ(vxSearch_FirstNoCase(theLeft.data(), 20, theRight.data(), 2) != nullptr,
+                      theSame);
+        }
+    }
+}
+
 // Texts that let naive comparison look at most bytes again and again, so that the other search takes
 // over; periods make its links matter.
 TEST(SearchTest, PeriodicTextsAgreeWithTheModel) {

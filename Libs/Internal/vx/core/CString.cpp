@@ -679,6 +679,7 @@ vxCString& vxCString::Erase(size_t aPos, size_t aCount) {
 }
 
 vxCString& vxCString::Replace(size_t aPos, size_t aCount, const char* aStr, size_t aLength) {
+    VXASSERT(aPos <= length());
     const size_t thePos = std::min(aPos, length());
     const size_t theLength = aLength == npos || aStr == NULL ? vxTextLength(aStr) : aLength;
     Splice(thePos, std::min(aCount, length() - thePos), aStr, theLength);

@@ -329,8 +329,10 @@ public:
     vxCString& Empty() { return Truncate(0); }
     void clear() { Reinit(); }
 
-    /// Puts `aLength` bytes in place of the `aCount` bytes at `aPos`; a position or count beyond the
-    /// end is cut, and with an `aLength` of `npos` the new text ends at its NUL.
+    /// Puts `aLength` bytes in place of up to `aCount` bytes at `aPos`; with an `aLength` of `npos` the
+    /// new text ends at its NUL.
+    ///
+    /// Asserts:  aPos <= length(); the text goes to the end then.
     vxCString& Replace(size_t aPos, size_t aCount, const char* aStr, size_t aLength = npos);
 
     /// Replaces the first occurrence of `aOld`, or all of them from left to right, and returns how
