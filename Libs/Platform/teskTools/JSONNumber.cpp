@@ -271,16 +271,12 @@ char* vxWriteExponent(char* aTarget, int anExponent) {
     return vxWriteUInt(aTarget, static_cast<uint64_t>(anExponent < 0 ? -anExponent : anExponent));
 }
 
-/// Lays out digits as ECMAScript does: plain from 1e-6 up to below 1e21, else with an exponent.
+/// Lays out digits of a value that is no 64-bit integer: plain from 1e-6 on if it has a fraction,
+/// else with an exponent.
 char* vxLayOut(char* aTarget, const vxDecimal& aDecimal) {
     const int theCount = vxCountDigits(aDecimal.mDigits);
     const int thePoint = theCount + aDecimal.mExponent;  // digits in front of the point
-    if (aDecimal.mExponent >= 0 && thePoint <= 21) {
-        vxWriteDigits(aTarget, aDecimal.mDigits, theCount);
-        memset(aTarget + theCount, '0', static_cast<size_t>(aDecimal.mExponent));
-        return aTarget + thePoint;
-    }
-    if (thePoint > 0 && thePoint <= 21) {
+    if (thePoint > 0 && aDecimal.mExponent < 0) {
         vxWriteDigits(aTarget + 1, aDecimal.mDigits, theCount);
         memmove(aTarget, aTarget + 1, static_cast<size_t>(thePoint));
         aTarget[thePoint] = '.';
@@ -385,7 +381,7 @@ char* vxWriteDouble(char* aTarget, double aValue) {
     const double theMagnitude = std::fabs(aValue);
     if (theMagnitude < 18446744073709551616.0 &&
         static_cast<double>(static_cast<uint64_t>(theMagnitude)) == theMagnitude) {
-        // All digits of a large one, as many as the shortest would be: it reads back as an integer.
+        // All digits of a large one, as many as the shortest would be: readers take it for an integer.
         return vxWriteUInt(aTarget, static_cast<uint64_t>(theMagnitude));
     }
     vxDecimal theDecimal;

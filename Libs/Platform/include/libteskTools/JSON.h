@@ -63,8 +63,9 @@ VX_API vxJSON_t* vxJSON_ParseSize(const char* aText, size_t aSize, const char** 
 
 /// Returns the text of a subtree, one item per line, indented by four blanks a level.
 ///
-/// Doubles are written with the fewest digits that read back as the same value, laid out as
-/// ECMAScript does except that negative zero is "-0.0"; NaN and the infinities become null.
+/// Doubles are written with the fewest digits that read back as the same value: "0.1", "100000",
+/// "-0.0". Below 0.000001 and from 2^64 on they have an exponent: "1e-7", "1e+20". NaN and the
+/// infinities become null.
 ///
 /// Fails:    null for a null node.
 /// Owner:    the caller, who releases the text with free().
