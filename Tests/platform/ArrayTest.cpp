@@ -26,6 +26,9 @@ class ArrayTest : public testing::Test {
 protected:
     ArrayTest() { sFreed = &mFreed; }
     ~ArrayTest() override {
+        if (mArray != NULL) {
+            vxArray_SetFreeFunc(mArray, NULL);  // the test's elements are gone by now
+        }
         vxArray_Delete(mArray);
         sFreed = NULL;
     }

@@ -6,6 +6,8 @@
 #include <libvxLog/Console.h>
 #include <libvxLog/Log.h>
 
+#include <algorithm>
+
 #include "vx/BeforeNextSpace.h"
 #include "vx/CLICommand.h"
 #include "vx/CLICommandSet.h"
@@ -28,6 +30,18 @@ void vxReleaseSet(void* aSet) {
 vxCLICommandSet* vxRetained(const vxRef<vxCLICommandSet>& aSet) {
     aSet->Retain(NULL);
     return aSet.Get();
+}
+
+vxCString vxTabsAsBlanks(const vxCString& aText) {
+    if (aText.Find('\t') == vxCString::npos) {
+        return aText;
+    }
+    const size_t theLength = aText.length();
+    vxCString theText;
+    std::replace_copy(aText.c_str(), aText.c_str() + theLength, theText.GetWriteBuf(theLength),
+                      '\t', ' ');
+    theText.UngetWriteBuf(theLength);
+    return theText;
 }
 
 // A word as one types it: in quotes when it has blanks.
@@ -120,8 +134,7 @@ void vxCLIManager::Remove(const vxRef<vxCLICommandSet>& aCommandSet) {
 vxRef<vxCLICommand> vxCLIManager::Parse(const vxCString& aLine) {
     vxRef<vxCLICommand> theCommand = new vxCLICommand(this, aLine);
     Line theLine;
-    theLine.mRest = aLine;
-    theLine.mRest.Replace("\t", " ", true);
+    theLine.mRest = vxTabsAsBlanks(aLine);
     theLine.mWord = BeforeNextSpace(theLine.mRest, NULL, true);
     ReadFirstWord(theLine);
 

@@ -1,96 +1,86 @@
 // The parser of program arguments.
 //
-// Arguments are walked once. What remains of glued switches (`-vq`) is not copied: it waits in a queue
-// of pointers into the arguments and gets its switch character back only where somebody wants the
-// text. Options are found through their first byte; a name is never read further than it can match,
-// so that an argument of a megabyte of switches stays linear.
+// All arguments are copied into one block, and options and parameters are plain records in arrays that
+// borrow the texts of the description table: a program pays for its arguments once, at its start,
+// with a handful of allocations. Options are found through their first byte, and a name is never read
+// further than it can match.
+//
+// What remains of glued switches (`-vq`) is not copied. It waits, without its switch character, for
+// the next round over the arguments; a round ends when all its arguments are processed.
 
 #include "vx/CommandLineParser.h"
 
 #include <libteskTools/Convert.h>
-#include <libteskTools/Memory.h>
-#include <libteskTools/PtrList.h>
 #include <libvxLog/Console.h>
 #include <libvxLog/Log.h>
 #include <libvxOS/Path.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
+#include <vector>
+
+#include "vx/CharBuffer.h"
 
 namespace {
 
 // A declared positional parameter.
 struct vxCommandLineParameter {
-    vxCString mDescription;
+    const char* mDescription;  // borrowed
     vxCommandLineParameterType mType;
     int mFlags;
 
     bool HasFlag(vxCommandLineFlag aFlag) const { return (mFlags & aFlag) != 0; }
 };
 
+// An argument, or what remains of glued switches, which lacks its switch character.
+struct vxArgument {
+    const char* mText;  // in the block of arguments
+    bool mfQueued;
+};
+
+constexpr size_t kvxNoOption = static_cast<size_t>(-1);
+constexpr size_t kvxOptionIndex_Size = 64;
+
 bool vxIsNameChar(char aChar) {
     return (aChar >= 'a' && aChar <= 'z') || (aChar >= 'A' && aChar <= 'Z') ||
            (aChar >= '0' && aChar <= '9') || aChar == '_' || aChar == '?';
 }
 
+// Names that begin with bytes of one value here share a chain of the index.
 size_t vxIndexOf(char aChar) {
-    return static_cast<unsigned char>(aChar) & 63;
+    return static_cast<unsigned char>(aChar) % kvxOptionIndex_Size;
 }
 
 bool vxIsBlank(char aChar) {
     return aChar == ' ' || aChar == '\t';
 }
 
-void vxDeleteOption(void* anOption) {
-    delete static_cast<vxCommandLineOption*>(anOption);
+const char* vxNotNull(const char* aText) {
+    return aText == NULL ? "" : aText;
 }
 
-void vxDeleteParameter(void* aParameter) {
-    delete static_cast<vxCommandLineParameter*>(aParameter);
-}
-
-vxPtrList* vxNewOwningList(vxPtrList_FreeFunc aFreeFunc) {
-    vxPtrList* theList = vxPtrList_New();
-    vxPtrList_SetFreeFunc(theList, aFreeFunc);
-    return theList;
-}
-
-void vxAppendOwned(vxPtrList* aList, char* aText) {
-    if (aText != NULL && vxPtrList_Append(aList, aText) == NULL) {
-        free(aText);
+size_t vxNameLength(const char* aText) {
+    size_t theLength = 0;
+    while (vxIsNameChar(aText[theLength])) {
+        ++theLength;
     }
+    return theLength;
 }
 
-// Where the argument that begins at aText ends.
-const char* vxFindArgumentEnd(const char* aText) {
+// Copies one argument without its quotes, and its NUL; aFrom moves behind it, the result behind the
+// copy. The copy never overtakes: what ends an argument makes room for the NUL.
+char* vxCopyArgument(const char*& aFrom, char* aTo) {
     bool theIsQuoted = false;
-    const char* thePos = aText;
-    for (; *thePos != '\0' && (theIsQuoted || !vxIsBlank(*thePos)); ++thePos) {
-        theIsQuoted ^= *thePos == '"' && (thePos == aText || thePos[-1] != '\\');
-    }
-    return thePos;
-}
-
-// Copies an argument without its quotes.
-char* vxCopyArgument(const char* aFirst, const char* aLast) {
-    char* const theCopy = static_cast<char*>(vxMalloc(static_cast<size_t>(aLast - aFirst) + 1));
-    if (theCopy == NULL) {
-        return NULL;
-    }
-    char* theEnd = theCopy;
-    for (const char* i = aFirst; i != aLast; ++i) {
-        if (*i != '"' || (i != aFirst && i[-1] == '\\')) {
-            *theEnd++ = *i;
+    for (char theLast = '\0'; *aFrom != '\0' && (theIsQuoted || !vxIsBlank(*aFrom));
+         theLast = *aFrom++) {
+        if (*aFrom == '"' && theLast != '\\') {
+            theIsQuoted = !theIsQuoted;
+        } else {
+            *aTo++ = *aFrom;
         }
     }
-    *theEnd = '\0';
-    return theCopy;
-}
-
-vxCString vxTakeText(char* aText) {
-    return vxCString::FromAllocatedString(aText);
+    *aTo++ = '\0';
+    return aTo;
 }
 
 // The type of an option's value in angle brackets; nothing for a switch.
@@ -102,7 +92,7 @@ vxCString vxValueUsage(const vxCommandLineOption& anOption) {
 
 vxCString vxParameterUsage(const vxCommandLineParameter& aParameter) {
     const bool theIsOptional = aParameter.HasFlag(vxCommandLineFlag_ParameterOptional);
-    return vxCString::Format(" %s%s%s%s", theIsOptional ? "[" : "", aParameter.mDescription.c_str(),
+    return vxCString::Format(" %s%s%s%s", theIsOptional ? "[" : "", aParameter.mDescription,
                              aParameter.HasFlag(vxCommandLineFlag_ParameterMultiple) ? "..." : "",
                              theIsOptional ? "]" : "");
 }
@@ -110,90 +100,78 @@ vxCString vxParameterUsage(const vxCommandLineParameter& aParameter) {
 }  // namespace
 
 struct vxCommandLineParserData {
-    // An argument, or what remains of glued switches, which lacks its switch character.
-    struct Argument {
-        const char* mText;
-        bool mfQueued;
-    };
+    vxCommandLineParserData() { std::fill(std::begin(mIndex), std::end(mIndex), kvxNoOption); }
 
-    vxCommandLineParserData()
-        : mSwitchChars("-"),
-          mArguments(vxNewOwningList(free)),
-          mOptions(vxNewOwningList(vxDeleteOption)),
-          mParametersDesc(vxNewOwningList(vxDeleteParameter)),
-          mParameters(vxNewOwningList(free)),
-          mQueue(vxPtrList_New()) {}
-    ~vxCommandLineParserData() {
-        vxPtrList_Delete(mQueue);
-        vxPtrList_Delete(mParameters);
-        vxPtrList_Delete(mParametersDesc);
-        vxPtrList_Delete(mOptions);
-        vxPtrList_Delete(mArguments);
-    }
+    // Arguments
+    void SetArguments(int anArgc, char** anArgv);
+    void SplitArguments(const char* aLine, size_t aLength);
 
+    // Options
     int FindOption(const char* aName) const;
-    vxCommandLineOption* GetOption(const char* aName) const;
-    vxCommandLineOption* FindLongestOption(const char* aText) const;
-    void IndexOption(vxCommandLineOption* anOption);
+    const vxCommandLineOption* GetOption(const char* aName) const;
+    vxCommandLineOption* FindLongestOption(const char* aText);
+    void IndexLastOption();
+    const char* Keep(const vxCString& aText);
     vxCString OptionUsage(const vxCommandLineOption& anOption) const;
     vxCString OptionDetail(const vxCommandLineOption& anOption) const;
 
-    bool Next(Argument& anArgument);
-    vxCString TextOf(const Argument& anArgument) const;
-    bool IsOption(const Argument& anArgument) const;
+    // Parsing
     int Walk();
-    int ParseOption(const Argument& anArgument);
-    bool ParseValue(vxCommandLineOption* anOption, const char* aText);
-    bool StoreValue(vxCommandLineOption* anOption, const char* aValue);
-    bool ParseParameter(const Argument& anArgument);
+    bool Next(vxArgument& anArgument);
+    vxCString TextOf(const vxArgument& anArgument) const;
+    bool IsOption(const vxArgument& anArgument) const;
+    int ParseOption(const vxArgument& anArgument);
+    bool ParseValue(vxCommandLineOption& anOption, const char* aText);
+    bool StoreValue(vxCommandLineOption& anOption, const char* aValue);
+    bool ParseParameter(const vxArgument& anArgument);
     bool CheckOptions();
     bool CheckParameters();
+    bool Fail(const vxCString& anError) {
+        mError = anError;
+        return false;
+    }
 
-    vxCString mSwitchChars;      // the characters that begin an option
-    vxPtrList* mArguments;       // owned texts; the first is the program's name
-    vxPtrList* mOptions;         // owned vxCommandLineOption
-    vxPtrList* mParametersDesc;  // owned vxCommandLineParameter
-    vxPtrList* mParameters;      // owned texts: the positional arguments found
-
-    // Heads of chains of the options whose names begin with bytes that are equal modulo 64.
-    vxCommandLineOption* mIndex[64] = {};
+    const char* mSwitchChars = "-";      // the characters that begin an option
+    vxCharBuffer mText;                  // the texts of all arguments
+    std::vector<vxArgument> mArguments;  // the first is the program's name
+    std::vector<vxCommandLineOption> mOptions;
+    std::vector<vxCommandLineParameter> mParametersDesc;
+    std::vector<vxArgument> mParameters;  // the positional arguments found
+    std::vector<vxCString> mKeptTexts;    // what options and parameters borrow, if not a table's
+    size_t mIndex[kvxOptionIndex_Size];   // first options of the chains
 
     // The parse under way.
-    vxPtrListNode* mNext = NULL;       // next argument
-    vxPtrList* mQueue;                 // what remains of glued switches: into mArguments
-    vxPtrListNode* mParameter = NULL;  // next positional parameter
-    bool mfIsCollecting = false;       // it takes all the rest and has got something
-    bool mfOptionsAllowed = true;      // no `--` yet
+    std::vector<vxArgument> mRound;      // what remained of the arguments of the round before
+    std::vector<vxArgument> mNextRound;  // what remains of those of this round
+    const vxArgument* mPos = NULL;       // next argument of this round
+    const vxArgument* mEnd = NULL;
+    size_t mParameter = 0;         // next positional parameter
+    bool mfIsCollecting = false;   // it takes all the rest and has got something
+    bool mfOptionsAllowed = true;  // no `--` yet
     vxCString mError;
-
-    // Where GetParameter() looked last, so that reading one after the other is linear.
-    vxPtrListNode* mLastParameter = NULL;
-    unsigned mLastIndex = 0;
 };
 
 // The option
 
-vxCommandLineOption::vxCommandLineOption(vxCommandLineEntryType aKind, const vxCString& anOption,
-                                         const vxCString& aDescription,
-                                         vxCommandLineParameterType aType, int aFlags)
+vxCommandLineOption::vxCommandLineOption(vxCommandLineEntryType aKind, const char* anOption,
+                                         const char* aDescription, vxCommandLineParameterType aType,
+                                         int aFlags)
     : mKind(aKind),
-      mOptionName(anOption),
-      mDescription(aDescription),
+      mOptionName(vxNotNull(anOption)),
+      mDescription(vxNotNull(aDescription)),
       mType(aType),
       mFlags(aFlags),
       mfHasValue(false),
       mInt32Value(0),
-      mNextSimilar(NULL) {
-    VXASSERT(!anOption.IsEmpty());
-    VXASSERT(GetOptionName(anOption).length() == anOption.length());
+      mNameLength(vxNameLength(mOptionName)),
+      mNextSimilar(kvxNoOption) {
+    VXASSERT_TEXT(*mOptionName != '\0', "!anOption.IsEmpty()");
+    VXASSERT_TEXT(mOptionName[mNameLength] == '\0',
+                  "GetOptionName(anOption).length() == anOption.length()");
 }
 
 vxCString vxCommandLineOption::GetOptionName(const char* aText) {
-    const char* theEnd = aText;
-    while (vxIsNameChar(*theEnd)) {
-        ++theEnd;
-    }
-    return vxCString(aText, static_cast<size_t>(theEnd - aText));
+    return vxCString(aText, vxNameLength(aText));
 }
 
 int32_t vxCommandLineOption::GetInt32Value() const {
@@ -212,212 +190,235 @@ void vxCommandLineOption::SetInt32Value(int32_t aValue) {
     mfHasValue = true;
 }
 
-void vxCommandLineOption::SetStringValue(const vxCString& aValue) {
+void vxCommandLineOption::SetStringValue(const char* aValue) {
     VXASSERT(mType == vxCommandLineParameter_String);
     mStringValue = aValue;
     mfHasValue = true;
 }
 
-// Finding options
+// Arguments
 
-int vxCommandLineParserData::FindOption(const char* aName) const {
-    int theIndex = 0;
-    for (vxPtrListNode* i = vxPtrList_GetFirstNode(mOptions); i != NULL;
-         i = vxPtrListNode_GetNext(i), ++theIndex) {
-        if (static_cast<vxCommandLineOption*>(vxPtrListNode_GetPtr(i))->GetName() == aName) {
-            return theIndex;
-        }
+void vxCommandLineParserData::SetArguments(int anArgc, char** anArgv) {
+    mArguments.clear();
+    size_t theSize = 0;
+    for (int i = 0; anArgv != NULL && i < anArgc && anArgv[i] != NULL; ++i) {
+        theSize += strlen(anArgv[i]) + 1;
     }
-    return -1;
+    vxCharBuffer theText(theSize);
+    char* theEnd = theText.data();
+    mArguments.reserve(anArgc > 0 ? static_cast<size_t>(anArgc) : 0);
+    for (int i = 0; theEnd != NULL && anArgv != NULL && i < anArgc && anArgv[i] != NULL; ++i) {
+        mArguments.push_back({theEnd, false});
+        const size_t theLength = strlen(anArgv[i]) + 1;
+        memcpy(theEnd, anArgv[i], theLength);
+        theEnd += theLength;
+    }
+    mText = theText;
 }
 
-vxCommandLineOption* vxCommandLineParserData::GetOption(const char* aName) const {
-    vxCommandLineOption* theOption = mIndex[vxIndexOf(*aName)];
-    while (theOption != NULL && theOption->mOptionName != aName) {
-        theOption = theOption->mNextSimilar;
+void vxCommandLineParserData::SplitArguments(const char* aLine, size_t aLength) {
+    mArguments.clear();
+    vxCharBuffer theText(aLength);
+    for (char* theEnd = theText.data(); theEnd != NULL;) {
+        while (vxIsBlank(*aLine)) {
+            ++aLine;
+        }
+        if (*aLine == '\0') {
+            break;
+        }
+        mArguments.push_back({theEnd, false});
+        theEnd = vxCopyArgument(aLine, theEnd);
     }
-    return theOption;
+    mText = theText;
+}
+
+// Options
+
+int vxCommandLineParserData::FindOption(const char* aName) const {
+    const vxCommandLineOption* theOption = GetOption(aName);
+    return theOption == NULL ? -1 : static_cast<int>(theOption - mOptions.data());
+}
+
+const vxCommandLineOption* vxCommandLineParserData::GetOption(const char* aName) const {
+    for (size_t i = mIndex[vxIndexOf(*aName)]; i != kvxNoOption; i = mOptions[i].mNextSimilar) {
+        if (strcmp(mOptions[i].mOptionName, aName) == 0) {
+            return &mOptions[i];
+        }
+    }
+    return NULL;
 }
 
 // The option with the longest name that aText begins with, or null.
-vxCommandLineOption* vxCommandLineParserData::FindLongestOption(const char* aText) const {
+vxCommandLineOption* vxCommandLineParserData::FindLongestOption(const char* aText) {
     vxCommandLineOption* theLongest = NULL;
-    size_t theLongestLength = 0;
-    for (vxCommandLineOption* i = mIndex[vxIndexOf(*aText)]; i != NULL; i = i->mNextSimilar) {
-        const size_t theLength = i->mOptionName.length();
-        if (theLength > theLongestLength && strncmp(i->mOptionName, aText, theLength) == 0) {
-            theLongest = i;
-            theLongestLength = theLength;
+    for (size_t i = mIndex[vxIndexOf(*aText)]; i != kvxNoOption; i = mOptions[i].mNextSimilar) {
+        vxCommandLineOption& theOption = mOptions[i];
+        if ((theLongest == NULL || theOption.mNameLength > theLongest->mNameLength) &&
+            strncmp(theOption.mOptionName, aText, theOption.mNameLength) == 0) {
+            theLongest = &theOption;
         }
     }
     return theLongest;
 }
 
-void vxCommandLineParserData::IndexOption(vxCommandLineOption* anOption) {
-    vxCommandLineOption*& theHead = mIndex[vxIndexOf(anOption->mOptionName.First())];
-    anOption->mNextSimilar = theHead;
-    theHead = anOption;
+void vxCommandLineParserData::IndexLastOption() {
+    size_t& theHead = mIndex[vxIndexOf(*mOptions.back().mOptionName)];
+    mOptions.back().mNextSimilar = theHead;
+    theHead = mOptions.size() - 1;
+}
+
+// Keeps a text of the caller for as long as the parser lives.
+const char* vxCommandLineParserData::Keep(const vxCString& aText) {
+    mKeptTexts.push_back(aText.c_str());
+    return mKeptTexts.back().c_str();
 }
 
 vxCString vxCommandLineParserData::OptionUsage(const vxCommandLineOption& anOption) const {
     const bool theIsMandatory = anOption.HasFlag(vxCommandLineFlag_MandatoryOption);
-    return vxCString::Format(" %s%c%s%s%s", theIsMandatory ? "" : "[", mSwitchChars.First(),
-                             anOption.mOptionName.c_str(), vxValueUsage(anOption).c_str(),
+    return vxCString::Format(" %s%c%s%s%s", theIsMandatory ? "" : "[", *mSwitchChars,
+                             anOption.mOptionName, vxValueUsage(anOption).c_str(),
                              theIsMandatory ? "" : "]");
 }
 
 vxCString vxCommandLineParserData::OptionDetail(const vxCommandLineOption& anOption) const {
     const vxCString theValue = vxValueUsage(anOption);
-    return vxCString::Format("  %c%s%s%s", mSwitchChars.First(), anOption.mOptionName.c_str(),
+    return vxCString::Format("  %c%s%s%s", *mSwitchChars, anOption.mOptionName,
                              theValue.IsEmpty() ? "" : " ", theValue.c_str());
 }
 
-// Walking the arguments
-
-bool vxCommandLineParserData::Next(Argument& anArgument) {
-    if (mNext != NULL) {
-        anArgument = {static_cast<char*>(vxPtrListNode_GetPtr(mNext)), false};
-        mNext = vxPtrListNode_GetNext(mNext);
-        return true;
-    }
-    vxPtrListNode* theNode = vxPtrList_GetFirstNode(mQueue);
-    if (theNode == NULL) {
-        return false;
-    }
-    anArgument = {static_cast<char*>(vxPtrList_TakeNode(mQueue, theNode)), true};
-    return true;
-}
-
-vxCString vxCommandLineParserData::TextOf(const Argument& anArgument) const {
-    return anArgument.mfQueued ? vxCString::Format("%c%s", mSwitchChars.First(), anArgument.mText)
-                               : vxCString(anArgument.mText);
-}
-
-bool vxCommandLineParserData::IsOption(const Argument& anArgument) const {
-    const char* theText = anArgument.mText;
-    return mfOptionsAllowed && (anArgument.mfQueued || (theText[0] != '\0' && theText[1] != '\0' &&
-                                                        strchr(mSwitchChars, theText[0]) != NULL));
-}
+// Parsing
 
 int vxCommandLineParserData::Walk() {
     mError.clear();
+    mNextRound.clear();
+    mParameters.clear();
+    mParameter = 0;
     mfIsCollecting = false;
     mfOptionsAllowed = true;
-    mLastParameter = NULL;
-    vxPtrList_Clear(mQueue);
-    vxPtrList_Clear(mParameters);
-    mParameter = vxPtrList_GetFirstNode(mParametersDesc);
-    mNext = vxPtrList_GetNodeAt(mArguments, 1);
-    Argument theArgument;
+    mPos = mArguments.data() + (mArguments.empty() ? 0 : 1);
+    mEnd = mArguments.data() + mArguments.size();
+    vxArgument theArgument;
     while (Next(theArgument)) {
-        if (mfOptionsAllowed && !theArgument.mfQueued && strcmp(theArgument.mText, "--") == 0) {
+        if (!IsOption(theArgument)) {
+            if (!ParseParameter(theArgument)) {
+                return 1;
+            }
+        } else if (!theArgument.mfQueued && strcmp(theArgument.mText, "--") == 0) {
             mfOptionsAllowed = false;
-            continue;
-        }
-        const int theResult =
-            IsOption(theArgument) ? ParseOption(theArgument) : !ParseParameter(theArgument);
-        if (theResult != 0) {
+        } else if (const int theResult = ParseOption(theArgument); theResult != 0) {
             return theResult;
         }
     }
     return CheckOptions() && CheckParameters() ? 0 : 1;
 }
 
-int vxCommandLineParserData::ParseOption(const Argument& anArgument) {
+bool vxCommandLineParserData::Next(vxArgument& anArgument) {
+    if (mPos == mEnd) {
+        mRound.swap(mNextRound);
+        mNextRound.clear();
+        mPos = mRound.data();
+        mEnd = mPos + mRound.size();
+        if (mPos == mEnd) {
+            return false;
+        }
+    }
+    anArgument = *mPos++;
+    return true;
+}
+
+vxCString vxCommandLineParserData::TextOf(const vxArgument& anArgument) const {
+    return anArgument.mfQueued ? vxCString::Format("%c%s", *mSwitchChars, anArgument.mText)
+                               : vxCString(anArgument.mText);
+}
+
+bool vxCommandLineParserData::IsOption(const vxArgument& anArgument) const {
+    const char* theText = anArgument.mText;
+    return mfOptionsAllowed && (anArgument.mfQueued || (theText[0] != '\0' && theText[1] != '\0' &&
+                                                        strchr(mSwitchChars, theText[0]) != NULL));
+}
+
+int vxCommandLineParserData::ParseOption(const vxArgument& anArgument) {
     const char* const theText = anArgument.mText + (anArgument.mfQueued ? 0 : 1);
-    vxCommandLineOption* theOption = *theText == '-' ? NULL : FindLongestOption(theText);
+    vxCommandLineOption* theOption = FindLongestOption(theText);
     if (theOption == NULL) {
         const bool theIsLong = *theText == '-';
-        mError = vxCString::Format(
+        Fail(vxCString::Format(
             "Unknown option '%s%s'\n", theIsLong ? "--" : "",
-            vxCommandLineOption::GetOptionName(theText + (theIsLong ? 1 : 0)).c_str());
+            vxCommandLineOption::GetOptionName(theText + (theIsLong ? 1 : 0)).c_str()));
         return 1;
     }
-    const char* const theRest = theText + theOption->GetName().length();
-    if (theOption->GetKind() == vxCommandLineEntryType_Option) {
-        return ParseValue(theOption, theRest) ? 0 : 1;
+    const char* const theRest = theText + theOption->mNameLength;
+    if (theOption->mKind == vxCommandLineEntryType_Option) {
+        return ParseValue(*theOption, theRest) ? 0 : 1;
     }
     if (vxIsNameChar(*theRest)) {
-        vxPtrList_Append(mQueue, const_cast<char*>(theRest));
+        mNextRound.push_back({theRest, true});
     }
     theOption->SetHasValue();
     return theOption->HasFlag(vxCommandLineFlag_HelpOption) ? -1 : 0;
 }
 
 // aText is what stands behind the name of the option.
-bool vxCommandLineParserData::ParseValue(vxCommandLineOption* anOption, const char* aText) {
+bool vxCommandLineParserData::ParseValue(vxCommandLineOption& anOption, const char* aText) {
     if (*aText == ':' || *aText == '=') {
         return StoreValue(anOption, aText + 1);
     }
     if (*aText == '\0') {
-        Argument theArgument;
-        if (Next(theArgument)) {
-            return StoreValue(anOption, TextOf(theArgument));
+        vxArgument theArgument;
+        if (!Next(theArgument)) {
+            return Fail(vxCString::Format("Option '%s' requires a value\n", anOption.mOptionName));
         }
-        mError = vxCString::Format("Option '%s' requires a value\n", anOption->GetName().c_str());
-        return false;
+        return StoreValue(anOption,
+                          theArgument.mfQueued ? TextOf(theArgument).c_str() : theArgument.mText);
     }
-    if (anOption->HasFlag(vxCommandLineFlag_NeedSeparator)) {
-        mError = vxCString::Format("Separator expected after the option '%s'\n",
-                                   anOption->GetName().c_str());
-        return false;
+    if (anOption.HasFlag(vxCommandLineFlag_NeedSeparator)) {
+        return Fail(
+            vxCString::Format("Separator expected after the option '%s'\n", anOption.mOptionName));
     }
     return StoreValue(anOption, aText);
 }
 
-bool vxCommandLineParserData::StoreValue(vxCommandLineOption* anOption, const char* aValue) {
-    if (anOption->GetType() != vxCommandLineParameter_Number) {
-        anOption->SetStringValue(aValue);
+bool vxCommandLineParserData::StoreValue(vxCommandLineOption& anOption, const char* aValue) {
+    if (anOption.mType != vxCommandLineParameter_Number) {
+        anOption.SetStringValue(aValue);
         return true;
     }
     int32_t theNumber;
     if (vxConvert_strtoint32(aValue, &theNumber) != 0) {
-        mError = vxCString::Format("'%s' is not a correct numeric value for option '%s'\n", aValue,
-                                   anOption->GetName().c_str());
-        return false;
+        return Fail(vxCString::Format("'%s' is not a correct numeric value for option '%s'\n",
+                                      aValue, anOption.mOptionName));
     }
-    anOption->SetInt32Value(theNumber);
+    anOption.SetInt32Value(theNumber);
     return true;
 }
 
-bool vxCommandLineParserData::ParseParameter(const Argument& anArgument) {
-    const vxCString theText = TextOf(anArgument);
-    if (mParameter == NULL) {
-        mError = vxCString::Format("Unexpected parameter '%s'\n", theText.c_str());
-        return false;
+bool vxCommandLineParserData::ParseParameter(const vxArgument& anArgument) {
+    if (mParameter == mParametersDesc.size()) {
+        return Fail(vxCString::Format("Unexpected parameter '%s'\n", TextOf(anArgument).c_str()));
     }
-    vxAppendOwned(mParameters, vxStrdup(theText));
-    mfIsCollecting = static_cast<vxCommandLineParameter*>(vxPtrListNode_GetPtr(mParameter))
-                         ->HasFlag(vxCommandLineFlag_ParameterMultiple);
-    VXASSERT_TEXT(!mfIsCollecting || vxPtrListNode_GetNext(mParameter) == NULL,
+    mParameters.push_back(anArgument);
+    mfIsCollecting = mParametersDesc[mParameter].HasFlag(vxCommandLineFlag_ParameterMultiple);
+    VXASSERT_TEXT(!mfIsCollecting || mParameter == mParametersDesc.size() - 1,
                   "theCurrentParam == theParamCount - 1");
-    if (!mfIsCollecting) {
-        mParameter = vxPtrListNode_GetNext(mParameter);
-    }
+    mParameter += mfIsCollecting ? 0 : 1;
     return true;
 }
 
 bool vxCommandLineParserData::CheckOptions() {
-    for (vxPtrListNode* i = vxPtrList_GetFirstNode(mOptions); i != NULL;
-         i = vxPtrListNode_GetNext(i)) {
-        const auto* theOption = static_cast<vxCommandLineOption*>(vxPtrListNode_GetPtr(i));
-        if (theOption->HasFlag(vxCommandLineFlag_MandatoryOption) && !theOption->HasValue()) {
-            mError = vxCString::Format("The value for the option '%s' must be specified\n",
-                                       theOption->GetName().c_str());
-            return false;
+    for (const vxCommandLineOption& theOption : mOptions) {
+        if (theOption.HasFlag(vxCommandLineFlag_MandatoryOption) && !theOption.HasValue()) {
+            return Fail(vxCString::Format("The value for the option '%s' must be specified\n",
+                                          theOption.mOptionName));
         }
     }
     return true;
 }
 
 bool vxCommandLineParserData::CheckParameters() {
-    vxPtrListNode* theMissing = mfIsCollecting ? vxPtrListNode_GetNext(mParameter) : mParameter;
-    for (vxPtrListNode* i = theMissing; i != NULL; i = vxPtrListNode_GetNext(i)) {
-        const auto* theParam = static_cast<vxCommandLineParameter*>(vxPtrListNode_GetPtr(i));
-        if (!theParam->HasFlag(vxCommandLineFlag_ParameterOptional)) {
-            mError = vxCString::Format("The required parameter '%s' was not specified\n",
-                                       theParam->mDescription.c_str());
-            return false;
+    for (size_t i = mParameter + (mfIsCollecting ? 1 : 0); i < mParametersDesc.size(); ++i) {
+        if (!mParametersDesc[i].HasFlag(vxCommandLineFlag_ParameterOptional)) {
+            return Fail(vxCString::Format("The required parameter '%s' was not specified\n",
+                                          mParametersDesc[i].mDescription));
         }
     }
     return true;
@@ -446,47 +447,40 @@ vxCommandLineParser::~vxCommandLineParser() {
 }
 
 void vxCommandLineParser::SetCommandLine(int anArgc, char** anArgv) {
-    vxPtrList_Clear(mParserData->mQueue);
-    vxPtrList_Clear(mParserData->mArguments);
-    for (int i = 0; anArgv != NULL && i < anArgc && anArgv[i] != NULL; ++i) {
-        vxAppendOwned(mParserData->mArguments, vxStrdup(anArgv[i]));
-    }
+    mParserData->mParameters.clear();
+    mParserData->SetArguments(anArgc, anArgv);
 }
 
 void vxCommandLineParser::SetCommandLine(const vxCString& aCommandLine, bool afHasProgramName) {
     vxCString theLine = aCommandLine;
     if (!afHasProgramName) {
-        const vxCString thePath = vxTakeText(vxPath_GetApplicationFullPath());
+        const vxCString thePath = vxCString::FromAllocatedString(vxPath_GetApplicationFullPath());
         theLine = vxCString::Format("\"%s\" %s", thePath.IsEmpty() ? "unknown" : thePath.c_str(),
                                     aCommandLine.c_str());
     }
-    vxPtrList_Clear(mParserData->mQueue);
-    vxPtrList_Clear(mParserData->mArguments);
-    for (const char* i = theLine;;) {
-        while (vxIsBlank(*i)) {
-            ++i;
-        }
-        if (*i == '\0') {
-            return;
-        }
-        const char* const theEnd = vxFindArgumentEnd(i);
-        vxAppendOwned(mParserData->mArguments, vxCopyArgument(i, theEnd));
-        i = theEnd;
-    }
+    mParserData->mParameters.clear();
+    mParserData->SplitArguments(theLine, theLine.length());
 }
 
 void vxCommandLineParser::SetDescription(const vxCommandLineDescription* aTable) {
-    for (const vxCommandLineDescription* i = aTable;
-         i != NULL && i->mKind != vxCommandLineEntryType_None; ++i) {
-        switch (i->mKind) {
+    size_t theCount = 0;
+    while (aTable != NULL && aTable[theCount].mKind != vxCommandLineEntryType_None) {
+        ++theCount;
+    }
+    mParserData->mOptions.reserve(mParserData->mOptions.size() + theCount);
+    for (size_t i = 0; i < theCount; ++i) {
+        const vxCommandLineDescription& theRow = aTable[i];
+        switch (theRow.mKind) {
             case vxCommandLineEntryType_Switch:
-                AddSwitch(i->mOptionName, i->mDescription, i->mFlags);
+                AddEntry(theRow.mKind, theRow.mOptionName, theRow.mDescription,
+                         vxCommandLineParameter_None, theRow.mFlags);
                 break;
             case vxCommandLineEntryType_Option:
-                AddOption(i->mOptionName, i->mDescription, i->mType, i->mFlags);
+                AddEntry(theRow.mKind, theRow.mOptionName, theRow.mDescription, theRow.mType,
+                         theRow.mFlags);
                 break;
             case vxCommandLineEntryType_Parameter:
-                AddParam(i->mDescription, i->mType, i->mFlags);
+                AddParamEntry(theRow.mDescription, theRow.mType, theRow.mFlags);
                 break;
             default:
                 VXASSERT_TEXT(false, "Unknown command line entry type");
@@ -496,44 +490,47 @@ void vxCommandLineParser::SetDescription(const vxCommandLineDescription* aTable)
 
 void vxCommandLineParser::AddSwitch(const vxCString& aName, const vxCString& aDescription,
                                     int aFlags) {
-    AddEntry(vxCommandLineEntryType_Switch, aName, aDescription, vxCommandLineParameter_None,
-             aFlags);
+    AddEntry(vxCommandLineEntryType_Switch, mParserData->Keep(aName),
+             mParserData->Keep(aDescription), vxCommandLineParameter_None, aFlags);
 }
 
 void vxCommandLineParser::AddOption(const vxCString& aName, const vxCString& aDescription,
                                     vxCommandLineParameterType aType, int aFlags) {
-    AddEntry(vxCommandLineEntryType_Option, aName, aDescription, aType, aFlags);
-}
-
-void vxCommandLineParser::AddEntry(vxCommandLineEntryType aKind, const vxCString& aName,
-                                   const vxCString& aDescription, vxCommandLineParameterType aType,
-                                   int aFlags) {
-    const bool theIsNew = mParserData->FindOption(aName) == -1;
-    VXASSERT_TEXT(theIsNew, "mParserData->FindOption(aName) == -1");
-    auto theOption =
-        std::make_unique<vxCommandLineOption>(aKind, aName, aDescription, aType, aFlags);
-    const bool theIsName =
-        !aName.IsEmpty() && vxCommandLineOption::GetOptionName(aName).length() == aName.length();
-    if (theIsNew && theIsName && vxPtrList_Append(mParserData->mOptions, theOption.get()) != NULL) {
-        mParserData->IndexOption(theOption.release());
-    }
+    AddEntry(vxCommandLineEntryType_Option, mParserData->Keep(aName),
+             mParserData->Keep(aDescription), aType, aFlags);
 }
 
 void vxCommandLineParser::AddParam(const vxCString& aDescription, vxCommandLineParameterType aType,
                                    int aFlags) {
-    const vxPtrListNode* theLast = vxPtrList_GetLastNode(mParserData->mParametersDesc);
-    if (theLast != NULL) {
-        const auto* theParam = static_cast<vxCommandLineParameter*>(vxPtrListNode_GetPtr(theLast));
+    AddParamEntry(mParserData->Keep(aDescription), aType, aFlags);
+}
+
+// The texts are borrowed from here on.
+void vxCommandLineParser::AddEntry(vxCommandLineEntryType aKind, const char* aName,
+                                   const char* aDescription, vxCommandLineParameterType aType,
+                                   int aFlags) {
+    const char* const theName = vxNotNull(aName);
+    const bool theIsNew = mParserData->FindOption(theName) == -1;
+    VXASSERT_TEXT(theIsNew, "mParserData->FindOption(aName) == -1");
+    mParserData->mOptions.emplace_back(aKind, theName, aDescription, aType, aFlags);
+    if (theIsNew && *theName != '\0' && theName[vxNameLength(theName)] == '\0') {
+        mParserData->IndexLastOption();
+    } else {
+        mParserData->mOptions.pop_back();
+    }
+}
+
+void vxCommandLineParser::AddParamEntry(const char* aDescription, vxCommandLineParameterType aType,
+                                        int aFlags) {
+    std::vector<vxCommandLineParameter>& theParams = mParserData->mParametersDesc;
+    if (!theParams.empty()) {
+        const vxCommandLineParameter* theParam = &theParams.back();
         VXASSERT(!(theParam->mFlags & vxCommandLineFlag_ParameterMultiple));
         if ((aFlags & vxCommandLineFlag_ParameterOptional) == 0) {
             VXASSERT(!(theParam->mFlags & vxCommandLineFlag_ParameterOptional));
         }
     }
-    auto theParam = std::make_unique<vxCommandLineParameter>(
-        vxCommandLineParameter{aDescription, aType, aFlags});
-    if (vxPtrList_Append(mParserData->mParametersDesc, theParam.get()) != NULL) {
-        theParam.release();
-    }
+    theParams.push_back({vxNotNull(aDescription), aType, aFlags});
 }
 
 int vxCommandLineParser::Parse(bool afDisplayUsage) {
@@ -586,48 +583,34 @@ bool vxCommandLineParser::Found(const char* aName, int* aValue) const {
 }
 
 unsigned vxCommandLineParser::GetParameterCount() const {
-    return static_cast<unsigned>(vxPtrList_GetCount(mParserData->mParameters));
+    return static_cast<unsigned>(mParserData->mParameters.size());
 }
 
 vxCString vxCommandLineParser::GetParameter(unsigned anIndex) const {
     VXASSERT(anIndex < GetParameterCount());
-    if (anIndex >= GetParameterCount()) {
-        return "";
-    }
-    vxCommandLineParserData& theData = *mParserData;
-    const bool theIsNext = theData.mLastParameter != NULL && anIndex == theData.mLastIndex + 1;
-    theData.mLastParameter = theIsNext ? vxPtrListNode_GetNext(theData.mLastParameter)
-                                       : vxPtrList_GetNodeAt(theData.mParameters, anIndex);
-    theData.mLastIndex = anIndex;
-    return static_cast<char*>(vxPtrListNode_GetPtr(theData.mLastParameter));
+    return anIndex < GetParameterCount() ? mParserData->TextOf(mParserData->mParameters[anIndex])
+                                         : vxCString();
 }
 
 void vxCommandLineParser::Reset() {
-    for (vxPtrListNode* i = vxPtrList_GetFirstNode(mParserData->mOptions); i != NULL;
-         i = vxPtrListNode_GetNext(i)) {
-        static_cast<vxCommandLineOption*>(vxPtrListNode_GetPtr(i))->Reset();
+    for (vxCommandLineOption& theOption : mParserData->mOptions) {
+        theOption.Reset();
     }
 }
 
 vxCString vxCommandLineParser::GetUsageString() const {
-    const vxCString theProgram = vxTakeText(vxPath_GetApplicationName());
+    const vxCString theProgram = vxCString::FromAllocatedString(vxPath_GetApplicationName());
     vxCString theUsage = vxCString::Format("Usage: %s", theProgram.c_str());
     size_t theWidth = 0;
-    for (vxPtrListNode* i = vxPtrList_GetFirstNode(mParserData->mOptions); i != NULL;
-         i = vxPtrListNode_GetNext(i)) {
-        const auto& theOption = *static_cast<vxCommandLineOption*>(vxPtrListNode_GetPtr(i));
+    for (const vxCommandLineOption& theOption : mParserData->mOptions) {
         theUsage += mParserData->OptionUsage(theOption);
         theWidth = std::max(theWidth, mParserData->OptionDetail(theOption).length());
     }
-    for (vxPtrListNode* i = vxPtrList_GetFirstNode(mParserData->mParametersDesc); i != NULL;
-         i = vxPtrListNode_GetNext(i)) {
-        theUsage +=
-            vxParameterUsage(*static_cast<vxCommandLineParameter*>(vxPtrListNode_GetPtr(i)));
+    for (const vxCommandLineParameter& theParameter : mParserData->mParametersDesc) {
+        theUsage += vxParameterUsage(theParameter);
     }
     theUsage += '\n';
-    for (vxPtrListNode* i = vxPtrList_GetFirstNode(mParserData->mOptions); i != NULL;
-         i = vxPtrListNode_GetNext(i)) {
-        const auto& theOption = *static_cast<vxCommandLineOption*>(vxPtrListNode_GetPtr(i));
+    for (const vxCommandLineOption& theOption : mParserData->mOptions) {
         vxCString theDetail = mParserData->OptionDetail(theOption);
         theDetail.Pad(theWidth - theDetail.length(), ' ', true);
         theUsage += theDetail + '\t' + theOption.GetDescription() + '\n';

@@ -43,21 +43,23 @@ struct vxCommandLineParserData;
 
 /// A declared switch or option, and what the last parse found for it.
 ///
+/// Owner:    names and descriptions stay the caller's and must outlive the option.
 /// Threads:  one at a time.
 class VX_EXPORT vxCommandLineOption {
 public:
+    /// A null text counts as the empty text.
+    ///
     /// Asserts:  !anOption.IsEmpty(); GetOptionName(anOption).length() == anOption.length(): a name
     ///           has only letters, digits, `_` and `?`.
-    vxCommandLineOption(vxCommandLineEntryType aKind, const vxCString& anOption,
-                        const vxCString& aDescription, vxCommandLineParameterType aType,
-                        int aFlags);
+    vxCommandLineOption(vxCommandLineEntryType aKind, const char* anOption,
+                        const char* aDescription, vxCommandLineParameterType aType, int aFlags);
 
     /// Returns the leading letters, digits, `_` and `?` of a text.
     static vxCString GetOptionName(const char* aText);
 
     vxCommandLineEntryType GetKind() const { return mKind; }
-    const vxCString& GetName() const { return mOptionName; }
-    const vxCString& GetDescription() const { return mDescription; }
+    const char* GetName() const { return mOptionName; }
+    const char* GetDescription() const { return mDescription; }
     vxCommandLineParameterType GetType() const { return mType; }
     bool HasFlag(vxCommandLineFlag aFlag) const { return (mFlags & aFlag) != 0; }
 
@@ -75,20 +77,21 @@ public:
 
     // Each stores the value, asserts as its getter does, and marks the option as given.
     void SetInt32Value(int32_t aValue);
-    void SetStringValue(const vxCString& aValue);
+    void SetStringValue(const char* aValue);
 
 private:
     friend struct vxCommandLineParserData;
 
     vxCommandLineEntryType mKind;
-    vxCString mOptionName;
-    vxCString mDescription;
+    const char* mOptionName;   // borrowed, never null
+    const char* mDescription;  // borrowed, never null
     vxCommandLineParameterType mType;
     int mFlags;
     bool mfHasValue;  // seen during the last parse
     int32_t mInt32Value;
     vxCString mStringValue;
-    vxCommandLineOption* mNextSimilar;  // in the parser's index
+    size_t mNameLength;
+    size_t mNextSimilar;  // in the parser's index
 };
 
 /// Parses a program's arguments against a table of switches, options and positional parameters.
@@ -133,6 +136,8 @@ public:
 
     /// Declares everything in a table; null does nothing.
     ///
+    /// Owner:    the texts stay the caller's and must outlive the parser, as those of a static table
+    ///           do.
     /// Asserts:  "Unknown command line entry type" for a row of another kind, which is skipped.
     void SetDescription(const vxCommandLineDescription* aTable);
 
@@ -191,8 +196,9 @@ public:
     static vxCString GetTypeName(vxCommandLineParameterType aType);
 
 private:
-    void AddEntry(vxCommandLineEntryType aKind, const vxCString& aName,
-                  const vxCString& aDescription, vxCommandLineParameterType aType, int aFlags);
+    void AddEntry(vxCommandLineEntryType aKind, const char* aName, const char* aDescription,
+                  vxCommandLineParameterType aType, int aFlags);
+    void AddParamEntry(const char* aDescription, vxCommandLineParameterType aType, int aFlags);
 
     vxCommandLineParserData* mParserData;  // owned
 };
