@@ -2,8 +2,8 @@
 //
 // All arguments are copied into one block, and options and parameters are plain records in arrays that
 // borrow the texts of the description table: a program pays for its arguments once, at its start,
-// with a handful of allocations. Options are found through their first byte, and a name is never read
-// further than it can match.
+// with a handful of allocations. Options are found through their first two bytes, and a name is never
+// read further than it can match.
 //
 // What remains of glued switches (`-vq`) is not copied. It waits, without its switch character, for
 // the next round over the arguments; a round ends when all its arguments are processed.
@@ -34,21 +34,36 @@ struct vxCommandLineParameter {
 
 // An argument, or what remains of glued switches, which lacks its switch character.
 struct vxArgument {
+    vxArgument(const char* aText, size_t aSize, bool afQueued)
+        : mText(aText), mSize(static_cast<uint32_t>(aSize)), mfQueued(afQueued) {}
+
     const char* mText;  // in the block of arguments
+    uint32_t mSize;     // bytes to copy while the block is made; meaningless afterwards
     bool mfQueued;
 };
 
-constexpr size_t kvxNoOption = static_cast<size_t>(-1);
+constexpr uint32_t kvxNoOption = 0xFFFFFFFF;
 constexpr size_t kvxOptionIndex_Size = 64;
 
+struct vxNameChars {
+    constexpr vxNameChars() : mIs() {
+        for (const char* i = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_?";
+             *i != '\0'; ++i) {
+            mIs[static_cast<unsigned char>(*i)] = true;
+        }
+    }
+    bool mIs[256];
+};
+
 bool vxIsNameChar(char aChar) {
-    return (aChar >= 'a' && aChar <= 'z') || (aChar >= 'A' && aChar <= 'Z') ||
-           (aChar >= '0' && aChar <= '9') || aChar == '_' || aChar == '?';
+    static constexpr vxNameChars kNameChars;
+    return kNameChars.mIs[static_cast<unsigned char>(aChar)];
 }
 
-// Names that begin with bytes of one value here share a chain of the index.
-size_t vxIndexOf(char aChar) {
-    return static_cast<unsigned char>(aChar) % kvxOptionIndex_Size;
+// Names whose first two bytes have one value here share a chain of the index.
+size_t vxIndexOf(char aFirst, char aSecond) {
+    return (static_cast<unsigned char>(aFirst) * 7u + static_cast<unsigned char>(aSecond)) %
+           kvxOptionIndex_Size;
 }
 
 bool vxIsBlank(char aChar) {
@@ -65,6 +80,22 @@ size_t vxNameLength(const char* aText) {
         ++theLength;
     }
     return theLength;
+}
+
+// Names are short: comparing byte by byte beats a call.
+bool vxStartsWith(const char* aText, const char* aName) {
+    while (*aName != '\0' && *aName == *aText) {
+        ++aName;
+        ++aText;
+    }
+    return *aName == '\0';
+}
+
+bool vxIsOneOf(char aChar, const char* aSet) {
+    while (*aSet != '\0' && *aSet != aChar) {
+        ++aSet;
+    }
+    return *aSet != '\0';
 }
 
 // Copies one argument without its quotes, and its NUL; aFrom moves behind it, the result behind the
@@ -108,6 +139,10 @@ struct vxCommandLineParserData {
 
     // Options
     int FindOption(const char* aName) const;
+    // The first option that may begin as the text does.
+    uint32_t ChainOf(const char* aText) const {
+        return *aText == '\0' ? kvxNoOption : mIndex[vxIndexOf(aText[0], aText[1])];
+    }
     const vxCommandLineOption* GetOption(const char* aName) const;
     vxCommandLineOption* FindLongestOption(const char* aText);
     void IndexLastOption();
@@ -132,13 +167,13 @@ struct vxCommandLineParserData {
     }
 
     const char* mSwitchChars = "-";      // the characters that begin an option
-    vxCharBuffer mText;                  // the texts of all arguments
     std::vector<vxArgument> mArguments;  // the first is the program's name
     std::vector<vxCommandLineOption> mOptions;
     std::vector<vxCommandLineParameter> mParametersDesc;
-    std::vector<vxArgument> mParameters;  // the positional arguments found
-    std::vector<vxCString> mKeptTexts;    // what options and parameters borrow, if not a table's
-    size_t mIndex[kvxOptionIndex_Size];   // first options of the chains
+    std::vector<vxArgument> mParameters;   // the positional arguments found
+    std::vector<vxCString> mKeptTexts;     // what options and parameters borrow, if not a table's
+    uint32_t mIndex[kvxOptionIndex_Size];  // first options of the chains
+    vxCharBuffer mText;                    // the texts of all arguments
 
     // The parse under way.
     std::vector<vxArgument> mRound;      // what remained of the arguments of the round before
@@ -163,7 +198,7 @@ vxCommandLineOption::vxCommandLineOption(vxCommandLineEntryType aKind, const cha
       mFlags(aFlags),
       mfHasValue(false),
       mInt32Value(0),
-      mNameLength(vxNameLength(mOptionName)),
+      mNameLength(static_cast<uint32_t>(vxNameLength(mOptionName))),
       mNextSimilar(kvxNoOption) {
     VXASSERT_TEXT(*mOptionName != '\0', "!anOption.IsEmpty()");
     VXASSERT_TEXT(mOptionName[mNameLength] == '\0',
@@ -200,18 +235,21 @@ void vxCommandLineOption::SetStringValue(const char* aValue) {
 
 void vxCommandLineParserData::SetArguments(int anArgc, char** anArgv) {
     mArguments.clear();
+    mArguments.reserve(anArgc > 0 ? static_cast<size_t>(anArgc) : 0);
     size_t theSize = 0;
     for (int i = 0; anArgv != NULL && i < anArgc && anArgv[i] != NULL; ++i) {
-        theSize += strlen(anArgv[i]) + 1;
+        mArguments.emplace_back(anArgv[i], strlen(anArgv[i]) + 1, false);
+        theSize += mArguments.back().mSize;
     }
     vxCharBuffer theText(theSize);
     char* theEnd = theText.data();
-    mArguments.reserve(anArgc > 0 ? static_cast<size_t>(anArgc) : 0);
-    for (int i = 0; theEnd != NULL && anArgv != NULL && i < anArgc && anArgv[i] != NULL; ++i) {
-        mArguments.push_back({theEnd, false});
-        const size_t theLength = strlen(anArgv[i]) + 1;
-        memcpy(theEnd, anArgv[i], theLength);
-        theEnd += theLength;
+    if (theEnd == NULL) {
+        mArguments.clear();
+    }
+    for (vxArgument& theArgument : mArguments) {
+        memcpy(theEnd, theArgument.mText, theArgument.mSize);
+        theArgument.mText = theEnd;
+        theEnd += theArgument.mSize;
     }
     mText = theText;
 }
@@ -226,7 +264,7 @@ void vxCommandLineParserData::SplitArguments(const char* aLine, size_t aLength) 
         if (*aLine == '\0') {
             break;
         }
-        mArguments.push_back({theEnd, false});
+        mArguments.emplace_back(theEnd, 0, false);
         theEnd = vxCopyArgument(aLine, theEnd);
     }
     mText = theText;
@@ -240,9 +278,10 @@ int vxCommandLineParserData::FindOption(const char* aName) const {
 }
 
 const vxCommandLineOption* vxCommandLineParserData::GetOption(const char* aName) const {
-    for (size_t i = mIndex[vxIndexOf(*aName)]; i != kvxNoOption; i = mOptions[i].mNextSimilar) {
-        if (strcmp(mOptions[i].mOptionName, aName) == 0) {
-            return &mOptions[i];
+    for (uint32_t i = ChainOf(aName); i != kvxNoOption; i = mOptions[i].mNextSimilar) {
+        const vxCommandLineOption& theOption = mOptions[i];
+        if (vxStartsWith(aName, theOption.mOptionName) && aName[theOption.mNameLength] == '\0') {
+            return &theOption;
         }
     }
     return NULL;
@@ -250,21 +289,29 @@ const vxCommandLineOption* vxCommandLineParserData::GetOption(const char* aName)
 
 // The option with the longest name that aText begins with, or null.
 vxCommandLineOption* vxCommandLineParserData::FindLongestOption(const char* aText) {
-    vxCommandLineOption* theLongest = NULL;
-    for (size_t i = mIndex[vxIndexOf(*aText)]; i != kvxNoOption; i = mOptions[i].mNextSimilar) {
-        vxCommandLineOption& theOption = mOptions[i];
-        if ((theLongest == NULL || theOption.mNameLength > theLongest->mNameLength) &&
-            strncmp(theOption.mOptionName, aText, theOption.mNameLength) == 0) {
-            theLongest = &theOption;
+    uint32_t theLongest = kvxNoOption;
+    uint32_t theLength = 0;
+    const char theFirst[] = {*aText, '\0'};
+    for (const char* theStart : {aText, static_cast<const char*>(theFirst)}) {
+        for (uint32_t i = ChainOf(theStart); i != kvxNoOption; i = mOptions[i].mNextSimilar) {
+            if (mOptions[i].mNameLength > theLength &&
+                vxStartsWith(aText, mOptions[i].mOptionName)) {
+                theLongest = i;
+                theLength = mOptions[i].mNameLength;
+            }
+        }
+        if (theLongest != kvxNoOption) {
+            return &mOptions[theLongest];
         }
     }
-    return theLongest;
+    return NULL;
 }
 
 void vxCommandLineParserData::IndexLastOption() {
-    size_t& theHead = mIndex[vxIndexOf(*mOptions.back().mOptionName)];
+    const char* theName = mOptions.back().mOptionName;
+    uint32_t& theHead = mIndex[vxIndexOf(theName[0], theName[1])];
     mOptions.back().mNextSimilar = theHead;
-    theHead = mOptions.size() - 1;
+    theHead = static_cast<uint32_t>(mOptions.size() - 1);
 }
 
 // Keeps a text of the caller for as long as the parser lives.
@@ -292,12 +339,13 @@ int vxCommandLineParserData::Walk() {
     mError.clear();
     mNextRound.clear();
     mParameters.clear();
+    mParameters.reserve(mArguments.size());
     mParameter = 0;
     mfIsCollecting = false;
     mfOptionsAllowed = true;
     mPos = mArguments.data() + (mArguments.empty() ? 0 : 1);
     mEnd = mArguments.data() + mArguments.size();
-    vxArgument theArgument;
+    vxArgument theArgument(NULL, 0, false);
     while (Next(theArgument)) {
         if (!IsOption(theArgument)) {
             if (!ParseParameter(theArgument)) {
@@ -333,8 +381,8 @@ vxCString vxCommandLineParserData::TextOf(const vxArgument& anArgument) const {
 
 bool vxCommandLineParserData::IsOption(const vxArgument& anArgument) const {
     const char* theText = anArgument.mText;
-    return mfOptionsAllowed && (anArgument.mfQueued || (theText[0] != '\0' && theText[1] != '\0' &&
-                                                        strchr(mSwitchChars, theText[0]) != NULL));
+    return mfOptionsAllowed &&
+           (anArgument.mfQueued || (vxIsOneOf(theText[0], mSwitchChars) && theText[1] != '\0'));
 }
 
 int vxCommandLineParserData::ParseOption(const vxArgument& anArgument) {
@@ -352,7 +400,7 @@ int vxCommandLineParserData::ParseOption(const vxArgument& anArgument) {
         return ParseValue(*theOption, theRest) ? 0 : 1;
     }
     if (vxIsNameChar(*theRest)) {
-        mNextRound.push_back({theRest, true});
+        mNextRound.emplace_back(theRest, 0, true);
     }
     theOption->SetHasValue();
     return theOption->HasFlag(vxCommandLineFlag_HelpOption) ? -1 : 0;
@@ -364,7 +412,7 @@ bool vxCommandLineParserData::ParseValue(vxCommandLineOption& anOption, const ch
         return StoreValue(anOption, aText + 1);
     }
     if (*aText == '\0') {
-        vxArgument theArgument;
+        vxArgument theArgument(NULL, 0, false);
         if (!Next(theArgument)) {
             return Fail(vxCString::Format("Option '%s' requires a value\n", anOption.mOptionName));
         }
@@ -513,7 +561,7 @@ void vxCommandLineParser::AddEntry(vxCommandLineEntryType aKind, const char* aNa
     const bool theIsNew = mParserData->FindOption(theName) == -1;
     VXASSERT_TEXT(theIsNew, "mParserData->FindOption(aName) == -1");
     mParserData->mOptions.emplace_back(aKind, theName, aDescription, aType, aFlags);
-    if (theIsNew && *theName != '\0' && theName[vxNameLength(theName)] == '\0') {
+    if (theIsNew && mParserData->mOptions.back().HasValidName()) {
         mParserData->IndexLastOption();
     } else {
         mParserData->mOptions.pop_back();

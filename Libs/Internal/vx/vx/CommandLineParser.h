@@ -59,6 +59,8 @@ public:
 
     vxCommandLineEntryType GetKind() const { return mKind; }
     const char* GetName() const { return mOptionName; }
+    /// Has the name at least one byte, and only those that a name may have?
+    bool HasValidName() const { return mNameLength != 0 && mOptionName[mNameLength] == '\0'; }
     const char* GetDescription() const { return mDescription; }
     vxCommandLineParameterType GetType() const { return mType; }
     bool HasFlag(vxCommandLineFlag aFlag) const { return (mFlags & aFlag) != 0; }
@@ -90,8 +92,8 @@ private:
     bool mfHasValue;  // seen during the last parse
     int32_t mInt32Value;
     vxCString mStringValue;
-    size_t mNameLength;
-    size_t mNextSimilar;  // in the parser's index
+    uint32_t mNameLength;   // of the part that is a name
+    uint32_t mNextSimilar;  // in the parser's index
 };
 
 /// Parses a program's arguments against a table of switches, options and positional parameters.
