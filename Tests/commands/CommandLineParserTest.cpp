@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <libvxOS/Path.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -170,6 +171,41 @@ TEST_F(CommandLineParserTest, TheLongestDeclaredNameCounts) {
     EXPECT_EQ(Parse({"-output"}), 0);
     EXPECT_TRUE(mParser.Found("output"));
     EXPECT_FALSE(mParser.Found("out"));
+}
+
+TEST_F(CommandLineParserTest, TheLongestNameIsFoundAmongManySimilarOnes) {
+    std::mt19937 theRandom(88);
+    const auto theName = [&] {
+        std::string theText;
+        for (size_t theLength = 1 + theRandom() % 4; theLength > 0; --theLength) {
+            theText += "abAq1_"[theRandom() % 6];
+        }
+        return theText;
+    };
+    std::vector<std::string> theNames;
+    for (int i = 0; i < 60; ++i) {
+        const std::string theNew = theName();
+        if (std::find(theNames.begin(), theNames.end(), theNew) == theNames.end()) {
+            theNames.push_back(theNew);
+            mParser.AddOption(theNew.c_str(), "", kString, 0);
+        }
+    }
+    for (int i = 0; i < 5000; ++i) {
+        const std::string theText = theName() + theName() + "=x";
+        std::string theLongest;
+        for (const std::string& theCandidate : theNames) {
+            if (theCandidate.size() > theLongest.size() && theText.find(theCandidate) == 0) {
+                theLongest = theCandidate;
+            }
+        }
+        SCOPED_TRACE(theText);
+        const int theResult = Parse({"-" + theText});
+        ASSERT_EQ(theResult, theLongest.empty() ? 1 : 0);
+        if (!theLongest.empty()) {
+            const std::string theRest = theText.substr(theLongest.size());
+            ASSERT_EQ(Text(theLongest.c_str()), theRest[0] == '=' ? "x" : theRest);
+        }
+    }
 }
 
 TEST_F(CommandLineParserTest, NamesHaveLettersDigitsUnderscoreAndQuestionMark) {
