@@ -355,7 +355,7 @@ TEST(CStringTest, ConcatenationAllocatesExactlyOnce) {
     const vxCString theSum = theLeft + theRight;
     EXPECT_EQ(Text(theSum), "abcdefg");
     EXPECT_EQ(theAllocations.Mallocs() + theAllocations.Reallocs(), 1u);
-    EXPECT_EQ(theAllocations.LastSize(), sizeof(vxCStringData) + sizeof(char*) + 7 + 1);
+    EXPECT_EQ(theAllocations.LastSize(), sizeof(vxCStringData) + sizeof(char*) + 1 + 7 + 1);
     EXPECT_EQ(Block(theSum).mAllocatedLength, vxCString::kvxAllocatedString);
     EXPECT_EQ(Block(theSum).mRefCount, 2);
     EXPECT_EQ(Text(theLeft), "abc");

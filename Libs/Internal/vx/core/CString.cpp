@@ -28,6 +28,9 @@ namespace {
 constexpr size_t kvxuint32_max = 0xFFFFFFFF;
 constexpr size_t kvxPrintf_FirstSize = 1024;  // bytes of text that the first attempt has room for
 constexpr size_t kvxSpecialBlock_Size = sizeof(vxCStringData) + sizeof(char*);
+// Where a concatenation's text begins in its block: at an odd address, where no allocated text that
+// a special block adopts can be.
+constexpr size_t kvxInlineText_Offset = kvxSpecialBlock_Size + 1;
 
 // Sums stop at npos, a length that no block can have.
 size_t vxSum(size_t aLeft, size_t aRight) {
@@ -243,19 +246,19 @@ void vxCString::UnlockBlock(vxCStringData* aBlock) {
     }
 }
 
-// Makes a special block that owns `aLength` bytes of text, exact and directly behind its pointer.
+// Makes a special block that owns `aLength` bytes of text, exact and behind its pointer.
 bool vxCString::AllocInlineBlock(size_t aLength) {
     if (!vxCheckBlockLength(aLength)) {
         return false;
     }
-    void* theBlock = vxMalloc(kvxSpecialBlock_Size + aLength + 1);
+    void* theBlock = vxMalloc(kvxInlineText_Offset + aLength + 1);
     if (theBlock == NULL) {
         return false;
     }
     mCStringData = static_cast<vxCStringData*>(theBlock);
     mCStringData->mRefCount = 2;
     mCStringData->mAllocatedLength = kvxAllocatedString;
-    mStringPtr = static_cast<char*>(theBlock) + kvxSpecialBlock_Size;
+    mStringPtr = static_cast<char*>(theBlock) + kvxInlineText_Offset;
     memcpy(mCStringData + 1, &mStringPtr, sizeof(mStringPtr));
     SetLength(aLength);
     return true;
@@ -279,7 +282,7 @@ vxCString vxCString::Wrap(char* aStr, size_t aLength, size_t aKind) {
 // Is it a special block whose text stands behind its own pointer, as a concatenation's does?
 bool vxCString::HasInlineText(vxCStringData* aBlock) {
     return aBlock->mAllocatedLength == kvxAllocatedString &&
-           aBlock->StringPtr() == reinterpret_cast<char*>(aBlock) + kvxSpecialBlock_Size;
+           aBlock->StringPtr() == reinterpret_cast<char*>(aBlock) + kvxInlineText_Offset;
 }
 
 // Does `aStr` point into the text, its NUL included?
@@ -388,12 +391,8 @@ void vxCString::TakeFrom(vxCString& aCString) noexcept {
 vxCString& vxCString::operator=(const vxCString& aCString) {
     VXASSERT(aCString.mCStringData->IsValid());
     if (mCStringData != aCString.mCStringData) {
-        // The old block may hold the object that `aCString` is part of: it goes last.
-        vxCStringData* theOld = mCStringData;
+        Unlock();
         Share(aCString);
-        if (!theOld->IsEmpty()) {
-            UnlockBlock(theOld);
-        }
     }
     return *this;
 }
