@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 #include <glib.h>
+#include <semaphore.h>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -20,22 +21,32 @@
 
 namespace {
 
-std::atomic<int64_t> sDone{0};
+/// The answer to the caller, which is the same for all.
+class Answer {
+public:
+    Answer() { sem_init(&mSemaphore, 0, 0); }
+    ~Answer() { sem_destroy(&mSemaphore); }
+    void Post() { sem_post(&mSemaphore); }
+    void Wait() {
+        while (sem_wait(&mSemaphore) != 0) {}
+    }
+
+private:
+    sem_t mSemaphore;
+};
+
+Answer sAnswer;
 
 void Work() {
-    sDone.fetch_add(1, std::memory_order_release);
+    sAnswer.Post();
 }
 
 template <typename Loop>
 void WakeUp(benchmark::State& aState) {
     Loop theLoop;
-    int64_t theWanted = sDone;
     for (auto _ : aState) {
-        ++theWanted;
         theLoop.Post();
-        while (sDone.load(std::memory_order_acquire) != theWanted) {
-            std::this_thread::yield();
-        }
+        sAnswer.Wait();
     }
 }
 
@@ -134,6 +145,10 @@ public:
 class QtLoop {
 public:
     QtLoop() {
+        static int sArgumentCount = 1;
+        static char sName[] = "LoopBenchmark";
+        static char* sArguments[] = {sName, nullptr};
+        static QCoreApplication sApplication(sArgumentCount, sArguments);
         mWorker.moveToThread(&mThread);
         mThread.start();
     }
@@ -157,9 +172,7 @@ public:
             g_main_context_pop_thread_default(mContext);
         });
         Post();
-        while (!g_main_loop_is_running(mLoop)) {
-            std::this_thread::yield();
-        }
+        sAnswer.Wait();
     }
     ~GlibLoop() {
         g_main_loop_quit(mLoop);
