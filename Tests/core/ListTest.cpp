@@ -555,7 +555,7 @@ TEST_F(ListTest, RandomOperationsAgreeWithAStandardList) {
         }
         theModel.erase(anItem);
     };
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < 4000; ++i) {
         const int theValue = static_cast<int>(theRandom() % 10);
         const auto theFound = std::find(theModel.begin(), theModel.end(), theValue);
         switch (theRandom() % 8) {

@@ -13,6 +13,17 @@ EXPECTED = {
     'theNull': r'null',
     'theHeld': r'\(Sample \*\) 0x[0-9a-f]+ \(held by 2\)',
     'theOther': r'\(Sample \*\) 0x[0-9a-f]+ \(held by 2\)',
+    'theEmptyList': r'vxList<int> of 0',
+    'theList': r'vxList<int> of 2 = \{1, 2\}',
+    'theIterator': r'\{value = 1\}',
+    'theOutside': r'outside the items',
+    'theEmptyHead': r'empty list',
+    'theHead': r'linked with 1',
+    'theNode': r'linked with 1',
+    'theFreeNode': r'in no list',
+    'theNames': r"vxCSVStringList of 3, separator ',' = \{\"a\", \"\", \"c\"\}",
+    'theNoNames': r"vxStringList of 0, separator ' '",
+    'theError': r"-3 \[File\] 'not found' <- 5 'five'",
 }
 
 gdb.execute('set confirm off')
