@@ -46,10 +46,11 @@ struct vxCStringData {
     }
 };
 
-/// The block of every empty string.
+/// The block of every empty string. Nothing is ever written to it; its text is longer than its NUL
+/// only so that compilers which see a write behind a test of the count do not take it for an overflow.
 struct _vxEmptyCStringBlock {
     vxCStringData mData;
-    char mText[1];
+    char mText[16];
 };
 extern VX_EXPORT const _vxEmptyCStringBlock _vxEmptyBlock;
 
