@@ -14,8 +14,9 @@ namespace vxtest {
 /// An empty directory of its own that goes, with everything in it, when the object goes.
 class TempDir {
 public:
-    TempDir() {
-        std::string thePattern = (std::filesystem::temp_directory_path() / "vxXXXXXX").string();
+    TempDir() : TempDir(std::filesystem::temp_directory_path()) {}
+    explicit TempDir(const std::filesystem::path& aParent) {
+        std::string thePattern = (aParent / "vxXXXXXX").string();
         if (mkdtemp(thePattern.data()) == nullptr) {
             perror(thePattern.c_str());
             abort();

@@ -57,6 +57,7 @@ public:
     ///
     /// Returns whether the directory is gone, which includes that it never was.
     ///
+    /// Fails:    false also where a path in the tree is longer than the system takes.
     /// Cost:     one open directory at a time and no recursion, however deep the tree.
     static bool RemoveRecursively(const char* aPath, unsigned anAttempts);
 
