@@ -79,15 +79,26 @@ const char* vxEnvironment(const char* aName) {
     return theValue == nullptr || theValue[0] == '\0' ? nullptr : theValue;
 }
 
-// Copies a text with single separators and returns its end. `aLast` is the byte before the copy.
-char* vxCopySingleSlashes(char* aTarget, const char* aText, char aLast) {
-    for (; *aText != '\0'; ++aText) {
-        if (*aText != '/' || aLast != '/') {
-            *aTarget++ = *aText;
+// Copies a text with single separators and returns the end of the copy.
+char* vxCopySingleSlashes(char* aTarget, const char* aText, size_t aLength) {
+    const char* const theEnd = aText + aLength;
+    while (const char* theDoubled = strstr(aText, "//")) {
+        const size_t theCount = static_cast<size_t>(theDoubled - aText);
+        memcpy(aTarget, aText, theCount);
+        aTarget += theCount;
+        for (aText = theDoubled + 1; aText[1] == '/';) {
+            ++aText;
         }
-        aLast = *aText;
     }
-    return aTarget;
+    memcpy(aTarget, aText, static_cast<size_t>(theEnd - aText));
+    return aTarget + (theEnd - aText);
+}
+
+char* vxEndWithSlash(char* anEnd) {
+    if (anEnd[-1] != '/') {
+        *anEnd++ = '/';
+    }
+    return anEnd;
 }
 
 std::string vxApplicationPath() {
@@ -115,24 +126,23 @@ char* vxPath_Normalize(const char* aPath, int afDir, int aMode, const char* anAn
     if (aPath == nullptr) {
         return nullptr;
     }
+    const size_t theLength = strlen(aPath);
     const bool theIsAnchored =
         anAnchor != nullptr && anAnchor[0] != '\0' && !vxPath_IsAbsolute(aPath);
     const size_t theAnchorLength = theIsAnchored ? strlen(anAnchor) : 0;
     // Two bytes more for a separator behind either part, one for the end.
-    char* theText = static_cast<char*>(vxMalloc(theAnchorLength + strlen(aPath) + 3));
+    char* theText = static_cast<char*>(vxMalloc(theAnchorLength + theLength + 3));
     if (theText == nullptr) {
         return nullptr;
     }
     char* theEnd = theText;
     if (theIsAnchored) {
-        theEnd = vxCopySingleSlashes(theEnd, anAnchor, '\0');
-        if (theEnd[-1] != '/') {
-            *theEnd++ = '/';
-        }
+        theEnd = vxCopySingleSlashes(theEnd, anAnchor, theAnchorLength);
+        theEnd = vxEndWithSlash(theEnd);
     }
-    theEnd = vxCopySingleSlashes(theEnd, aPath, theEnd == theText ? '\0' : '/');
-    if (afDir && theEnd != theText && theEnd[-1] != '/') {
-        *theEnd++ = '/';
+    theEnd = vxCopySingleSlashes(theEnd, aPath, theLength);
+    if (afDir && theEnd != theText) {
+        theEnd = vxEndWithSlash(theEnd);
     }
     *theEnd = '\0';
     return theText;

@@ -101,6 +101,19 @@ bool vxMatchesByte(const char*& aPattern, char aByte) {
     return *aPattern++ == aByte;
 }
 
+bool vxIsSpecial(char aChar) {
+    return aChar == '*' || aChar == '?' || aChar == '[' || aChar == '\\';
+}
+
+// Returns how many bytes of the pattern stand for themselves.
+size_t vxPlainLength(const char* aPattern) {
+    size_t theLength = 0;
+    while (aPattern[theLength] != '\0' && !vxIsSpecial(aPattern[theLength])) {
+        ++theLength;
+    }
+    return theLength;
+}
+
 // A text without special bytes can stand behind the last star in one place only.
 bool vxEndsWith(const char* aName, const char* aText, size_t aLength) {
     const size_t theNameLength = strlen(aName);
@@ -116,7 +129,7 @@ bool vxWildcardMatches(const char* aPattern, const char* aName) {
         if (*aPattern == '*') {
             theStar = ++aPattern;
             theRetry = aName;
-            const size_t thePlain = strcspn(aPattern, "*?[\\");
+            const size_t thePlain = vxPlainLength(aPattern);
             if (aPattern[thePlain] == '\0') {
                 return vxEndsWith(aName, aPattern, thePlain);
             }

@@ -377,6 +377,10 @@ void vxCString::Construct(const char* aStr, size_t aPos, size_t aLength) {
 }
 
 void vxCString::InitWith(const char* aStr, size_t aPos, size_t aLength) {
+    if (aStr != NULL && aLength != npos) {
+        AssignCopy(aLength, aStr + aPos);
+        return;
+    }
     vxCString theNew(aStr, aPos, aLength);
     Swap(theNew);
 }

@@ -16,8 +16,6 @@
 #include <cstring>
 #include <memory>
 
-#include "Assign.h"
-
 namespace {
 
 struct vxFree {
@@ -35,19 +33,19 @@ const char* vxTextOrEmpty(const char* aText) {
     return aText == NULL ? "" : aText;
 }
 
-// Whether a path may hold anything to simplify: doubled separators or segments that begin with a
-// dot.
-bool vxMayBeSimplified(const char* aPath) {
-    if (*aPath == '.') {
-        return true;
+bool vxEndsSegment(char aChar) {
+    return aChar == '/' || aChar == '\0';
+}
+
+// Returns 1 for a segment `.`, 2 for `..` and 0 for any other.
+size_t vxDots(const char* aSegment) {
+    if (aSegment[0] != '.') {
+        return 0;
     }
-    while ((aPath = strchr(aPath, '/')) != NULL) {
-        ++aPath;
-        if (*aPath == '/' || *aPath == '.') {
-            return true;
-        }
+    if (vxEndsSegment(aSegment[1])) {
+        return 1;
     }
-    return false;
+    return aSegment[1] == '.' && vxEndsSegment(aSegment[2]) ? 2 : 0;
 }
 
 // Builds a simplified path segment by segment.
@@ -57,13 +55,16 @@ public:
     vxPathSimplifier(char* aTarget, bool afAbsolute)
         : mStart(aTarget), mEnd(aTarget), mfAbsolute(afAbsolute), mfBackAtRoot(false) {}
 
-    void Append(const char* aSegment, size_t aLength) {
+    // Adds the segment that a text begins with and returns what follows it.
+    const char* Append(const char* aSegment) {
         if (mEnd != mStart || mfAbsolute) {
             *mEnd++ = '/';
         }
-        memcpy(mEnd, aSegment, aLength);
-        mEnd += aLength;
+        while (!vxEndsSegment(*aSegment)) {
+            *mEnd++ = *aSegment++;
+        }
         mfBackAtRoot = false;
+        return aSegment;
     }
 
     // Takes the last segment back; false where there is none to take.
@@ -100,19 +101,17 @@ private:
 size_t vxSimplify(const char* aPath, char* aTarget) {
     vxPathSimplifier theSimplifier(aTarget, *aPath == '/');
     for (;;) {
-        aPath += strspn(aPath, "/");
-        const size_t theLength = strcspn(aPath, "/");
-        if (theLength == 0) {
+        while (*aPath == '/') {
+            ++aPath;
+        }
+        if (*aPath == '\0') {
             return theSimplifier.Finish();
         }
-        if (theLength == 2 && aPath[0] == '.' && aPath[1] == '.') {
-            if (!theSimplifier.StepBack()) {
-                return 0;
-            }
-        } else if (theLength != 1 || aPath[0] != '.') {
-            theSimplifier.Append(aPath, theLength);
+        const size_t theDots = vxDots(aPath);
+        if (theDots == 2 && !theSimplifier.StepBack()) {
+            return 0;
         }
-        aPath += theLength;
+        aPath = theDots == 0 ? theSimplifier.Append(aPath) : aPath + theDots;
     }
 }
 
@@ -348,23 +347,25 @@ void vxPathName::SetEntry(const vxPathName& aDir, const char* aName, bool afDir)
     const char* theDot = strrchr(aName, '.');
     const size_t theLength = theDot == NULL ? strlen(aName) : static_cast<size_t>(theDot - aName);
     const char* theExtension = theDot == NULL ? "" : theDot + 1;
-    vxAssign(mFileName, aName, theLength);
-    vxAssign(mExtension, theExtension, strlen(theExtension));
+    mFileName.InitWith(aName, 0, theLength);
+    mExtension.InitWith(theExtension, 0, strlen(theExtension));
     UpdatePathKind();
 }
 
 void vxPathName::SimplifyPath() {
-    if (!IsValid() || !vxMayBeSimplified(mPath)) {
+    if (!IsValid()) {
         return;
     }
-    vxCString theSimple;
-    char* theBuffer = theSimple.GetWriteBuf(mPath.length() + 1);
-    const size_t theLength = vxSimplify(mPath, theBuffer);
-    theSimple.UngetWriteBuf(theLength);
+    char theShort[256];
+    const bool theIsShort = mPath.length() < sizeof(theShort);
+    const vxPlatformText theLong(theIsShort ? NULL
+                                            : static_cast<char*>(vxMalloc(mPath.length() + 1)));
+    char* theText = theIsShort ? theShort : theLong.get();
+    const size_t theLength = vxSimplify(mPath, theText);
     if (theLength == 0) {
         Reset();
-    } else {
-        mPath.Swap(theSimple);
+    } else if (theLength != mPath.length()) {
+        mPath.InitWith(theText, 0, theLength);
     }
 }
 

@@ -8,7 +8,6 @@
 
 #include <cstring>
 
-#include "Assign.h"
 #include "vx/CString.h"
 
 vxTextFile::vxTextFile(const char* aPath, unsigned int aMaxLineLength)
@@ -32,34 +31,45 @@ void vxTextFile::Rewind() {
 }
 
 bool vxTextFile::NextLine(vxCString& aLine) {
+    // Mostly a line lies whole in the buffer and ends with a line feed.
+    if (mNextLF < mNextCR && !mfNeedLF && !mfLineTooBig) {
+        const size_t theLength = mNextLF - mLineStart;
+        aLine.InitWith(Bytes() + mLineStart, 0, theLength);
+        mLineStart += theLength + 1;
+        mLineLength -= theLength + 1;
+        mNextLF = FindFrom(mLineStart, '\n');
+        return true;
+    }
     while (IsOpened()) {
-        size_t theEnd = mNextCR < mNextLF ? mNextCR : mNextLF;
-        if (theEnd == End()) {
-            if (!Fill()) {
-                return false;
-            }
-            theEnd = mNextCR < mNextLF ? mNextCR : mNextLF;
+        if (mNextCR == End() && mNextLF == End() && !Fill()) {
+            return false;
         }
-        if (mfNeedLF) {
-            mfNeedLF = false;
-            if (mNextLF == mLineStart) {
-                Drop(1);
-                continue;
-            }
-        }
-        const size_t theLength = theEnd - mLineStart;
-        const bool theIsWhole = theEnd != End();
-        const bool theIsRest = mfLineTooBig;
-        mfLineTooBig = !theIsWhole;
-        if (!theIsRest) {
-            vxAssign(aLine, Bytes() + mLineStart, theLength);
-        }
-        Drop(theIsWhole ? theLength + TerminatorLength() : theLength);
-        if (!theIsRest) {
+        if (TakeLine(aLine)) {
             return true;
         }
     }
     return false;
+}
+
+// Takes what the buffer begins with; false when that was not a line, or the rest of one.
+bool vxTextFile::TakeLine(vxCString& aLine) {
+    if (mfNeedLF) {
+        mfNeedLF = false;
+        if (mNextLF == mLineStart) {
+            Drop(1);
+            return false;
+        }
+    }
+    const size_t theEnd = mNextCR < mNextLF ? mNextCR : mNextLF;
+    const size_t theLength = theEnd - mLineStart;
+    const bool theIsWhole = theEnd != End();
+    const bool theIsRest = mfLineTooBig;
+    mfLineTooBig = !theIsWhole;
+    if (!theIsRest) {
+        aLine.InitWith(Bytes() + mLineStart, 0, theLength);
+    }
+    Drop(theIsWhole ? theLength + TerminatorLength() : theLength);
+    return !theIsRest;
 }
 
 // Returns the length of the end of a line, with "\r\n" as one end of two bytes.

@@ -41,6 +41,7 @@ public:
     bool NextLine(vxCString& aLine);
 
 private:
+    bool TakeLine(vxCString& aLine);
     size_t TerminatorLength();
     bool Fill();
     void Drop(size_t aCount);
