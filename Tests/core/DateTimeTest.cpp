@@ -93,7 +93,7 @@ TEST_F(DateTimeTest, SecondsBeyond32BitsMakeItInvalid) {
     if (sizeof(long) > 4) {
         const long theTooLarge = static_cast<long>(2147483648LL);
         ExpectInvalid(vxDateTime(theTooLarge));
-        ExpectInvalid(vxDateTime(-theTooLarge - 1));
+        ExpectInvalid(vxDateTime(static_cast<long>(-2147483649LL)));
         vxDateTime theDate(5L);
         theDate = theTooLarge;
         ExpectInvalid(theDate);

@@ -32,8 +32,8 @@ constexpr const char* kZones[] = {
 // "2015-06-30 18:00:00 dst 1 weekday 2 day 180"
 std::string Text(const vxtm& aFields) {
     char theText[128];
-    snprintf(theText, sizeof(theText), "%04d-%02d-%02d %02d:%02d:%02d dst %d weekday %d day %d",
-             aFields.tm_year + 1900, aFields.tm_mon + 1, aFields.tm_mday, aFields.tm_hour,
+    snprintf(theText, sizeof(theText), "%04lld-%02d-%02d %02d:%02d:%02d dst %d weekday %d day %d",
+             aFields.tm_year + 1900LL, aFields.tm_mon + 1, aFields.tm_mday, aFields.tm_hour,
              aFields.tm_min, aFields.tm_sec, aFields.tm_isdst, aFields.tm_wday, aFields.tm_yday);
     return theText;
 }

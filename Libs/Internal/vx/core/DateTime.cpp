@@ -36,6 +36,7 @@ char* vxPut(char* aTarget, int aNumber, int aDigits) {
     return aTarget + (theRest == 0 ? aDigits : snprintf(aTarget, 12, "%0*d", aDigits, aNumber));
 }
 
+// As "%04d-%02d-%02d".
 char* vxPutDate(char* aTarget, const vxtm& aFields) {
     aTarget = vxPut(aTarget, aFields.tm_year + 1900, 4);
     *aTarget++ = '-';
@@ -44,6 +45,7 @@ char* vxPutDate(char* aTarget, const vxtm& aFields) {
     return vxPut(aTarget, aFields.tm_mday, 2);
 }
 
+// As "%02d:%02d:%02d"; FormatTime() adds the milliseconds: "%02d:%02d:%02d.%03d".
 char* vxPutTime(char* aTarget, const vxtm& aFields) {
     aTarget = vxPut(aTarget, aFields.tm_hour, 2);
     *aTarget++ = ':';
@@ -79,7 +81,8 @@ const char* vxScan(const char* aText, int aWidth, int& aNumber) {
     return theEnd == aText ? NULL : theEnd;
 }
 
-// Reads three numbers with a separator between them; text behind them is ignored.
+// Reads three numbers with a separator between them, as "%04d-%02d-%02d" or "%02d:%02d:%02d"; text
+// behind them is ignored.
 bool vxScanThree(const char* aText, char aSeparator, int aFirstWidth, int (&aNumbers)[3]) {
     const char* theText = vxScan(aText, aFirstWidth, aNumbers[0]);
     for (int i = 1; i < 3 && theText != NULL; ++i) {

@@ -188,8 +188,8 @@ private:
         mLastByte = mBuffer[-1];
     }
 
-    // What the rare cases start from. They are functions of it: no operation that a parser repeats
-    // hands out the address of the reader, so one that stays within a function lives in registers.
+    // What the rare cases start from: they are functions of a copy. No operation that a parser
+    // repeats hands out the reader's address, so one that stays within a function lives in registers.
     struct Reading {
         const uint8_t* mNext;
         size_t mSize;
