@@ -164,8 +164,8 @@ void Tokenise_std(benchmark::State& aState) {
     const std::string& theText = WordText();
     for (auto _ : aState) {
         size_t theEnd = 0;
-        for (size_t theStart; (theStart = theText.find_first_not_of(" \t\r\n", theEnd)) !=
-                              std::string::npos;) {
+        for (size_t theStart;
+             (theStart = theText.find_first_not_of(" \t\r\n", theEnd)) != std::string::npos;) {
             theEnd = theText.find_first_of(" \t\r\n", theStart);
             const std::string theToken = theText.substr(theStart, theEnd - theStart);
             benchmark::DoNotOptimize(theToken.data());

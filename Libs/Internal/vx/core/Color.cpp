@@ -16,7 +16,7 @@ uint16_t vxScaled(uint32_t aPart) {
 }
 
 uint16_t vxRounded(double aPart) {
-    return static_cast<uint16_t>(aPart + 0.5);
+    return static_cast<uint16_t>(std::floor(aPart + 0.5));
 }
 
 uint16_t vxPartAt(const vxCSVStringList& aList, size_t anIndex) {

@@ -76,6 +76,7 @@ size_t vxBlockSize(size_t anIndex) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(*-new-delete-overloads,cert-dcl54-cpp)
 void* vxBaseListItem::operator new(size_t aSize) {
     const size_t theIndex = vxSizeIndex(aSize);
     if (theIndex >= kvxItem_Sizes) {

@@ -84,6 +84,7 @@ public:
     size_t GetPosition() const { return mPos; }
     /// Returns the mode, with kTokenizerMode_Default resolved.
     vxCStringTokenizerMode GetMode() const { return mMode; }
+    /// Returns whether a text is set.
     bool IsOk() const { return mMode != kTokenizerMode_NotInitialized; }
 
 private:

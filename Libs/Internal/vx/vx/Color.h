@@ -18,15 +18,17 @@ struct vxColor {};
 struct VX_EXPORT vxRGBColor : vxColor {
     /// Black.
     vxRGBColor() = default;
+    /// As SetRGB().
     vxRGBColor(uint8_t aRed, uint8_t aGreen, uint8_t aBlue) { SetRGB(aRed, aGreen, aBlue); }
     /// Reads three items (red, green, blue): numbers above 255 count as 255, and an item that is
     /// missing or no number as 0.
     explicit vxRGBColor(const vxCSVStringList& aList);
 
+    /// Sets all three 8-bit parts.
     void SetRGB(uint8_t aRed, uint8_t aGreen, uint8_t aBlue);
-    void SetRed(uint8_t aRed);
-    void SetGreen(uint8_t aGreen);
-    void SetBlue(uint8_t aBlue);
+    void SetRed(uint8_t aRed);      ///< Sets an 8-bit part.
+    void SetGreen(uint8_t aGreen);  ///< Sets an 8-bit part.
+    void SetBlue(uint8_t aBlue);    ///< Sets an 8-bit part.
 
     /// Returns the three 8-bit parts, as the constructor reads them.
     vxCSVStringList ToCSVString() const;
@@ -34,9 +36,9 @@ struct VX_EXPORT vxRGBColor : vxColor {
     /// Converts to hue, saturation and value, rounding to nearest; greys have no hue.
     vxHSVColor ToHSV() const;
 
-    uint16_t mRed = 0;
-    uint16_t mGreen = 0;
-    uint16_t mBlue = 0;
+    uint16_t mRed = 0;    ///< full scale 65535
+    uint16_t mGreen = 0;  ///< full scale 65535
+    uint16_t mBlue = 0;   ///< full scale 65535
 };
 
 /// The hue of a color that has none, such as a grey.
@@ -60,10 +62,11 @@ struct VX_EXPORT vxHSVColor : vxColor {
     /// the others as vxRGBColor does.
     explicit vxHSVColor(const vxCSVStringList& aList);
 
+    /// Sets whole degrees and the two 8-bit parts.
     void SetHSV(uint16_t aHue, uint8_t aSaturation, uint8_t aValue);
-    void SetHue(uint16_t aHue);
-    void SetSaturation(uint8_t aSaturation);
-    void SetValue(uint8_t aValue);
+    void SetHue(uint16_t aHue);               ///< Sets whole degrees.
+    void SetSaturation(uint8_t aSaturation);  ///< Sets an 8-bit part.
+    void SetValue(uint8_t aValue);            ///< Sets an 8-bit part.
 
     /// Returns whole degrees, rounded down, and the two 8-bit parts, as the constructor reads them.
     ///
@@ -74,7 +77,7 @@ struct VX_EXPORT vxHSVColor : vxColor {
     /// Converts to red, green and blue, rounding to nearest; an undefined hue counts as 0.
     vxRGBColor ToRGB() const;
 
-    uint16_t mHue = 0;
-    uint16_t mSaturation = 0;
-    uint16_t mValue = 0;
+    uint16_t mHue = 0;         ///< hundredths of a degree, or kvxHSVColor_UndefinedHue
+    uint16_t mSaturation = 0;  ///< full scale 65535
+    uint16_t mValue = 0;       ///< full scale 65535
 };

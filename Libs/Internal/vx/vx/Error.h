@@ -46,10 +46,11 @@ public:
         vxErrorInfo& operator=(const vxErrorInfo& anInfo);
         ~vxErrorInfo();
 
-        /// As the operations of vxError.
-        vxCString ToString() const;
-        vxCString ToShortString() const;
+        vxCString ToString() const;       ///< As vxError::ToString().
+        vxCString ToShortString() const;  ///< As vxError::ToShortString().
+        /// As vxError::FetchModuleError().
         bool FetchModuleError(const char* aModule, vxError& anError) const;
+        /// As vxError::ToJSON().
         void ToJSON(vxJSONObject& anObject) const;
 
     private:
@@ -67,6 +68,7 @@ public:
 
     /// No error: code 0, no message, no module, no history.
     vxError() : mError(0, vxCString(), NULL) {}
+    /// An error without module and history.
     vxError(int aCode, const vxCString& aMessage) : mError(aCode, aMessage, NULL) {}
     /// Copies the whole chain.
     vxError(const vxError& anError) = default;
@@ -77,10 +79,14 @@ public:
     /// Sets the message alone; null empties it.
     vxError& operator=(const char* aMessage);
 
+    /// Compares the code alone.
     bool operator==(int aCode) const { return mError.mCode == aCode; }
+    /// Compares the code alone.
     bool operator!=(int aCode) const { return mError.mCode != aCode; }
 
+    /// Returns the code; 0 means no error.
     int GetErrorCode() const { return mError.mCode; }
+    /// Returns the message.
     vxCString GetErrorStr() const { return mError.mMessage; }
     /// Returns the module name, or null when it is unknown; it is good until the next change.
     const char* GetModule() const { return mError.mModule; }

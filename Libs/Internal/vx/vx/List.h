@@ -19,7 +19,8 @@ public:
     virtual ~vxBaseListItem() = default;
 
     /// Items come from blocks that their thread has freed before, where there are some.
-    static void* operator new(size_t aSize);
+    static void* operator new(size_t aSize);  // NOLINT(*-new-delete-overloads,cert-dcl54-cpp)
+    /// Keeps the block for the next item of its thread, up to a limit.
     static void operator delete(void* aBlock, size_t aSize);
 
     /// Unlinks the item from `aList`, which holds it: neighbors are joined and the size drops.
@@ -34,8 +35,8 @@ protected:
     friend class vxBaseListForwardIterator;
     friend class vxBaseListReverseIterator;
 
-    vxBaseListItem* mNext = NULL;  // null for the last item
-    vxBaseListItem* mPrev = NULL;  // null for the first item
+    vxBaseListItem* mNext = NULL;  ///< null for the last item
+    vxBaseListItem* mPrev = NULL;  ///< null for the first item
 
 private:
     vxBaseListItem(const vxBaseListItem&) = delete;
@@ -109,10 +110,10 @@ public:
 protected:
     friend class vxBaseListItem;
 
-    vxBaseListIterator* mFirstIterator = NULL;  // youngest live iterator
-    vxBaseListItem* mBegin = NULL;              // first item or null
-    vxBaseListItem* mEnd = NULL;                // last item or null
-    size_t mSize = 0;                           // items
+    vxBaseListIterator* mFirstIterator = NULL;  ///< youngest live iterator
+    vxBaseListItem* mBegin = NULL;              ///< first item or null
+    vxBaseListItem* mEnd = NULL;                ///< last item or null
+    size_t mSize = 0;                           ///< items
 
 private:
     // Neighbors that point back to the item, or the list's ends where it has none, prove membership.
@@ -155,11 +156,12 @@ public:
 protected:
     friend class vxBaseList;
 
+    /// Registers with the list, outside its items.
     explicit vxBaseListIterator(vxBaseList& aList);
 
-    vxBaseListItem* mCurrentItem = NULL;       // null outside the items
-    vxBaseListIterator* mNextIterator = NULL;  // next older iterator of the list
-    vxBaseList* mList;                         // null once the list is gone
+    vxBaseListItem* mCurrentItem = NULL;       ///< null outside the items
+    vxBaseListIterator* mNextIterator = NULL;  ///< next older iterator of the list
+    vxBaseList* mList;                         ///< null once the list is gone
 
 private:
     vxBaseListIterator(const vxBaseListIterator&) = delete;
@@ -169,6 +171,7 @@ private:
 /// Walks a list from the first item to the last.
 class VX_EXPORT vxBaseListForwardIterator : public vxBaseListIterator {
 public:
+    /// Starts before the first item.
     explicit vxBaseListForwardIterator(vxBaseList& aList) : vxBaseListIterator(aList) {}
     ~vxBaseListForwardIterator() override;
 
@@ -190,6 +193,7 @@ public:
 /// remove the item left behind.
 class VX_EXPORT vxBaseListReverseIterator : public vxBaseListIterator {
 public:
+    /// Starts behind the last item.
     explicit vxBaseListReverseIterator(vxBaseList& aList) : vxBaseListIterator(aList) {}
     ~vxBaseListReverseIterator() override;
 
@@ -210,10 +214,11 @@ class vxListItem : public vxBaseListItem {
     static_assert(alignof(T) <= alignof(std::max_align_t), "items are aligned as malloc aligns");
 
 public:
+    /// Copies the value.
     explicit vxListItem(const T& anItem) : mItem(anItem) {}
 
-    T& operator*() { return mItem; }
-    const T& operator*() const { return mItem; }
+    T& operator*() { return mItem; }              ///< Returns the value.
+    const T& operator*() const { return mItem; }  ///< Returns the value.
 
     /// Returns the item behind this one, or null.
     vxListItem* Next() const { return static_cast<vxListItem*>(mNext); }
@@ -240,21 +245,26 @@ private:
 template <typename T>
 class vxList : public vxBaseList {
 public:
+    /// Returns the number of values.
     size_t size() const { return mSize; }
 
     /// Returns the first value.
     ///
     /// Asserts:  mSize > 0; otherwise the value is an empty one, shared by all lists of the thread.
     T& front() { return ValueOf(mBegin); }
+    /// As above.
     const T& front() const { return ValueOf(mBegin); }
 
     /// Returns the last value.
     ///
     /// Asserts:  as front().
     T& back() { return ValueOf(mEnd); }
+    /// As above.
     const T& back() const { return ValueOf(mEnd); }
 
+    /// Appends a copy of the value.
     void push_back(const T& anItem) { PushBack(new vxListItem<T>(anItem)); }
+    /// Puts a copy of the value in front.
     void push_front(const T& anItem) { PushFront(new vxListItem<T>(anItem)); }
 
     /// As PushAfter().
@@ -301,7 +311,9 @@ public:
         return theItem;
     }
 
+    /// Returns the first item, or null.
     vxListItem<T>* GetBegin() const { return static_cast<vxListItem<T>*>(mBegin); }
+    /// Returns the last item, or null.
     vxListItem<T>* GetEnd() const { return static_cast<vxListItem<T>*>(mEnd); }
 
     /// An empty value to hand out where a value is asked and there is none.
@@ -321,6 +333,7 @@ private:
 template <typename T>
 class vxListIterator : public vxBaseListForwardIterator {
 public:
+    /// Starts before the first value.
     explicit vxListIterator(vxList<T>& aList) : vxBaseListForwardIterator(aList) {}
 
     /// Returns the value it stands on.

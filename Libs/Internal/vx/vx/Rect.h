@@ -7,10 +7,11 @@
 /// A position in pixels.
 struct vxPoint {
     vxPoint() : x(0), y(0) {}
+    /// Any coordinates are allowed.
     vxPoint(int anX, int aY) : x(anX), y(aY) {}
 
-    int x;  // grows to the right
-    int y;  // grows downward
+    int x;  ///< grows to the right
+    int y;  ///< grows downward
 };
 
 /// A rectangle in pixels; its right and bottom edges are the first pixels outside.
@@ -22,12 +23,13 @@ class VX_EXPORT vxRect {
 public:
     /// The empty rectangle at the origin.
     vxRect() = default;
+    /// Takes the edges as they are.
     vxRect(int aLeft, int aTop, int aRight, int aBottom) : ul(aLeft, aTop), lr(aRight, aBottom) {}
 
-    int Left() const { return ul.x; }
-    int Right() const { return lr.x; }
-    int Top() const { return ul.y; }
-    int Bottom() const { return lr.y; }
+    int Left() const { return ul.x; }    ///< Returns the first column inside.
+    int Right() const { return lr.x; }   ///< Returns the first column outside.
+    int Top() const { return ul.y; }     ///< Returns the first row inside.
+    int Bottom() const { return lr.y; }  ///< Returns the first row outside.
 
     /// Returns right minus left, limited to the range of int.
     int Width() const;
@@ -65,6 +67,6 @@ public:
     /// Logs the edges as "(left, top)-(right, bottom)".
     void Log(int aLevel, vxLogModule aModule) const;
 
-    vxPoint ul;  // upper left corner, inside
-    vxPoint lr;  // lower right corner, outside
+    vxPoint ul;  ///< upper left corner, inside
+    vxPoint lr;  ///< lower right corner, outside
 };

@@ -7,8 +7,8 @@ typedef bool (*vxStringHashMap_Callback)(const char* aKey, void* aValue, void* a
 
 /// A callback with its own context, for vxStringHashMap_ForEach().
 struct vxStringHashMap_Visitor {
-    vxStringHashMap_Callback mCallback;
-    void* mUserData;
+    vxStringHashMap_Callback mCallback;  ///< what is called for each entry
+    void* mUserData;                     ///< handed to it, unchanged
 };
 
 /// Calls the callback of the visitor that `aContext` points to, and returns its answer.

@@ -34,6 +34,7 @@ public:
     vxStringList(const char* aStr, char aSeparator, char anEscape);
     /// Copies items and separator.
     vxStringList(const vxStringList& aOther);
+    /// Copies items and separator.
     vxStringList& operator=(const vxStringList& aOther);
     virtual ~vxStringList();
 
@@ -47,6 +48,7 @@ public:
     /// Removes every item and frees the memory; the separator stays.
     void Reset();
 
+    /// Returns the number of items.
     size_t GetCount() const { return mCount; }
 
     /// Returns an item.
@@ -61,6 +63,7 @@ public:
     /// Returns an item as a decimal number, or `aDefault` when there is none or it is no such number
     /// as a whole. `afOk`, unless null, receives whether the value is the item's.
     int32_t GetAtInt32(size_t anIndex, int32_t aDefault, bool* afOk = NULL) const;
+    /// As GetAtInt32(), for a number without a sign.
     uint32_t GetAtUInt32(size_t anIndex, uint32_t aDefault, bool* afOk = NULL) const;
 
     /// As GetAtUInt32(), for a number of base 16 without a prefix.
@@ -83,6 +86,7 @@ public:
 
     /// Appends a number in decimal.
     void AddInt32(int aValue);
+    /// Appends a number in decimal.
     void AddUInt32(unsigned aValue);
 
     /// Returns the first item that equals the text, byte by byte or with the letters of ASCII equal
@@ -90,15 +94,18 @@ public:
     ///
     /// Cost:     linear.
     size_t IndexOf(const char* aStr, bool afCaseSensitive) const;
+    /// Returns whether IndexOf() finds the text.
     bool Has(const char* aStr, bool afCaseSensitive) const {
         return IndexOf(aStr, afCaseSensitive) != npos;
     }
     /// Returns whether an item is the number as AddInt32() writes it.
     bool HasInt32(int aValue) const;
+    /// Returns whether an item is the number as AddUInt32() writes it.
     bool HasUInt32(unsigned aValue) const;
 
     /// Removes the first item that equals the text byte by byte; false when there is none.
     bool Remove(const char* aStr);
+    /// As Remove(), for the number as AddUInt32() writes it.
     bool RemoveUInt32(unsigned aValue);
 
     /// Removes an item; false when there is none at this index.
@@ -155,7 +162,5 @@ public:
     explicit vxCSVStringList(char anEscape = 0);
     /// Splits the text at commas.
     explicit vxCSVStringList(const char* aStr, char anEscape = 0);
-    vxCSVStringList(const vxCSVStringList& aOther) = default;
-    vxCSVStringList& operator=(const vxCSVStringList& aOther) = default;
     ~vxCSVStringList() override;
 };

@@ -28,7 +28,7 @@ struct VX_EXPORT vxVersion {
     /// Asserts:  (aMaxPart <= 3) && (aMaxPart > 0); the empty text then.
     vxCString ToString(int aMaxPart) const;
 
-    uint32_t mMajor = 0;
-    uint32_t mMinor = 0;
-    uint32_t mRevision = 0;
+    uint32_t mMajor = 0;     ///< first part
+    uint32_t mMinor = 0;     ///< second part
+    uint32_t mRevision = 0;  ///< third part
 };

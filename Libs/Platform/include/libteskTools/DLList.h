@@ -21,8 +21,8 @@ VX_C_BEGIN
 
 /// The two links of a record that can be in one list at a time.
 typedef struct _vxDLListNode {
-    struct _vxDLListNode* mNext;  // null while in no list
-    struct _vxDLListNode* mPrev;  // null while in no list
+    struct _vxDLListNode* mNext;  ///< null while in no list
+    struct _vxDLListNode* mPrev;  ///< null while in no list
 } _vxDLListNode;
 
 /// The head of a list. It is never moved or copied: its nodes point to it.
