@@ -189,7 +189,8 @@ private:
     }
 
     // What the rare cases start from: they are functions of a copy. No operation that a parser
-    // repeats hands out the reader's address, so one that stays within a function lives in registers.
+    // repeats hands out the reader's address, so a reader that stays within a function lives in
+    // registers.
     struct Reading {
         const uint8_t* mNext;
         size_t mSize;
