@@ -1,5 +1,5 @@
-// Time-outs by the thousand: starting, cancelling, firing. Pending ones have durations from a second
-// to a minute, spread at random.
+// Time-outs by the thousand: starting, cancelling, firing. Pending ones have durations from a
+// second to a minute, spread at random.
 
 #include <benchmark/benchmark.h>
 #include <event2/event.h>

@@ -126,8 +126,8 @@ TEST(AppletWakeUpTest, NoWakeUpIsLostWithASelect) {
     RunRounds<SelectRoot>(10000);
 }
 
-// Several threads wake one leaf: most calls find it awake already and return at once, yet what their
-// callers wrote must be seen.
+// Several threads wake one leaf: most calls find it awake already and return at once, yet what
+// their callers wrote must be seen.
 TEST(AppletWakeUpTest, WakeUpThatFindsTheAppletAwakeCountsToo) {
     constexpr int kThreads = 4;
     constexpr int kRounds = 10000;

@@ -1,5 +1,5 @@
-// The definitions with C linkage stand in front of the platform's, because the program's symbols are
-// found before those of its libraries.
+// The definitions with C linkage stand in front of the platform's, because the program's symbols
+// are found before those of its libraries.
 
 #include "support/ScriptedClock.h"
 

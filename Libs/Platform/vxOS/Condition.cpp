@@ -1,5 +1,5 @@
-// A waiting thread sleeps on the number of signals that it read while it held the mutex. Every signal
-// changes the number, so one that comes before the thread is asleep keeps it awake.
+// A waiting thread sleeps on the number of signals that it read while it held the mutex. Every
+// signal changes the number, so one that comes before the thread is asleep keeps it awake.
 
 #include <libvxOS/Condition.h>
 

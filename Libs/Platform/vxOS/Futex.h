@@ -14,8 +14,9 @@ struct vxDeadline {
 /// Returns the moment `aMSTimeout` milliseconds from now.
 vxDeadline vxDeadline_In(uint32_t aMSTimeout);
 
-/// Sleeps while the word has the expected value, until a wake or the deadline; a null deadline never
-/// comes. Returns ETIMEDOUT when it has come, else 0, also without a wake: look at the word again.
+/// Sleeps while the word has the expected value, until a wake or the deadline; a null deadline
+/// never comes. Returns ETIMEDOUT when it has come, else 0, also without a wake: look at the word
+/// again.
 int vxFutex_Wait(std::atomic<uint32_t>* aWord, uint32_t anExpected, const vxDeadline* aDeadline);
 
 /// Wakes up to `aCount` threads that sleep on the word. The word itself is not read: its memory may

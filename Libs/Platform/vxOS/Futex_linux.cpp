@@ -1,5 +1,5 @@
-// The kernel compares and sleeps in one step, so a wake that comes between a thread's look at a word
-// and its sleep is not lost. Deadlines are absolute: an interrupted sleep starts again without
+// The kernel compares and sleeps in one step, so a wake that comes between a thread's look at a
+// word and its sleep is not lost. Deadlines are absolute: an interrupted sleep starts again without
 // arithmetic.
 
 #include "Futex.h"

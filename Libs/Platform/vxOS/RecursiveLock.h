@@ -15,10 +15,10 @@ class vxRecursiveLock {
 public:
     bool IsHeld() const { return (mState.load(std::memory_order_relaxed) & ~kFlags) == Self(); }
 
-    // Lock() and Unlock() answer as the operations of the platform do, so that those are nothing but
-    // the code below and a jump to the rare cases. The probabilities say that a first and a repeated
-    // lock are about equally frequent: without them the compiler lays one out at the cost of the
-    // other.
+    // Lock() and Unlock() answer as the operations of the platform do, so that those are nothing
+    // but the code below and a jump to the rare cases. The probabilities say that a first and a
+    // repeated lock are about equally frequent: without them the compiler lays one out at the cost
+    // of the other.
 
     /// Returns 0.
     int Lock() {
@@ -54,8 +54,8 @@ public:
         mRepeats = aRepeats;
     }
 
-    /// Wakes one thread that sleeps on `aWord`, once the caller, who holds the lock, has let go of it:
-    /// for threads that want the lock next. The word may be gone by then.
+    /// Wakes one thread that sleeps on `aWord`, once the caller, who holds the lock, has let go of
+    /// it: for threads that want the lock next. The word may be gone by then.
     void WakeOnUnlock(std::atomic<uint32_t>* aWord);
 
 private:

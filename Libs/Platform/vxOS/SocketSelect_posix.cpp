@@ -1,5 +1,5 @@
-// The trigger is an event descriptor that every wait selects for reading beside the caller's own. It
-// stays readable until a wait takes notice, so a trigger that comes between two waits is kept.
+// The trigger is an event descriptor that every wait selects for reading beside the caller's own.
+// It stays readable until a wait takes notice, so a trigger that comes between two waits is kept.
 //
 // The selector counts its owner and the threads inside a wait; whoever leaves last frees it.
 

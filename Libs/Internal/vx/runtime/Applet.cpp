@@ -2,11 +2,11 @@
 //
 // A wake-up must never be lost: what a thread wrote before it called AppletWakeUp() must be seen by
 // a loop that begins later, although the call may do no more than find the flag set. So both flags
-// are only ever set and taken by exchanges, which are sequentially consistent. An exchange that finds
-// the flag set still takes part in the order in which the driver takes it; a load would not, and the
-// driver could clear the flag, miss what was written, and sleep for ever. A wake-up climbs from the
-// child to the root, at each level the flag of the child before that of its parent, and the driver
-// takes them in the opposite order.
+// are only ever set and taken by exchanges, which are sequentially consistent. An exchange that
+// finds the flag set still takes part in the order in which the driver takes it; a load would not,
+// and the driver could clear the flag, miss what was written, and sleep for ever. A wake-up climbs
+// from the child to the root, at each level the flag of the child before that of its parent, and
+// the driver takes them in the opposite order.
 
 #include "vx/Applet.h"
 

@@ -39,8 +39,8 @@ public:
     /// Tells whether any module is active.
     bool IsActive() const { return mfActivity.load(); }
 
-    /// Returns the whole seconds since the last module became idle, or since the manager was created;
-    /// 0 while a module is active.
+    /// Returns the whole seconds since the last module became idle, or since the manager was
+    /// created; 0 while a module is active.
     uint32_t GetInactivityDuration() const;
 
 private:

@@ -25,8 +25,8 @@ enum vxAppletOption : uint32_t {
 /// A combination of vxAppletOption bits.
 typedef uint32_t vxAppletOptions;
 
-/// A unit of a program's main loop: it sleeps until it is woken or a time-out expires, then runs one
-/// step of its loop, and with it the steps of the applets inside it.
+/// A unit of a program's main loop: it sleeps until it is woken or a time-out expires, then runs
+/// one step of its loop, and with it the steps of the applets inside it.
 ///
 /// A program derives from vxApplet, builds a tree, and drives the root:
 ///
@@ -34,10 +34,10 @@ typedef uint32_t vxAppletOptions;
 ///         theRoot.SelfWait();
 ///     }
 ///
-/// In a single-threaded tree a step is caused by time-outs, or by a wake-up from within the tree. In
-/// a multithreaded tree any thread may call AppletWakeUp(); its root overrides RaiseWakeUpSignal()
-/// and WaitWakeUpSignal() with a signal that is kept until a wait takes it, such as a vxCondition or
-/// the trigger of a vxSelect.
+/// In a single-threaded tree a step is caused by time-outs, or by a wake-up from within the tree.
+/// In a multithreaded tree any thread may call AppletWakeUp(); its root overrides
+/// RaiseWakeUpSignal() and WaitWakeUpSignal() with a signal that is kept until a wait takes it,
+/// such as a vxCondition or the trigger of a vxSelect.
 ///
 ///     asleep --AppletWakeUp, message, expired time-out, end of SelfWait--> awake
 ///     awake --AppletRun--> asleep, or awake when the loop returned LoopAgain
@@ -54,8 +54,8 @@ public:
     /// Leaves the parent, then detaches every child. A root that goes wakes nobody.
     ~vxApplet() override;
 
-    /// Returns the time-out of the whole subtree that expires first, or null; of several that expire
-    /// at the same time the own one, then that of the child attached first.
+    /// Returns the time-out of the whole subtree that expires first, or null; of several that
+    /// expire at the same time the own one, then that of the child attached first.
     vxTimeout* FirstExpiringTimeout() override;
 
     /// Called by HandleExpiredTimeouts(), also when only a time-out of a child has expired.
@@ -63,9 +63,9 @@ public:
 
     /// Does the work of one step, and returns a message upward.
     ///
-    /// The base returns `aMsg`. Once it has had children it returns None as long as one is left, and
-    /// Exit after the last: such an applet ends with its children. It does not handle time-outs; a
-    /// derived loop calls HandleExpiredTimeouts().
+    /// The base returns `aMsg`. Once it has had children it returns None as long as one is left,
+    /// and Exit after the last: such an applet ends with its children. It does not handle
+    /// time-outs; a derived loop calls HandleExpiredTimeouts().
     virtual vxAppletMsg AppletLoop(vxAppletMsg aMsg);
 
     /// Ends the WaitWakeUpSignal() under way, else the next one; called for the root of a
@@ -75,8 +75,8 @@ public:
     /// Threads:  any.
     virtual void RaiseWakeUpSignal() { VXASSERT(!(mOptions & vxAppletOption_Multithreaded)); }
 
-    /// Waits for RaiseWakeUpSignal(), at most `aMSTimeout` milliseconds; 0xFFFFFFFF has no limit. The
-    /// base sleeps.
+    /// Waits for RaiseWakeUpSignal(), at most `aMSTimeout` milliseconds; 0xFFFFFFFF has no limit.
+    /// The base sleeps.
     ///
     /// Asserts:  aMSTimeout != (uint32)-1; the base returns at once then.
     virtual void WaitWakeUpSignal(unsigned int aMSTimeout);
@@ -87,28 +87,29 @@ public:
     /// Switches options off; returns all that are on.
     vxAppletOptions AppletClearOptions(vxAppletOptions anOptions) { return mOptions &= ~anOptions; }
 
-    /// Does one step if there is a reason: the applet is awake, a time-out of the subtree has expired,
-    /// or `aMsg` is not None.
+    /// Does one step if there is a reason: the applet is awake, a time-out of the subtree has
+    /// expired, or `aMsg` is not None.
     ///
     /// The own loop comes first, then, if a child is awake or a time-out has expired, the step of
-    /// every child. A child whose step returns Exit is detached. A loop that was given Exit once and
-    /// returned it never runs again.
+    /// every child. A child whose step returns Exit is detached. A loop that has returned Exit
+    /// never runs again.
     ///
     /// Returns what the loop returned; None when there was no reason; Exit once the applet has
     /// finished.
     vxAppletMsg AppletRun(vxAppletMsg aMsg);
 
     /// Blocks until the applet is woken or the first time-out of the subtree expires; the next
-    /// AppletRun() then runs the loop, and steps the children if a time-out has expired. For a root.
+    /// AppletRun() then runs the loop, and steps the children if a time-out has expired. For a
+    /// root.
     ///
-    /// Asserts:  theTO: a single-threaded tree has a time-out, for nothing else can end its wait; it
-    ///           returns at once otherwise.
+    /// Asserts:  theTO: a single-threaded tree has a time-out, for nothing else can end its wait;
+    ///           it returns at once otherwise.
     void SelfWait();
 
     /// Lets the next step of the tree run this applet, and ends the SelfWait() of its root.
     ///
-    /// What the calling thread wrote before is visible to the loop that runs. Calls that come before
-    /// the loop has begun count as one.
+    /// What the calling thread wrote before is visible to the loop that runs. Calls that come
+    /// before the loop has begun count as one.
     ///
     /// Asserts:  (mParent->mOptions & vxAppletOption_Multithreaded) ==
     ///           (mOptions & vxAppletOption_Multithreaded).

@@ -6,8 +6,8 @@
 
 /// An event: a signal that threads wait for, and that is kept until a wait takes it.
 ///
-/// A signal that comes while nobody waits satisfies the next wait at once. Unless the event is reset
-/// by hand, a wait takes the signal along; otherwise it stays until Reset().
+/// A signal that comes while nobody waits satisfies the next wait at once. Unless the event is
+/// reset by hand, a wait takes the signal along; otherwise it stays until Reset().
 ///
 ///     vxCondition theDone;
 ///     ...                  // another thread: theDone.Signal();
@@ -17,7 +17,7 @@
 /// Threads:  any, guarded by mMutex.
 class VX_EXPORT vxCondition {
 public:
-    /// Creates an event that is not signalled and resets itself.
+    /// Creates an event that is not signaled and resets itself.
     ///
     /// Fails:    reports the fatal error "os:condition" or "os:mutex"; if that returns, waits and
     ///           signals fail.
@@ -32,15 +32,15 @@ public:
     vxCondition(const vxCondition&) = delete;
     vxCondition& operator=(const vxCondition&) = delete;
 
-    /// Waits until the event is signalled, for at most `aMSTimeout` milliseconds; 0xFFFFFFFF waits
+    /// Waits until the event is signaled, for at most `aMSTimeout` milliseconds; 0xFFFFFFFF waits
     /// without limit.
     ///
     /// The wait sleeps once: it ends with 0 also where the platform wakes it without a signal.
-    /// Unless reset by hand, the event is not signalled afterwards, whatever the result. A signal
+    /// Unless reset by hand, the event is not signaled afterwards, whatever the result. A signal
     /// wakes one sleeping thread; of an event that is reset by hand each one that wakes passes the
     /// signal on to the next.
     ///
-    /// Fails:    with the platform's error: ETIMEDOUT when the time is over; 0 means signalled.
+    /// Fails:    with the platform's error: ETIMEDOUT when the time is over; 0 means signaled.
     int WaitTimeout(unsigned int aMSTimeout);
 
     /// Waits without limit.
@@ -48,7 +48,8 @@ public:
 
     /// Signals the event and wakes one thread that waits.
     ///
-    /// Fails:    with the platform's error, and the event is signalled all the same; 0 means success.
+    /// Fails:    with the platform's error, and the event is signaled all the same; 0 means
+    ///           success.
     int Signal();
 
     /// Takes the signal back; returns 0.

@@ -33,7 +33,8 @@ public:
     vxConditionExt(const vxConditionExt&) = delete;
     vxConditionExt& operator=(const vxConditionExt&) = delete;
 
-    /// Waits until signalled, for at most `aMSTimeout` milliseconds; 0xFFFFFFFF waits without limit.
+    /// Waits until signaled, for at most `aMSTimeout` milliseconds; 0xFFFFFFFF waits without
+    /// limit.
     ///
     /// The wait sleeps once: it ends with 0 also where the platform wakes it without a signal, so
     /// test what you wait for in a loop. No signal is kept afterwards, whatever the result. While
@@ -42,8 +43,8 @@ public:
     ///
     /// Asserts:  vxMutex_IsHeld(mMutex->mMutex), before and after: reported twice by a thread that
     ///           does not hold the mutex, which then neither sleeps nor takes a signal.
-    /// Fails:    with the platform's error: ETIMEDOUT when the time is over, EPERM when the mutex is
-    ///           not held; 0 means signalled.
+    /// Fails:    with the platform's error: ETIMEDOUT when the time is over, EPERM when the mutex
+    ///           is not held; 0 means signaled.
     int WaitTimeout(unsigned int aMSTimeout);
 
     /// Waits without limit.
@@ -51,7 +52,8 @@ public:
 
     /// Signals, and wakes one thread that waits.
     ///
-    /// Asserts:  vxMutex_IsHeld(mMutex->mMutex), before and after; the signal is given all the same.
+    /// Asserts:  vxMutex_IsHeld(mMutex->mMutex), before and after; the signal is given all the
+    ///           same.
     /// Fails:    with the platform's error; 0 means success.
     int Signal();
 

@@ -14,8 +14,8 @@
 ///     int theReady = theSelect.Select(&theReadSet, NULL, NULL, theCount, NULL, &theTriggered);
 ///
 /// Owner:    owns one platform selector between Setup() and Terminate().
-/// Threads:  any for Select() and Signal(); Setup() one at a time and before both, Terminate() while
-///           no other thread begins either.
+/// Threads:  any for Select() and Signal(); Setup() one at a time and before both, Terminate()
+///           while no other thread begins either.
 class VX_EXPORT vxSelect {
 public:
     vxSelect() : mSocketSelect(NULL) {}
@@ -38,7 +38,8 @@ public:
     /// called; null sets are empty, and without a time-out the wait has no limit.
     ///
     /// The sets hold the ready descriptors on return. `afTriggered`, unless null, receives whether
-    /// the wait was ended by Signal(). Returns the number of ready descriptors, 0 when there is none.
+    /// the wait was ended by Signal(). Returns the number of ready descriptors, 0 when there is
+    /// none.
     ///
     /// Fails:    negative, as before Setup(); the sets are unchanged then.
     int Select(fd_set* aReadSet, fd_set* aWriteSet, fd_set* anExceptSet, int aDescriptorCount,

@@ -12,8 +12,8 @@ class VX_EXPORT vxSemaphore {
 public:
     /// Creates a semaphore whose count is `anInitialCount`.
     ///
-    /// Fails:    reports the fatal error "os:semaphore", also for a negative count; if that returns,
-    ///           every operation fails.
+    /// Fails:    reports the fatal error "os:semaphore", also for a negative count; if that
+    ///           returns, every operation fails.
     explicit vxSemaphore(int anInitialCount);
 
     /// Nobody may wait.

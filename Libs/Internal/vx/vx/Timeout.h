@@ -24,8 +24,8 @@ public:
 
     /// Lets the time-out expire in `aMS` milliseconds; 0 has expired at once.
     ///
-    /// It enters no queue. One that is in a queue is started by vxTimeoutQueue::TimeoutStart(), which
-    /// keeps the queue sorted.
+    /// It enters no queue. One that is in a queue is started by vxTimeoutQueue::TimeoutStart(),
+    /// which keeps the queue sorted.
     void Start(unsigned int aMS) {
         mStart = GetSysMSTickCount();
         mDuration = aMS;

@@ -7,7 +7,7 @@ VX_C_BEGIN
 /// Lets threads sleep until another one says that something has changed.
 ///
 /// What has changed is the callers' data, guarded by the mutex that every wait names. A wait may
-/// end although nobody signalled.
+/// end although nobody signaled.
 typedef struct vxOSCondition vxOSCondition;
 
 /// Creates a condition that nobody waits for.

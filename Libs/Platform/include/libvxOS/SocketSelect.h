@@ -42,8 +42,8 @@ VX_API void vxSocketSelect_Trigger(vxSocketSelect* aSelect);
 /// Returns the number of ready descriptors, as the system's select counts them: 0 when the time is
 /// over, or when a trigger alone ended the wait.
 ///
-/// Fails:    -1 with errno set and the sets unchanged: EINVAL for a null selector, a time-out that is
-///           no time, or a descriptor count that is negative or above FD_SETSIZE, which is also
+/// Fails:    -1 with errno set and the sets unchanged: EINVAL for a null selector, a time-out that
+///           is no time, or a descriptor count that is negative or above FD_SETSIZE, which is also
 ///           logged at error level, module VXLOG_M_SELECT; else as the system's select fails.
 /// Threads:  any; of several that wait, a trigger ends the wait of at least one.
 VX_API int vxSocketSelect_Select(vxSocketSelect* aSelect, fd_set* aReadSet, fd_set* aWriteSet,
