@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cstdarg>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -18,7 +19,7 @@ using vxtest::TempDir;
 
 namespace {
 
-long sFileSystem = 0;             // what statfs() tells, unless 0
+uint32_t sFileSystem = 0;         // what statfs() tells, unless 0
 const char* sDevice = nullptr;    // where the link below /sys/dev/block leads, unless null
 const char* sFlag = nullptr;      // the file that stands in for "removable", unless null
 const char* sFlagPath = nullptr;  // the end of the path for which it does
@@ -237,7 +238,8 @@ TEST(OSPathTest, MemoryIsFixed) {
 }
 
 TEST(OSPathTest, NetworkFileSystemsAreRemote) {
-    for (const long theType : {0x6969L, 0xFF534D42L, 0xFE534D42L, 0x517BL, 0x01021997L}) {
+    constexpr uint32_t kTypes[] = {0x6969, 0xFF534D42, 0xFE534D42, 0x517B, 0x01021997};
+    for (const uint32_t theType : kTypes) {
         SCOPED_TRACE(theType);
         sFileSystem = theType;
         EXPECT_EQ(vxPath_GetType("/"), kvxPathType_Remote);
