@@ -4,6 +4,8 @@
 
 namespace vxmedia {
 
+static_assert(sizeof(off_t) == sizeof(uint64_t), "compile with _FILE_OFFSET_BITS=64");
+
 FileKind GetFileKind(const char* aPath, bool afFollow, uint64_t* aSize) {
     struct stat theStatus;
     if (aSize != nullptr) {

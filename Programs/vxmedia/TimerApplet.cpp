@@ -38,9 +38,8 @@ vxAppletMsg TimerApplet::AppletLoop(vxAppletMsg) {
 // shorter than the command takes, cannot keep this loop going.
 void TimerApplet::OnTimeouts() {
     std::vector<uint32_t> theIDs;
-    for (vxTimeout* theFirst = vxTimeoutQueue::FirstExpiringTimeout();
-         theFirst != NULL && theFirst->IsExpired();
-         theFirst = vxTimeoutQueue::FirstExpiringTimeout()) {
+    for (vxTimeout* theFirst = FirstExpiringTimeout(); theFirst != NULL && theFirst->IsExpired();
+         theFirst = FirstExpiringTimeout()) {
         TimeoutCancel(theFirst);
         theIDs.push_back(static_cast<Timer*>(theFirst)->mID);
     }

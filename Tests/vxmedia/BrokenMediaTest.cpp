@@ -1,8 +1,7 @@
 // Every sample cut at every length and changed at random: the readers answer or refuse, never more.
 
 #include <gtest/gtest.h>
-
-#include <dirent.h>
+#include <libvxOS/Dir.h>
 
 #include <fstream>
 #include <iterator>
@@ -23,13 +22,13 @@ struct Sample {
 
 std::vector<std::string> NamesIn(const std::string& aFolder) {
     std::vector<std::string> theNames;
-    DIR* theDirectory = opendir(aFolder.c_str());
-    while (const dirent* theEntry = theDirectory == nullptr ? nullptr : readdir(theDirectory)) {
-        if (theEntry->d_name[0] != '.') {
-            theNames.push_back(theEntry->d_name);
-        }
+    vxDirTraverser* theWalk = vxDirTraverser_New(aFolder.c_str());
+    for (const vxDirEntry* theEntry =
+             vxDirTraverser_GetFirst(theWalk, "*", vxDIR_FILES | vxDIR_DIRS, NULL);
+         theEntry != NULL; theEntry = vxDirTraverser_GetNext(theWalk, NULL)) {
+        theNames.push_back(theEntry->mName);
     }
-    closedir(theDirectory);
+    vxDirTraverser_Delete(theWalk);
     std::sort(theNames.begin(), theNames.end());
     return theNames;
 }
