@@ -14,6 +14,9 @@ namespace {
 
 constexpr size_t kRoom = 2000;
 
+// Formats are picked at random here, so the compiler cannot check them.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
 std::string FormatV(const char* aFormat, va_list anArgs) {
     char theBuffer[kRoom];
     const int theLength = vx_vsnprintf(theBuffer, sizeof(theBuffer), aFormat, anArgs);
@@ -26,9 +29,6 @@ std::string CLibraryV(const char* aFormat, va_list anArgs) {
     return theLength < 0 ? "failed" : std::string(theBuffer, static_cast<size_t>(theLength));
 }
 
-// Formats are picked at random here, so the compiler cannot check them.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
 void ExpectAsCLibrary(const char* aFormat, ...) {
     va_list theArgs;
     va_start(theArgs, aFormat);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <random>
 #include <string>
 
@@ -119,8 +120,8 @@ TEST(SearchTest, EveryPairOfBytesFoldsAsASCII) {
 // Texts that let naive comparison look at most bytes again and again, so that the other search takes
 // over; periods make its links matter.
 TEST(SearchTest, PeriodicTextsAgreeWithTheModel) {
-    for (const size_t thePeriod : {1, 2, 3, 7}) {
-        for (const size_t theLength : {100, 5000}) {
+    for (const size_t thePeriod : std::initializer_list<size_t>{1, 2, 3, 7}) {
+        for (const size_t theLength : std::initializer_list<size_t>{100, 5000}) {
             SCOPED_TRACE(testing::Message() << thePeriod << ", " << theLength);
             std::string theText(theLength, 'a');
             for (size_t i = 0; i < theLength; i += thePeriod) {
