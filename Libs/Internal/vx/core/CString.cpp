@@ -232,6 +232,7 @@ void vxCString::Fit() {
     }
 }
 
+// NOLINTBEGIN(clang-analyzer-unix.Malloc): counts say what came from an allocation, unseen by it
 void vxCString::UnlockBlock(vxCStringData* aBlock) {
     const int32_t theCount = --aBlock->mRefCount;
     if (!aBlock->IsSpecial()) {
@@ -245,6 +246,7 @@ void vxCString::UnlockBlock(vxCStringData* aBlock) {
         free(aBlock);
     }
 }
+// NOLINTEND(clang-analyzer-unix.Malloc)
 
 // Makes a special block that owns `aLength` bytes of text, exact and behind its pointer.
 bool vxCString::AllocInlineBlock(size_t aLength) {
@@ -392,6 +394,7 @@ void vxCString::TakeFrom(vxCString& aCString) noexcept {
     }
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): strings with one block include it
 vxCString& vxCString::operator=(const vxCString& aCString) {
     VXASSERT(aCString.mCStringData->IsValid());
     if (mCStringData != aCString.mCStringData) {

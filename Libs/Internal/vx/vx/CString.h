@@ -23,20 +23,25 @@
 ///
 /// Threads:  one at a time; the count is a plain integer.
 struct vxCStringData {
-    int32_t mRefCount;        // sharers; -1 the shared empty block; 0 while a write buffer is out;
-                              // special blocks start at 2
-    size_t mStringLength;     // bytes of text, without the NUL
-    size_t mAllocatedLength;  // capacity in bytes of text, or the kind of a special block
+    /// Sharers; -1 the shared empty block; 0 while a write buffer is out; special blocks start at 2.
+    int32_t mRefCount;
+    /// Bytes of text, without the NUL.
+    size_t mStringLength;
+    /// Capacity in bytes of text, or the kind of a special block.
+    size_t mAllocatedLength;
 
     /// Is it the shared empty block? A block whose text has no bytes need not be.
     bool IsEmpty() const { return mRefCount == -1; }
+    /// Has it several sharers?
     bool IsShared() const { return mRefCount > 1; }
     /// Is no write buffer out?
     bool IsValid() const { return mRefCount != 0; }
+    /// Does it point at its text?
     bool IsSpecial() const { return mAllocatedLength >= static_cast<size_t>(-2); }
 
     /// Counts one more sharer; the shared empty block counts nobody.
     void Lock() { mRefCount += mRefCount != -1; }
+    /// Sets the count to 1, or to 0 while a write buffer is out.
     void Validate(bool afValid) { mRefCount = afValid ? 1 : 0; }
 
     /// Returns the text: behind the header, or where a special block points.
@@ -49,8 +54,8 @@ struct vxCStringData {
 /// The block of every empty string. Nothing is ever written to it; its text is longer than its NUL
 /// only so that compilers which see a write behind a test of the count do not take it for an overflow.
 struct _vxEmptyCStringBlock {
-    vxCStringData mData;
-    char mText[16];
+    vxCStringData mData;  ///< count -1, length and capacity 0
+    char mText[16];       ///< zeros
 };
 extern VX_EXPORT const _vxEmptyCStringBlock _vxEmptyBlock;
 
@@ -83,27 +88,32 @@ public:
     /// No position; as a length: up to the terminating NUL.
     static constexpr size_t npos = static_cast<size_t>(-1);
 
-    /// Kinds of special blocks, kept in place of the capacity; the last is the lowest of them.
+    /// Stands for the capacity of a special block whose text is owned.
     static constexpr size_t kvxAllocatedString = npos;
+    /// Stands for the capacity of a special block whose text is static.
     static constexpr size_t kvxStaticString = npos - 1;
+    /// The lowest number that stands for a kind rather than a capacity.
     static constexpr size_t kvxSpecialString = npos - 1;
 
     /// What ValidateUTF8() does; modes may be combined.
     enum {
-        kvxEmpty = 1,         // text that is not valid is emptied
-        kvxKeep = 2,          // nothing
-        kvxKeepValid = 4,     // bad bytes are dropped
-        kvxKeepPrintable = 8  // what does not print is dropped
+        kvxEmpty = 1,         ///< text that is not valid is emptied
+        kvxKeep = 2,          ///< nothing
+        kvxKeepValid = 4,     ///< bad bytes are dropped
+        kvxKeepPrintable = 8  ///< what does not print is dropped
     };
 
     // Construction
 
     /// The empty string, which allocates nothing.
     vxCString() noexcept { Init(); }
+    /// Copies a text up to its NUL.
     vxCString(const char* aStr) { Construct(aStr, 0, npos); }
+    /// Copies `aLength` bytes, as InitWith().
     vxCString(const char* aStr, size_t aLength) { Construct(aStr, 0, aLength); }
-    /// As InitWith().
+    /// Copies `aLength` bytes from `aStr` + `aPos`, as InitWith().
     vxCString(const char* aStr, size_t aPos, size_t aLength) { Construct(aStr, aPos, aLength); }
+    /// A text of one byte, NUL included.
     vxCString(char aChar) { Construct(&aChar, 0, 1); }
 
     /// Shares the block of `aCString`.
@@ -120,6 +130,7 @@ public:
     /// Asserts:  as the copy; `aCString` keeps its write buffer then.
     vxCString(vxCString&& aCString) noexcept : vxCString() { TakeFrom(aCString); }
 
+    /// Releases the block, and frees it where no other string shares it.
     ~vxCString() { Unlock(); }
 
     /// Replaces the text by `aLength` bytes from `aStr` + `aPos`.
@@ -149,8 +160,11 @@ public:
     /// Asserts:  aCString.mCStringData->IsValid(); the string is empty then.
     /// Cost:     constant.
     vxCString& operator=(const vxCString& aCString);
+    /// Takes the block over and leaves `aCString` empty.
     vxCString& operator=(vxCString&& aCString) noexcept;
+    /// Copies a text up to its NUL, into the old block where it fits.
     vxCString& operator=(const char* aStr);
+    /// Becomes a text of one byte.
     vxCString& operator=(char aChar);
 
     /// Wraps a text without copying it.
@@ -166,6 +180,7 @@ public:
     /// Owner:    the block, which frees the text with free() when its last string goes.
     static vxCString FromAllocatedString(const char* aStr);
 
+    /// Exchanges the blocks.
     void Swap(vxCString& aCString) noexcept {
         std::swap(mStringPtr, aCString.mStringPtr);
         std::swap(mCStringData, aCString.mCStringData);
@@ -189,8 +204,11 @@ public:
 
     /// Returns the text, never null.
     const char* c_str() const { return mStringPtr; }
+    /// Returns the text, never null.
     operator const char*() const { return mStringPtr; }
+    /// Returns the bytes of text, without the terminating NUL.
     size_t length() const { return mCStringData->mStringLength; }
+    /// Has the text no bytes?
     bool IsEmpty() const { return length() == 0; }
 
     /// Returns the first byte, or 0.
@@ -250,8 +268,10 @@ public:
 
     /// Returns the first or the last place of a byte; NUL is nowhere.
     size_t Find(char aChar, bool afFromEnd = false) const;
+    /// Returns the first place of a byte; NUL is nowhere.
     size_t First(char aChar) const { return Find(aChar, false); }
 
+    /// Does the text occur? The empty one never does.
     bool Contains(const char* aStr) const { return FindFirstStr(aStr, 0) != npos; }
 
     /// Returns how often the byte occurs.
@@ -265,24 +285,31 @@ public:
     /// whole text. Callers lean on the difference: BeforeFirst('=') and AfterFirst('=') split
     /// "verbose" into the name "verbose" and no value, without asking whether a '=' is there.
     vxCString AfterFirst(char aChar) const;
+    /// As AfterFirst() of a byte.
     vxCString AfterFirst(const vxCString& aStr) const;
 
     /// Returns the text after the last occurrence, or the whole text when there is none.
     vxCString AfterLast(char aChar) const;
+    /// As AfterLast() of a byte.
     vxCString AfterLast(const vxCString& aStr) const;
 
     /// Returns the text before the first occurrence, or the whole text when there is none.
     vxCString BeforeFirst(char aChar) const;
+    /// As BeforeFirst() of a byte.
     vxCString BeforeFirst(const vxCString& aStr) const;
+    /// As BeforeFirst() of a byte.
     vxCString BeforeFirst(const char* aStr) const;
 
     /// Returns the text before the last occurrence, or the empty string when there is none.
     vxCString BeforeLast(char aChar) const;
+    /// As BeforeLast() of a byte.
     vxCString BeforeLast(const vxCString& aStr) const;
+    /// As BeforeLast() of a byte.
     vxCString BeforeLast(const char* aStr) const;
 
     /// Returns up to `aCount` bytes from `aPos`; the empty string beyond the end.
     vxCString Mid(size_t aPos, size_t aCount = npos) const;
+    /// Returns the first `aCount` bytes, or the whole text where it is shorter.
     vxCString Left(size_t aCount) const { return Mid(0, aCount); }
     /// Returns the last `aCount` bytes, or the whole text where it is shorter.
     vxCString Right(size_t aCount) const {
@@ -291,14 +318,17 @@ public:
 
     // Modification
 
+    /// Appends a text, NULs inside it included.
     vxCString& operator+=(const vxCString& aStr) {
         ConcatSelf(aStr.length(), aStr.mStringPtr, npos);
         return *this;
     }
+    /// Appends a text up to its NUL.
     vxCString& operator+=(const char* aStr) {
         ConcatSelf(aStr == NULL ? 0 : strlen(aStr), aStr, npos);
         return *this;
     }
+    /// Appends a byte.
     vxCString& operator+=(char aChar) {
         const size_t theLength = length();
         if (mCStringData->mRefCount == 1 && theLength < mCStringData->mAllocatedLength) {
@@ -327,7 +357,9 @@ public:
     ///
     /// Asserts:  as Erase(), when the text is shorter.
     vxCString& Truncate(size_t aLength) { return Erase(aLength, npos); }
+    /// Empties the string and gives its memory back.
     vxCString& Empty() { return Truncate(0); }
+    /// Empties the string and gives its memory back.
     void clear() { Reinit(); }
 
     /// Puts `aLength` bytes in place of up to `aCount` bytes at `aPos`; with an `aLength` of `npos` the
@@ -350,9 +382,12 @@ public:
 
     /// Removes whitespace at the end (`afFromRight`) or at the front.
     vxCString& Trim(bool afFromRight);
+    /// Removes whitespace at both ends.
     vxCString& TrimLeftRight();
 
+    /// Returns the text with small letters as capitals.
     vxCString Upper() const;
+    /// Returns the text with capital letters as small ones.
     vxCString Lower() const;
 
     /// Returns the text with every run of whitespace as one blank, also at both ends.
@@ -365,6 +400,7 @@ public:
     size_t Printf(const char* aFormat, ...) VX_PRINTF(2, 3);
     /// As Printf(); the list may be used again.
     size_t PrintfV(const char* aFormat, va_list anArgs) VX_PRINTF(2, 0);
+    /// Returns a formatted text.
     static vxCString Format(const char* aFormat, ...) VX_PRINTF(1, 2);
 
     /// Mends a text that is not valid UTF-8 as `aMode` says, and returns the string itself.
@@ -375,6 +411,7 @@ public:
     ///
     /// Cost:     linear.
     vxCString& ValidateUTF8(int aMode);
+    /// Is the whole text valid UTF-8, as RFC 3629 has it?
     bool IsValidUTF8() const;
 
     // Comparison
@@ -389,13 +426,18 @@ public:
 
     /// As Compare(), with the letters of ASCII equal in either case: exactly -1, 0 or 1.
     int CompareNoCase(const vxCString& aStr) const;
+    /// As above, up to the NUL of `aStr`; null counts as the empty text.
     int CompareNoCase(const char* aStr) const;
 
+    /// Are all bytes the same?
     bool operator==(const vxCString& aStr) const {
         return length() == aStr.length() && HasSameBytes(aStr);
     }
+    /// Is Compare() 0?
     bool operator==(const char* aStr) const { return Compare(aStr) == 0; }
+    /// Does any byte differ?
     bool operator!=(const vxCString& aStr) const { return !(*this == aStr); }
+    /// Is Compare() not 0?
     bool operator!=(const char* aStr) const { return Compare(aStr) != 0; }
 
     // Checks and numbers
@@ -407,15 +449,24 @@ public:
 
     // The whole text must be a number that the type can hold: an optional sign and digits, no blanks.
     // Otherwise the result is false and the target untouched. Base 0 reads a prefix "0x" or "0".
+
+    /// Reads -128 to 127.
     bool ToInt8(int8_t* aResult) const;
+    /// Reads -32768 to 32767.
     bool ToInt16(int16_t* aResult) const;
+    /// Reads a signed number of 32 bits.
     bool ToInt32(int32_t* aResult, int aBase = 10) const;
+    /// Reads a signed number of 64 bits.
     bool ToInt64(int64_t* aResult, int aBase = 10) const;
+    /// Reads 0 to 255.
     bool ToUInt8(uint8_t* aResult) const;
+    /// Reads 0 to 65535.
     bool ToUInt16(uint16_t* aResult) const;
+    /// Reads an unsigned number of 32 bits.
     bool ToUInt32(uint32_t* aResult, int aBase = 10) const;
+    /// Reads an unsigned number of 64 bits.
     bool ToUInt64(uint64_t* aResult, int aBase = 10) const;
-    /// Decimal, with an optional exponent; never "inf", "nan" or hexadecimal.
+    /// Reads a decimal number with an optional point and exponent; never "inf", "nan" or hexadecimal.
     bool ToDouble(double* aResult) const;
 
     // Wide text
@@ -496,27 +547,34 @@ inline void vxCString::Share(const vxCString& aCString) {
     }
 }
 
+/// Returns both texts in one; the result is a special block.
 inline vxCString operator+(const vxCString& aLeft, const vxCString& aRight) {
     return vxCString::_Concat(aLeft.c_str(), aLeft.length(), aRight.c_str(), aRight.length());
 }
+/// As above.
 inline vxCString operator+(const vxCString& aLeft, const char* aRight) {
     return vxCString::_Concat(aLeft.c_str(), aLeft.length(), aRight,
                               aRight == NULL ? 0 : strlen(aRight));
 }
+/// As above.
 inline vxCString operator+(const char* aLeft, const vxCString& aRight) {
     return vxCString::_Concat(aLeft, aLeft == NULL ? 0 : strlen(aLeft), aRight.c_str(),
                               aRight.length());
 }
+/// As above.
 inline vxCString operator+(const vxCString& aLeft, char aRight) {
     return vxCString::_Concat(aLeft.c_str(), aLeft.length(), &aRight, 1);
 }
+/// As above.
 inline vxCString operator+(char aLeft, const vxCString& aRight) {
     return vxCString::_Concat(&aLeft, 1, aRight.c_str(), aRight.length());
 }
 
+/// As vxCString::operator==().
 inline bool operator==(const char* aLeft, const vxCString& aRight) {
     return aRight == aLeft;
 }
+/// As vxCString::operator!=().
 inline bool operator!=(const char* aLeft, const vxCString& aRight) {
     return aRight != aLeft;
 }
@@ -539,10 +597,12 @@ public:
     /// As vxCString::GetWriteBuf().
     vxCStringBuffer(vxCString& aString, size_t aLength)
         : mString(aString), mBuffer(aString.GetWriteBuf(aLength)) {}
+    /// Gives the buffer back; the text ends at its NUL.
     ~vxCStringBuffer() { mString.UngetWriteBuf(); }
     vxCStringBuffer(const vxCStringBuffer&) = delete;
     vxCStringBuffer& operator=(const vxCStringBuffer&) = delete;
 
+    /// Returns the buffer.
     operator char*() const { return mBuffer; }
 
 private:

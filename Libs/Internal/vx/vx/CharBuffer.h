@@ -17,6 +17,7 @@
 /// Threads:  one at a time.
 class VX_EXPORT vxCharBuffer {
 public:
+    /// Is null.
     vxCharBuffer() noexcept : mStr(NULL) {}
 
     /// Holds a duplicate of the text when `afCopy`, else the text itself; null stays null.
@@ -30,6 +31,7 @@ public:
     /// Takes the text out of `aBuffer`, which is null afterwards.
     vxCharBuffer(const vxCharBuffer& aBuffer) noexcept : mStr(aBuffer.Take()) {}
 
+    /// Frees the text.
     ~vxCharBuffer();
 
     /// Frees the old text and takes the one of `aBuffer`; assignment to itself does nothing.
@@ -65,6 +67,7 @@ private:
 /// Threads:  one at a time.
 class VX_EXPORT vxWCharBuffer {
 public:
+    /// Is null.
     vxWCharBuffer() noexcept : mStr(NULL) {}
 
     /// Holds a duplicate of the text when `afCopy`, else the text itself; null stays null.
@@ -78,6 +81,7 @@ public:
     /// Takes the text out of `aBuffer`, which is null afterwards.
     vxWCharBuffer(const vxWCharBuffer& aBuffer) noexcept : mStr(aBuffer.Take()) {}
 
+    /// Frees the text.
     ~vxWCharBuffer();
 
     /// Frees the old text and takes the one of `aBuffer`; assignment to itself does nothing.

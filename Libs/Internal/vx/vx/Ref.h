@@ -20,8 +20,11 @@ using vxAtomic_int = std::atomic<int32_t>;
 /// Threads:  any, atomic.
 class VX_EXPORT vxRefCounted {
 public:
+    /// Starts with no reference.
     vxRefCounted() noexcept : mRefCount(0) {}
+    /// Starts with no reference, whatever the source has.
     vxRefCounted(const vxRefCounted&) noexcept : mRefCount(0) {}
+    /// Leaves both counts alone.
     vxRefCounted& operator=(const vxRefCounted&) noexcept { return *this; }
 
     /// Called once, in the thread that dropped the last reference; deletes the object.
@@ -83,13 +86,14 @@ private:
 struct VX_EXPORT vxRefCountDebug {
     /// Keeps a copy of `aCallStack`; the record is in no list.
     vxRefCountDebug(void* aParentPtr, const char* aCallStack);
+    /// Frees the copy.
     ~vxRefCountDebug();
     vxRefCountDebug(const vxRefCountDebug&) = delete;
     vxRefCountDebug& operator=(const vxRefCountDebug&) = delete;
 
-    void* mParentPtr;        // the handle
-    char* mCallStack;        // owned
-    vxRefCountDebug* mNext;  // next record of the same object
+    void* mParentPtr;        ///< the handle
+    char* mCallStack;        ///< owned
+    vxRefCountDebug* mNext;  ///< next record of the same object
 };
 
 /// An untyped handle: one pointer that holds a reference, or null.
@@ -99,8 +103,10 @@ struct VX_EXPORT vxRefCountDebug {
 /// Threads:  one at a time for one handle; any for handles to one object.
 class vxRefAny {
 public:
+    /// Is null.
     vxRefAny() noexcept : mPointer(NULL) {}
 
+    /// Takes a reference, unless the pointer is null.
     vxRefAny(vxRefCounted* aPointer) : mPointer(aPointer) { RetainPointed(); }
 
     /// Builds a null handle.
@@ -110,8 +116,10 @@ public:
         VXASSERT_TEXT(aZero == 0, "vxRefAny: Only 0 (zero) can be used to build a vxRef");
     }
 
+    /// Takes a reference of its own.
     vxRefAny(const vxRefAny& aRef) : mPointer(aRef.mPointer) { RetainPointed(); }
 
+    /// Lets go of the object.
     ~vxRefAny() { ReleasePointed(); }
 
     /// Lets go of the old object first, then takes the new one; a handle assigned to itself does
@@ -137,14 +145,17 @@ public:
     /// Returns the object, or null.
     vxRefCounted* Get() const { return mPointer; }
 
+    /// Holds it no object?
     bool IsNull() const { return mPointer == NULL; }
 
     /// Compares identity, not contents.
     bool operator==(const vxRefAny& aRef) const { return mPointer == aRef.mPointer; }
+    /// Compares identity, not contents.
     bool operator!=(const vxRefAny& aRef) const { return mPointer != aRef.mPointer; }
 
     /// Replaces the pointer without touching a count, where ownership moves by hand.
     void _SetPointedObject(vxRefCounted* aPointer) { mPointer = aPointer; }
+    /// Returns the pointer without touching a count.
     vxRefCounted* _GetPointedObject() const { return mPointer; }
 
 private:
@@ -174,16 +185,21 @@ private:
 template <typename T>
 class vxRef : public vxRefAny {
 public:
+    /// Is null.
     vxRef() noexcept = default;
+    /// Takes a reference, unless the pointer is null.
     vxRef(T* aPointer) : vxRefAny(static_cast<vxRefCounted*>(aPointer)) {}
     /// As vxRefAny: the argument must be 0.
     vxRef(int aZero) : vxRefAny(aZero) {}
 
     /// As vxRefAny: reports a null handle and hands the null pointer out.
     T* operator->() const { return Typed(vxRefAny::operator->()); }
+    /// Returns the object, or null.
     T* Get() const { return Typed(vxRefAny::Get()); }
 
+    /// Replaces the pointer without touching a count.
     void _SetPointedObject(T* aPointer) { vxRefAny::_SetPointedObject(aPointer); }
+    /// Returns the pointer without touching a count.
     T* _GetPointedObject() const { return Typed(vxRefAny::_GetPointedObject()); }
 
 private:
@@ -197,6 +213,7 @@ public:
     explicit vxNamedClass(const char* aClassName) : mClassName(aClassName) {}
     virtual ~vxNamedClass();
 
+    /// Returns the text that the object was built with.
     const char* GetClassName() const { return mClassName; }
 
     /// Compares byte for byte; null equals null only.
