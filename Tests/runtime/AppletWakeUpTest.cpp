@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr unsigned int kGivingUp = 60000;  // milliseconds
+constexpr unsigned int kGivingUp = 30000;  // milliseconds
 
 class ConditionRoot : public vxApplet {
 public:
@@ -124,6 +124,51 @@ TEST(AppletWakeUpTest, NoWakeUpIsLostWithACondition) {
 
 TEST(AppletWakeUpTest, NoWakeUpIsLostWithASelect) {
     RunRounds<SelectRoot>(10000);
+}
+
+// Two wake-ups in a row, the second at every distance from the first: it comes before, while and
+// after the driver takes the first one. If it finds the applet awake, the loop that runs must see
+// what was written before it.
+TEST(AppletWakeUpTest, SecondWakeUpIsNotLostWhileTheFirstIsTaken) {
+    constexpr int kRounds = 30000;
+    class Reader : public ConditionRoot {
+    public:
+        vxAppletMsg AppletLoop(vxAppletMsg) override {
+            mRead.store(mPosted.load(std::memory_order_relaxed));
+            return vxAppletMsg_None;
+        }
+        std::atomic<int> mPosted{0};
+        std::atomic<int> mRead{0};
+    };
+    Reader theRoot;
+    std::atomic<bool> theIsOver{false};
+    std::atomic<bool> theHasGivenUp{false};
+    std::thread theOther([&] {
+        for (int theRound = 1; theRound <= kRounds; ++theRound) {
+            theRoot.mPosted.store(2 * theRound - 1, std::memory_order_relaxed);
+            theRoot.AppletWakeUp();
+            for (int i = theRound % 256 * 64; i > 0; --i) {
+                std::atomic_signal_fence(std::memory_order_seq_cst);
+            }
+            theRoot.mPosted.store(2 * theRound, std::memory_order_relaxed);
+            theRoot.AppletWakeUp();
+            while (theRoot.mRead.load() != 2 * theRound) {
+                if (theHasGivenUp) {
+                    return;
+                }
+                std::this_thread::yield();
+            }
+        }
+        theIsOver = true;
+        theRoot.AppletWakeUp();
+    });
+    while (!theIsOver && !theHasGivenUp) {
+        theRoot.AppletRun(vxAppletMsg_None);
+        theRoot.SelfWait();
+        theHasGivenUp = theRoot.mfGaveUp;
+    }
+    theOther.join();
+    EXPECT_FALSE(theHasGivenUp);
 }
 
 // Several threads wake one leaf: most calls find it awake already and return at once, yet what
