@@ -1,0 +1,226 @@
+// A growing buffer, a stack of names, and one flag: whether a start tag still waits for its '>'.
+
+#include "vx/XMLBuilder.h"
+
+#include <libteskTools/Array.h>
+#include <libteskTools/Memory.h>
+#include <libvxLog/Assert.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+const char* vxText(const char* aText) {
+    return aText == NULL ? "" : aText;
+}
+
+/// The entity of a byte, or null for a byte that stands for itself.
+const char* vxEntityOf(char aChar, bool afDouble) {
+    switch (aChar) {
+        case '"':
+            return afDouble ? "&amp;quot;" : "&quot;";
+        case '\'':
+            return afDouble ? "&amp;apos;" : "&apos;";
+        case '<':
+            return afDouble ? "&amp;lt;" : "&lt;";
+        case '>':
+            return afDouble ? "&amp;gt;" : "&gt;";
+        case '&':
+            return afDouble ? "&amp;amp;" : "&amp;";
+        default:
+            return NULL;
+    }
+}
+
+/// Escapes into a buffer: runs of plain bytes as blocks, and entities whole or not at all.
+void vxEscape(vxGrowingBuffer& aBuffer, const char* aText, size_t aLength, size_t aMaxLength,
+              bool afDouble) {
+    const size_t theLimit = aMaxLength == 0 ? static_cast<size_t>(-1) : aMaxLength;
+    const char* const theEnd = aText + aLength;
+    const char* theRun = aText;
+    const char* thePos = aText;
+    size_t theOutput = 0;
+    for (; thePos != theEnd; ++thePos) {
+        const char* theEntity = vxEntityOf(*thePos, afDouble);
+        if (theEntity == NULL) {
+            if (theOutput == theLimit) {
+                break;
+            }
+            ++theOutput;
+            continue;
+        }
+        aBuffer.Append(theRun, static_cast<size_t>(thePos - theRun));
+        theRun = thePos;
+        const size_t theLength = strlen(theEntity);
+        if (theLength > theLimit - theOutput) {
+            break;
+        }
+        aBuffer.Append(theEntity, theLength);
+        theOutput += theLength;
+        theRun = thePos + 1;
+    }
+    aBuffer.Append(theRun, static_cast<size_t>(thePos - theRun));
+}
+
+/// Makes a text of a buffer's bytes.
+vxCString vxTake(vxGrowingBuffer& aBuffer) {
+    aBuffer.Append("", 1);
+    return vxCString::FromAllocatedString(aBuffer.TakeOwnership(false, NULL));
+}
+
+}  // namespace
+
+vxXMLBuilder::vxXMLBuilder(uint32_t anInitialSize)
+    : mBuffer(anInitialSize), mTagArray(NULL), mfTagStarted(false) {}
+
+vxXMLBuilder::~vxXMLBuilder() {
+    vxArray_Delete(mTagArray);
+}
+
+void vxXMLBuilder::AddOpening(const char* aName) {
+    mBuffer.Append("<", 1);
+    mBuffer += vxText(aName);
+}
+
+void vxXMLBuilder::AddClosing(const char* aName) {
+    mBuffer.Append("</", 2);
+    mBuffer += vxText(aName);
+    mBuffer.Append(">", 1);
+}
+
+void vxXMLBuilder::StartTag(const char* aName) {
+    if (mTagArray == NULL) {
+        mTagArray = vxArray_New();
+        vxArray_SetFreeFunc(mTagArray, free);
+    }
+    vxArray_Append(mTagArray, vxStrdup(vxText(aName)));
+    AddStartTag(aName, false);
+}
+
+void vxXMLBuilder::AddAttribute(const char* aName, const char* aValue) {
+    VXASSERT(mfTagStarted);
+    if (!mfTagStarted) {
+        return;
+    }
+    mBuffer.Append(" ", 1);
+    mBuffer += vxText(aName);
+    mBuffer.Append("=\"", 2);
+    vxEscape(mBuffer, vxText(aValue), strlen(vxText(aValue)), 0, false);
+    mBuffer.Append("\"", 1);
+}
+
+void vxXMLBuilder::AddUInt32Attribute(const char* aName, uint32_t aValue) {
+    VXASSERT(mfTagStarted);
+    if (mfTagStarted) {
+        mBuffer +=
+            vxCString::Format(" %s=\"%lu\"", vxText(aName), static_cast<unsigned long>(aValue));
+    }
+}
+
+void vxXMLBuilder::EndTag() {
+    VXASSERT(mTagArray != NULL);
+    const size_t theCount = vxArray_GetCount(mTagArray);
+    VXASSERT_TEXT(mTagArray == NULL || theCount > 0, "theCount > 0");
+    if (theCount == 0) {
+        return;
+    }
+    char* theName = static_cast<char*>(vxArray_TakeAt(mTagArray, theCount - 1));
+    AddEndTag(theName);
+    free(theName);
+}
+
+void vxXMLBuilder::AddStartTag(const char* aName, bool afClose) {
+    CloseStartTag();
+    AddOpening(aName);
+    mfTagStarted = true;
+    if (afClose) {
+        CloseStartTag();
+    }
+}
+
+void vxXMLBuilder::AddEndTag(const char* aName) {
+    if (mfTagStarted) {
+        mBuffer.Append("/>", 2);
+        mfTagStarted = false;
+    } else {
+        AddClosing(aName);
+    }
+}
+
+void vxXMLBuilder::CloseStartTag() {
+    if (mfTagStarted) {
+        mBuffer.Append(">", 1);
+        mfTagStarted = false;
+    }
+}
+
+void vxXMLBuilder::AddTag(const char* aName, const char* aText, uint32_t aMaxLength,
+                          bool afDoubleEscape) {
+    CloseStartTag();
+    AddOpening(aName);
+    const char* theText = vxText(aText);
+    if (*theText == '\0') {
+        mBuffer.Append("/>", 2);
+        return;
+    }
+    mBuffer.Append(">", 1);
+    vxEscape(mBuffer, theText, strlen(theText), aMaxLength, afDoubleEscape);
+    AddClosing(aName);
+}
+
+void vxXMLBuilder::AddUInt32Tag(const char* aName, uint32_t aValue) {
+    AddTag(aName, vxCString::Format("%lu", static_cast<unsigned long>(aValue)), 0, false);
+}
+
+void vxXMLBuilder::AddRawTag(const char* aName, const void* aData, uint32_t aSize) {
+    CloseStartTag();
+    AddOpening(aName);
+    mBuffer.Append(">", 1);
+    if (aData != NULL) {
+        mBuffer.Append(static_cast<const char*>(aData), aSize);
+    }
+    AddClosing(aName);
+}
+
+void vxXMLBuilder::AddEmptyTag(const char* aName) {
+    CloseStartTag();
+    AddOpening(aName);
+    mBuffer.Append("/>", 2);
+}
+
+void vxXMLBuilder::AddText(const char* aText) {
+    CloseStartTag();
+    vxEscape(mBuffer, vxText(aText), strlen(vxText(aText)), 0, false);
+}
+
+void vxXMLBuilder::AddText(const vxCString& aText) {
+    CloseStartTag();
+    vxEscape(mBuffer, aText.c_str(), aText.length(), 0, false);
+}
+
+void vxXMLBuilder::AddRaw(const char* aText) {
+    CloseStartTag();
+    mBuffer += vxText(aText);
+}
+
+vxCString vxXMLBuilder::TakeXML() {
+    CloseStartTag();
+    return vxTake(mBuffer);
+}
+
+vxCString vxXMLBuilder::Escape(const char* aText, uint32_t aLength, uint32_t aMaxLength,
+                               bool afDoubleEscape) {
+    vxGrowingBuffer theBuffer(0);
+    if (aText != NULL) {
+        vxEscape(theBuffer, aText, aLength, aMaxLength, afDoubleEscape);
+    }
+    return vxTake(theBuffer);
+}
+
+void vxXMLBuilder::EscapeAndAdd(const char* aText, uint32_t aLength, uint32_t aMaxLength,
+                                bool afDoubleEscape) {
+    if (aText != NULL) {
+        vxEscape(mBuffer, aText, aLength, aMaxLength, afDoubleEscape);
+    }
+}

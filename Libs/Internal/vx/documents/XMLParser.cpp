@@ -1,0 +1,720 @@
+// One pass over the bytes, an explicit stack of open elements, and no entity that could grow.
+//
+// Names are looked up among those met before, so that equal names share one block: a document has few
+// of them, and comparing two is comparing pointers.
+
+#include "vx/XMLParser.h"
+
+#include <libteskTools/Unicode.h>
+
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "vx/DataBuffer.h"
+#include "vx/Error.h"
+#include "vx/FileHelper.h"
+#include "vx/PathName.h"
+#include "vx/XML.h"
+
+/// Links nodes at places that the reader knows already.
+class vxXMLReaderLinks {
+public:
+    static void Append(vxXMLNode* aParent, vxXMLNode* aLast, vxXMLNode* aNode) {
+        aNode->mParent = aParent;
+        (aLast == NULL ? aParent->mChildren : aLast->mNext) = aNode;
+    }
+
+    /// Deletes the text nodes that hold blanks only.
+    static void DropBlankTexts(vxXMLNode* aParent, bool (*aIsBlank)(const vxCString&)) {
+        for (vxXMLNode** theLink = &aParent->mChildren; *theLink != NULL;) {
+            vxXMLNode* theNode = *theLink;
+            if (theNode->mType == vxXMLNodeType_Text && aIsBlank(theNode->mContent)) {
+                *theLink = theNode->mNext;
+                theNode->mNext = NULL;
+                delete theNode;
+            } else {
+                theLink = &theNode->mNext;
+            }
+        }
+    }
+};
+
+namespace {
+
+bool vxIsBlank(char aChar) {
+    return aChar == ' ' || aChar == '\t' || aChar == '\n' || aChar == '\r';
+}
+
+bool vxIsBlankText(const vxCString& aText) {
+    const char* const theEnd = aText.c_str() + aText.length();
+    for (const char* i = aText.c_str(); i != theEnd; ++i) {
+        if (!vxIsBlank(*i)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool vxStartsName(char aChar) {
+    const unsigned char theByte = static_cast<unsigned char>(aChar);
+    return (theByte >= 'a' && theByte <= 'z') || (theByte >= 'A' && theByte <= 'Z') ||
+           theByte == '_' || theByte == ':' || theByte >= 0x80;
+}
+
+bool vxContinuesName(char aChar) {
+    return vxStartsName(aChar) || (aChar >= '0' && aChar <= '9') || aChar == '-' || aChar == '.';
+}
+
+/// May this code point stand in a document at all?
+bool vxIsCharacter(uint32_t aCode) {
+    return aCode == '\t' || aCode == '\n' || aCode == '\r' || (aCode >= 0x20 && aCode <= 0xD7FF) ||
+           (aCode >= 0xE000 && aCode <= 0xFFFD) || (aCode >= 0x10000 && aCode <= 0x10FFFF);
+}
+
+void vxAppendUTF8(std::string& aText, uint32_t aCode) {
+    const auto theByte = [&aText](uint32_t aValue) { aText += static_cast<char>(aValue); };
+    if (aCode < 0x80) {
+        theByte(aCode);
+    } else if (aCode < 0x800) {
+        theByte(0xC0 | aCode >> 6);
+        theByte(0x80 | (aCode & 0x3F));
+    } else if (aCode < 0x10000) {
+        theByte(0xE0 | aCode >> 12);
+        theByte(0x80 | (aCode >> 6 & 0x3F));
+        theByte(0x80 | (aCode & 0x3F));
+    } else {
+        theByte(0xF0 | aCode >> 18);
+        theByte(0x80 | (aCode >> 12 & 0x3F));
+        theByte(0x80 | (aCode >> 6 & 0x3F));
+        theByte(0x80 | (aCode & 0x3F));
+    }
+}
+
+struct vxNamedEntity {
+    std::string_view mName;
+    char mChar;
+};
+
+constexpr vxNamedEntity kvxXML_Entities[] = {
+    {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''},
+};
+
+class vxXMLReader {
+public:
+    vxXMLReader(const char* aText, size_t aSize, const vxXMLParserLimits& aLimits)
+        : mStart(aText), mPos(aText), mEnd(aText + aSize), mLimits(aLimits) {}
+
+    bool Read();
+
+    vxXMLNode* TakeRoot() { return mRoot.release(); }
+    const vxCString& Version() const { return mVersion; }
+    vxError Error() const;
+
+private:
+    struct Element {
+        vxXMLNode* mNode;
+        vxXMLNode* mLast;  // child
+        bool mfHasText;    // a child text that is not blank
+        bool mfHasBlanks;  // a child text that is
+    };
+
+    bool Fail(const char* aExpected, int aCode = kvxXMLParserError_Syntax) {
+        // The first failure is the one to report.
+        if (mExpected == NULL) {
+            mExpected = aExpected;
+            mCode = aCode;
+        }
+        return false;
+    }
+
+    bool AtEnd() const { return mPos == mEnd; }
+    bool Looks(std::string_view aText) const {
+        return static_cast<size_t>(mEnd - mPos) >= aText.size() &&
+               memcmp(mPos, aText.data(), aText.size()) == 0;
+    }
+    bool Skip(std::string_view aText) {
+        const bool theFound = Looks(aText);
+        mPos += theFound ? aText.size() : 0;
+        return theFound;
+    }
+    bool SkipBlanks() {
+        const char* theStart = mPos;
+        while (!AtEnd() && vxIsBlank(*mPos)) {
+            ++mPos;
+        }
+        return mPos != theStart;
+    }
+
+    bool CheckEncoding();
+    bool ReadDeclaration();
+    bool ReadPseudoAttribute(std::string_view aName, std::string_view* aValue);
+    bool ReadProlog();
+    bool ReadDoctype();
+    bool SkipUntil(std::string_view anEnd, const char* aExpected);
+    bool ReadName(vxCString* aName);
+    bool ReadContent();
+    bool ReadMarkup();
+    bool ReadStartTag();
+    bool ReadAttributes(vxXMLNode* aNode, bool* afHasContent);
+    bool ReadAttribute(vxXMLNode* aNode, vxXMLProperty** aLast);
+    bool ReadAttributeValue(vxCString* aValue);
+    bool ReadEndTag();
+    bool ReadText();
+    bool ReadCData();
+    bool ReadComment();
+    bool ReadReference(std::string* aText);
+    bool ReadCharacterReference(std::string* aText);
+    bool AppendCharacters(const char* anEnd, std::string* aText);
+    bool FlushText();
+    void AppendChild(vxXMLNode* aNode);
+    void CloseElement();
+
+    const char* const mStart;
+    const char* mPos;
+    const char* const mEnd;
+    const vxXMLParserLimits& mLimits;
+
+    std::unique_ptr<vxXMLNode> mRoot;
+    std::vector<Element> mOpen;
+    std::string mText;        // of the text node that is being read
+    bool mfInText = false;    // there is one
+    bool mfHasCData = false;  // it came in part from a CDATA section, and is text even when blank
+    vxCString mVersion = "1.0";
+    const vxCString mTextName = "text";
+    const vxCString mCommentName = "comment";
+    std::unordered_map<std::string_view, vxCString> mNames;  // keys point into the input
+
+    const char* mExpected = NULL;
+    int mCode = 0;
+};
+
+bool vxXMLReader::Read() {
+    return CheckEncoding() && ReadDeclaration() && ReadProlog() && ReadStartTag() &&
+           ReadContent() && ReadProlog() && (AtEnd() || Fail("the end of the document"));
+}
+
+vxError vxXMLReader::Error() const {
+    unsigned long theLine = 1;
+    unsigned long theColumn = 1;
+    for (const char* i = mStart; i != mPos; ++i) {
+        if (*i == '\n') {
+            ++theLine;
+            theColumn = 1;
+        } else if ((static_cast<unsigned char>(*i) & 0xC0) != 0x80) {
+            ++theColumn;
+        }
+    }
+    vxError theError(mCode, vxCString::Format("line %lu, column %lu: expected %s", theLine,
+                                              theColumn, mExpected));
+    theError.SetModule("XMLParser");
+    return theError;
+}
+
+bool vxXMLReader::CheckEncoding() {
+    size_t theCount = 0;
+    const size_t theSize = static_cast<size_t>(mEnd - mStart);
+    if (vxUnicode_UTF8ToWide(mStart, theSize, NULL, 0, &theCount) != 0) {
+        while (theCount != 0) {
+            ++mPos;
+            while (mPos != mEnd && (static_cast<unsigned char>(*mPos) & 0xC0) == 0x80) {
+                ++mPos;
+            }
+            --theCount;
+        }
+        return Fail("valid UTF-8");
+    }
+    Skip("\xEF\xBB\xBF");
+    return true;
+}
+
+bool vxXMLReader::ReadDeclaration() {
+    if (!Looks("<?xml") || mEnd - mPos < 6 || !vxIsBlank(mPos[5])) {
+        return true;
+    }
+    mPos += 5;
+    std::string_view theValue;
+    if (!SkipBlanks() || !ReadPseudoAttribute("version", &theValue)) {
+        return Fail("version=\"1.0\"");
+    }
+    if (theValue.substr(0, 2) != "1.") {
+        return Fail("version 1.0", kvxXMLParserError_Unsupported);
+    }
+    mVersion = vxCString(theValue.data(), theValue.size());
+    SkipBlanks();
+    if (ReadPseudoAttribute("encoding", &theValue)) {
+        const vxCString theEncoding(theValue.data(), theValue.size());
+        if (theEncoding.CompareNoCase("utf-8") != 0 && theEncoding.CompareNoCase("us-ascii") != 0) {
+            return Fail("the encoding UTF-8", kvxXMLParserError_Unsupported);
+        }
+        SkipBlanks();
+    }
+    if (ReadPseudoAttribute("standalone", &theValue)) {
+        SkipBlanks();
+    }
+    return Skip("?>") || Fail("\"?>\"");
+}
+
+bool vxXMLReader::ReadPseudoAttribute(std::string_view aName, std::string_view* aValue) {
+    const char* theStart = mPos;
+    if (Skip(aName)) {
+        SkipBlanks();
+        if (Skip("=")) {
+            SkipBlanks();
+            const char theQuote = AtEnd() ? '\0' : *mPos;
+            const void* theClosing =
+                theQuote == '"' || theQuote == '\''
+                    ? memchr(mPos + 1, theQuote, static_cast<size_t>(mEnd - mPos - 1))
+                    : NULL;
+            if (theClosing != NULL) {
+                const char* theEnd = static_cast<const char*>(theClosing);
+                *aValue = std::string_view(mPos + 1, static_cast<size_t>(theEnd - mPos - 1));
+                mPos = theEnd + 1;
+                return true;
+            }
+        }
+    }
+    mPos = theStart;
+    return false;
+}
+
+// Passes over what may stand around the root, up to the root or the end.
+bool vxXMLReader::ReadProlog() {
+    for (;;) {
+        SkipBlanks();
+        if (Skip("<!--")) {
+            if (!SkipUntil("-->", "\"-->\"")) {
+                return false;
+            }
+        } else if (Skip("<?")) {
+            if (!SkipUntil("?>", "\"?>\"")) {
+                return false;
+            }
+        } else if (mRoot == NULL && Looks("<!DOCTYPE")) {
+            if (!ReadDoctype()) {
+                return false;
+            }
+        } else {
+            return mRoot != NULL || (!AtEnd() && *mPos == '<') || Fail("the root element");
+        }
+    }
+}
+
+bool vxXMLReader::ReadDoctype() {
+    for (char theQuote = '\0'; !AtEnd(); ++mPos) {
+        if (theQuote != '\0') {
+            theQuote = *mPos == theQuote ? '\0' : theQuote;
+        } else if (*mPos == '"' || *mPos == '\'') {
+            theQuote = *mPos;
+        } else if (*mPos == '[') {
+            return Fail("a DOCTYPE without an internal subset", kvxXMLParserError_Unsupported);
+        } else if (*mPos == '>') {
+            ++mPos;
+            return true;
+        }
+    }
+    return Fail("\">\"");
+}
+
+bool vxXMLReader::SkipUntil(std::string_view anEnd, const char* aExpected) {
+    const std::string_view theRest(mPos, static_cast<size_t>(mEnd - mPos));
+    const size_t thePos = theRest.find(anEnd);
+    if (thePos == std::string_view::npos) {
+        mPos = mEnd;
+        return Fail(aExpected);
+    }
+    mPos += thePos + anEnd.size();
+    return true;
+}
+
+bool vxXMLReader::ReadName(vxCString* aName) {
+    if (AtEnd() || !vxStartsName(*mPos)) {
+        return Fail("a name");
+    }
+    const char* theStart = mPos;
+    while (!AtEnd() && vxContinuesName(*mPos)) {
+        ++mPos;
+    }
+    const std::string_view theName(theStart, static_cast<size_t>(mPos - theStart));
+    if (theName.size() > mLimits.mMaxTextSize) {
+        return Fail("a shorter name", kvxXMLParserError_Limit);
+    }
+    const auto theKnown = mNames.find(theName);
+    if (theKnown != mNames.end()) {
+        *aName = theKnown->second;
+        return true;
+    }
+    *aName = vxCString(theName.data(), theName.size());
+    mNames.emplace(theName, *aName);
+    return true;
+}
+
+bool vxXMLReader::ReadContent() {
+    while (!mOpen.empty()) {
+        if (AtEnd()) {
+            return Fail("an end tag");
+        }
+        if (!(*mPos == '<' ? ReadMarkup() : ReadText())) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool vxXMLReader::ReadMarkup() {
+    if (Looks("</")) {
+        return FlushText() && ReadEndTag();
+    }
+    if (Skip("<![CDATA[")) {
+        return ReadCData();
+    }
+    if (Skip("<!--")) {
+        return FlushText() && ReadComment();
+    }
+    if (Skip("<?")) {
+        return SkipUntil("?>", "\"?>\"");
+    }
+    return FlushText() && ReadStartTag();
+}
+
+bool vxXMLReader::ReadStartTag() {
+    if (!Skip("<")) {
+        return Fail("\"<\"");
+    }
+    vxCString theName;
+    if (!ReadName(&theName)) {
+        return false;
+    }
+    if (mOpen.size() >= mLimits.mMaxDepth) {
+        return Fail("fewer elements within each other", kvxXMLParserError_Limit);
+    }
+    vxXMLNode* theNode = new vxXMLNode(vxXMLNodeType_Element, theName, vxCString());
+    if (mOpen.empty()) {
+        mRoot.reset(theNode);
+    } else {
+        AppendChild(theNode);
+    }
+    bool theHasContent = false;
+    if (!ReadAttributes(theNode, &theHasContent)) {
+        return false;
+    }
+    if (theHasContent) {
+        mOpen.push_back({theNode, NULL, false, false});
+    }
+    return true;
+}
+
+bool vxXMLReader::ReadAttributes(vxXMLNode* aNode, bool* afHasContent) {
+    vxXMLProperty* theLast = NULL;
+    for (size_t theCount = 0;; ++theCount) {
+        const bool theHasBlank = SkipBlanks();
+        if (Skip(">")) {
+            *afHasContent = true;
+            return true;
+        }
+        if (Skip("/>")) {
+            return true;
+        }
+        if (!theHasBlank) {
+            return Fail("a blank, \">\" or \"/>\"");
+        }
+        if (theCount >= mLimits.mMaxAttributes) {
+            return Fail("fewer attributes", kvxXMLParserError_Limit);
+        }
+        if (!ReadAttribute(aNode, &theLast)) {
+            return false;
+        }
+    }
+}
+
+bool vxXMLReader::ReadAttribute(vxXMLNode* aNode, vxXMLProperty** aLast) {
+    const char* theStart = mPos;
+    vxCString theName;
+    if (!ReadName(&theName)) {
+        return false;
+    }
+    for (const vxXMLProperty* i = aNode->GetProperties(); i != NULL; i = i->GetNext()) {
+        // Equal names share their block.
+        if (i->GetName().c_str() == theName.c_str()) {
+            mPos = theStart;
+            return Fail("an attribute that the element does not have yet");
+        }
+    }
+    SkipBlanks();
+    if (!Skip("=")) {
+        return Fail("\"=\"");
+    }
+    SkipBlanks();
+    vxCString theValue;
+    if (!ReadAttributeValue(&theValue)) {
+        return false;
+    }
+    vxXMLProperty* theProperty = new vxXMLProperty(theName, theValue);
+    if (*aLast == NULL) {
+        aNode->AddProperty(theProperty);
+    } else {
+        (*aLast)->SetNext(theProperty);
+    }
+    *aLast = theProperty;
+    return true;
+}
+
+bool vxXMLReader::ReadAttributeValue(vxCString* aValue) {
+    const char theQuote = AtEnd() ? '\0' : *mPos;
+    if (theQuote != '"' && theQuote != '\'') {
+        return Fail("a quoted value");
+    }
+    ++mPos;
+    mText.clear();
+    while (!AtEnd() && *mPos != theQuote) {
+        const unsigned char theByte = static_cast<unsigned char>(*mPos);
+        if (theByte == '<') {
+            return Fail("\"&lt;\" in place of \"<\"");
+        }
+        if (theByte == '&') {
+            if (!ReadReference(&mText)) {
+                return false;
+            }
+            continue;
+        }
+        if (!vxIsCharacter(theByte)) {
+            return Fail("a character that XML allows");
+        }
+        // A line end of two bytes is one blank.
+        if (theByte != '\r' || mPos + 1 == mEnd || mPos[1] != '\n') {
+            mText += vxIsBlank(*mPos) ? ' ' : *mPos;
+        }
+        ++mPos;
+        if (mText.size() > mLimits.mMaxTextSize) {
+            return Fail("a shorter value", kvxXMLParserError_Limit);
+        }
+    }
+    if (AtEnd()) {
+        return Fail("the closing quote");
+    }
+    ++mPos;
+    *aValue = vxCString(mText.data(), mText.size());
+    mText.clear();
+    return true;
+}
+
+bool vxXMLReader::ReadEndTag() {
+    const vxCString& theOpenName = mOpen.back().mNode->GetName();
+    const char* theStart = mPos;
+    mPos += 2;
+    vxCString theName;
+    if (!ReadName(&theName)) {
+        return false;
+    }
+    if (theName.c_str() != theOpenName.c_str()) {
+        mPos = theStart;
+        return Fail("the end tag of the innermost element");
+    }
+    SkipBlanks();
+    if (!Skip(">")) {
+        return Fail("\">\"");
+    }
+    CloseElement();
+    return true;
+}
+
+// Copies what lies before `anEnd`, with line ends made uniform.
+bool vxXMLReader::AppendCharacters(const char* anEnd, std::string* aText) {
+    while (mPos != anEnd) {
+        const char* theRun = mPos;
+        while (mPos != anEnd && vxIsCharacter(static_cast<unsigned char>(*mPos)) && *mPos != '\r') {
+            ++mPos;
+        }
+        aText->append(theRun, mPos);
+        if (aText->size() > mLimits.mMaxTextSize) {
+            return Fail("a shorter text", kvxXMLParserError_Limit);
+        }
+        if (mPos == anEnd) {
+            return true;
+        }
+        if (*mPos != '\r') {
+            return Fail("a character that XML allows");
+        }
+        ++mPos;
+        if (mPos == mEnd || *mPos != '\n') {
+            *aText += '\n';
+        }
+    }
+    return true;
+}
+
+bool vxXMLReader::ReadText() {
+    mfInText = true;
+    if (*mPos == '&') {
+        return ReadReference(&mText);
+    }
+    const char* theEnd = mPos;
+    while (theEnd != mEnd && *theEnd != '<' && *theEnd != '&') {
+        if (*theEnd == '>' && theEnd - mPos >= 2 && theEnd[-1] == ']' && theEnd[-2] == ']') {
+            mPos = theEnd - 2;
+            return Fail("\"]]&gt;\" in place of \"]]>\"");
+        }
+        ++theEnd;
+    }
+    return AppendCharacters(theEnd, &mText);
+}
+
+bool vxXMLReader::ReadCData() {
+    const std::string_view theRest(mPos, static_cast<size_t>(mEnd - mPos));
+    const size_t theLength = theRest.find("]]>");
+    if (theLength == std::string_view::npos) {
+        mPos = mEnd;
+        return Fail("\"]]>\"");
+    }
+    mfInText = true;
+    mfHasCData = true;
+    if (!AppendCharacters(mPos + theLength, &mText)) {
+        return false;
+    }
+    mPos += 3;
+    return true;
+}
+
+bool vxXMLReader::ReadComment() {
+    const std::string_view theRest(mPos, static_cast<size_t>(mEnd - mPos));
+    const size_t theLength = theRest.find("--");
+    if (theLength == std::string_view::npos) {
+        mPos = mEnd;
+        return Fail("\"-->\"");
+    }
+    std::string theText;
+    if (!AppendCharacters(mPos + theLength, &theText)) {
+        return false;
+    }
+    if (!Skip("-->")) {
+        return Fail("\"-->\"");
+    }
+    AppendChild(new vxXMLNode(vxXMLNodeType_Comment, mCommentName,
+                              vxCString(theText.data(), theText.size())));
+    return true;
+}
+
+bool vxXMLReader::ReadReference(std::string* aText) {
+    const char* theStart = mPos;
+    ++mPos;
+    if (Skip("#")) {
+        if (ReadCharacterReference(aText)) {
+            return aText->size() <= mLimits.mMaxTextSize ||
+                   Fail("a shorter text", kvxXMLParserError_Limit);
+        }
+        mPos = theStart;
+        return Fail("a reference to a character that XML allows");
+    }
+    for (const vxNamedEntity& theEntity : kvxXML_Entities) {
+        if (Looks(theEntity.mName) && mPos + theEntity.mName.size() != mEnd &&
+            mPos[theEntity.mName.size()] == ';') {
+            mPos += theEntity.mName.size() + 1;
+            *aText += theEntity.mChar;
+            return aText->size() <= mLimits.mMaxTextSize ||
+                   Fail("a shorter text", kvxXMLParserError_Limit);
+        }
+    }
+    mPos = theStart;
+    return Fail("&amp;, &lt;, &gt;, &quot;, &apos; or a character reference");
+}
+
+bool vxXMLReader::ReadCharacterReference(std::string* aText) {
+    const bool theIsHexadecimal = Skip("x");
+    const uint32_t theBase = theIsHexadecimal ? 16 : 10;
+    uint32_t theCode = 0;
+    const char* theFirst = mPos;
+    for (; !AtEnd() && *mPos != ';'; ++mPos) {
+        uint32_t theDigit = 16;
+        if (*mPos >= '0' && *mPos <= '9') {
+            theDigit = static_cast<uint32_t>(*mPos - '0');
+        } else if (*mPos >= 'a' && *mPos <= 'f') {
+            theDigit = static_cast<uint32_t>(*mPos - 'a' + 10);
+        } else if (*mPos >= 'A' && *mPos <= 'F') {
+            theDigit = static_cast<uint32_t>(*mPos - 'A' + 10);
+        }
+        if (theDigit >= theBase) {
+            return false;
+        }
+        theCode = theCode * theBase + theDigit;
+        if (theCode > 0x10FFFF) {
+            return false;
+        }
+    }
+    if (mPos == theFirst || !Skip(";") || !vxIsCharacter(theCode)) {
+        return false;
+    }
+    vxAppendUTF8(*aText, theCode);
+    return true;
+}
+
+// Makes a node of the text read so far.
+bool vxXMLReader::FlushText() {
+    if (!mfInText) {
+        return true;
+    }
+    const vxCString theText(mText.data(), mText.size());
+    Element& theParent = mOpen.back();
+    const bool theIsBlank = !mfHasCData && vxIsBlankText(theText);
+    theParent.mfHasBlanks |= theIsBlank;
+    theParent.mfHasText |= !theIsBlank;
+    if (!theText.IsEmpty()) {
+        AppendChild(new vxXMLNode(vxXMLNodeType_Text, mTextName, theText));
+    }
+    mText.clear();
+    mfInText = false;
+    mfHasCData = false;
+    return true;
+}
+
+void vxXMLReader::AppendChild(vxXMLNode* aNode) {
+    Element& theParent = mOpen.back();
+    vxXMLReaderLinks::Append(theParent.mNode, theParent.mLast, aNode);
+    theParent.mLast = aNode;
+}
+
+// An element that holds other elements and only blanks beside them loses the blanks.
+void vxXMLReader::CloseElement() {
+    const Element& theElement = mOpen.back();
+    const bool theHasOthers = theElement.mNode->GetChildren() != theElement.mLast;
+    if (theElement.mfHasBlanks && !theElement.mfHasText && theHasOthers) {
+        vxXMLReaderLinks::DropBlankTexts(theElement.mNode, vxIsBlankText);
+    }
+    mOpen.pop_back();
+}
+
+}  // namespace
+
+bool vxXMLParser::Parse(const vxCString& aText, vxXMLDocument& aDocument, vxError& anError) const {
+    return Parse(aText.c_str(), aText.length(), aDocument, anError);
+}
+
+bool vxXMLParser::Parse(const void* aBytes, size_t aSize, vxXMLDocument& aDocument,
+                        vxError& anError) const {
+    vxXMLReader theReader(aBytes == NULL ? "" : static_cast<const char*>(aBytes),
+                          aBytes == NULL ? 0 : aSize, mLimits);
+    if (!theReader.Read()) {
+        anError = theReader.Error();
+        return false;
+    }
+    aDocument.SetRoot(theReader.TakeRoot());
+    aDocument.SetVersion(theReader.Version());
+    return true;
+}
+
+bool vxXMLParser::ParseFile(const vxPathName& aPath, vxXMLDocument& aDocument,
+                            vxError& anError) const {
+    const unsigned int theMaxSize = mLimits.mMaxFileSize < kvxFileLoad_MaxSize
+                                        ? static_cast<unsigned int>(mLimits.mMaxFileSize)
+                                        : kvxFileLoad_MaxSize;
+    vxDataBuffer theBuffer;
+    const vxError theError =
+        vxFileHelper::LoadInBuffer(aPath, theBuffer, kvxFileLoadOption_None, theMaxSize);
+    if (theError != 0) {
+        anError = theError;
+        return false;
+    }
+    return Parse(theBuffer.data(), theBuffer.size(), aDocument, anError);
+}

@@ -1,0 +1,91 @@
+#include <gmock/gmock.h>
+#include <vx/JSON.h>
+#include <vx/JSONMessageBuilder.h>
+
+#include "support/Reports.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr char kFuncName[] = "JSON seems not to be a valid one (FUNC_NAME)\n";
+constexpr char kStatus[] = "JSON seems not to be a valid one (STATUS)\n";
+constexpr char kParameters[] = "JSON seems not to be a valid one (PARAMETERS)\n";
+
+TEST(JSONMessageBuilderTest, AMessageComesBackWhole) {
+    vxJSONMessageBuilder theBuilder;
+    theBuilder.SetFuncName("f");
+    theBuilder.SetStatus(true);
+    theBuilder.AddParameter("a", "1");
+    const vxJSONMessageBuilder theAgain(theBuilder.ToJSON());
+    EXPECT_STREQ(theAgain.GetFuncName(), "f");
+    EXPECT_TRUE(theAgain.GetStatus());
+    EXPECT_STREQ(theAgain.GetParameter("a"), "1");
+    EXPECT_STREQ(theAgain.GetParameter("b"), "");
+}
+
+TEST(JSONMessageBuilderTest, MembersAreWrittenInOrderAndTheStatusAsAText) {
+    vxJSONMessageBuilder theBuilder;
+    theBuilder.SetFuncName("play");
+    theBuilder.AddParameter("b", "2");
+    theBuilder.AddParameter("a", "1");
+    theBuilder.AddParameter("b", "3");
+    const vxJSONDocument theDocument(theBuilder.ToJSON());
+    EXPECT_STREQ(theDocument.ToString(false),
+                 R"({"function_name":"play","status":"false","parameters":{"b":"3","a":"1"}})");
+    EXPECT_STREQ(theBuilder.ToJSON(), theDocument.ToString(true));
+    EXPECT_STREQ(theBuilder.GetParameter("b"), "2");
+}
+
+TEST(JSONMessageBuilderTest, ABooleanIsNoStatus) {
+    vxtest::Reports theReports;
+    const vxJSONMessageBuilder theBuilder(
+        R"({"function_name": "f", "status": true, "parameters": {"n": 5, "t": "x", "z": null}})");
+    EXPECT_FALSE(theBuilder.GetStatus());
+    EXPECT_THAT(theReports.LogTexts(), ElementsAre(kStatus));
+    EXPECT_EQ(theReports.Records()[0].mLevel, VXLOGLEVEL_ERROR);
+    EXPECT_EQ(theReports.Records()[0].mModule, VXLOG_M_JSON);
+    EXPECT_STREQ(theBuilder.GetParameter("n"), "5");
+    EXPECT_STREQ(theBuilder.GetParameter("t"), "x");
+    EXPECT_STREQ(theBuilder.GetParameter("z"), "null");
+}
+
+TEST(JSONMessageBuilderTest, TheStatusIsComparedInItsCase) {
+    EXPECT_FALSE(vxJSONMessageBuilder(R"({"status": "True"})").GetStatus());
+    EXPECT_TRUE(vxJSONMessageBuilder(R"({"status": "true"})").GetStatus());
+}
+
+TEST(JSONMessageBuilderTest, ReadingGoesOnAfterAnErrorAndKeepsParameters) {
+    vxtest::Reports theReports;
+    vxJSONMessageBuilder theBuilder;
+    theBuilder.SetFuncName("old");
+    theBuilder.SetStatus(true);
+    theBuilder.AddParameter("a", "1");
+    theBuilder.Set(R"({"parameters": {"b": "2"}})");
+    EXPECT_THAT(theReports.LogTexts(), ElementsAre(kFuncName, kStatus));
+    EXPECT_STREQ(theBuilder.GetFuncName(), "old");
+    EXPECT_FALSE(theBuilder.GetStatus());
+    EXPECT_STREQ(theBuilder.GetParameter("a"), "1");
+    EXPECT_STREQ(theBuilder.GetParameter("b"), "2");
+}
+
+TEST(JSONMessageBuilderTest, MalformedTextGivesAllThreeMessages) {
+    vxtest::Reports theReports;
+    vxLog_SetLevel(VXLOG_M_JSON, VXLOGLEVEL_WARNING);
+    vxJSONMessageBuilder theBuilder;
+    theBuilder.SetFuncName("kept");
+    theBuilder.Set("{");
+    EXPECT_THAT(theReports.LogTexts(), ElementsAre(kFuncName, kStatus, kParameters));
+    EXPECT_STREQ(theBuilder.GetFuncName(), "kept");
+    EXPECT_FALSE(theBuilder.GetStatus());
+}
+
+TEST(JSONMessageBuilderTest, ErrorsAreSilentBelowTheWarningLevel) {
+    vxtest::Reports theReports;
+    vxLog_SetLevel(VXLOG_M_JSON, VXLOGLEVEL_ERROR);
+    vxJSONMessageBuilder("{");
+    EXPECT_THAT(theReports.LogTexts(), IsEmpty());
+}
+
+}  // namespace

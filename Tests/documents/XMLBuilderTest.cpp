@@ -1,0 +1,141 @@
+#include <gmock/gmock.h>
+#include <vx/XMLBuilder.h>
+
+#include <string>
+
+#include "support/Reports.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+TEST(XMLBuilderTest, AnElementWithoutContentIsWrittenAsAnEmptyOne) {
+    vxXMLBuilder theBuilder(0);
+    theBuilder.StartTag("a");
+    theBuilder.EndTag();
+    EXPECT_STREQ(theBuilder.TakeXML(), "<a/>");
+}
+
+TEST(XMLBuilderTest, TextEndsTheStartTag) {
+    vxXMLBuilder theBuilder(16);
+    theBuilder.StartTag("a");
+    theBuilder.AddText("x");
+    theBuilder.EndTag();
+    EXPECT_STREQ(theBuilder.TakeXML(), "<a>x</a>");
+}
+
+TEST(XMLBuilderTest, AttributeValuesAreEscaped) {
+    vxXMLBuilder theBuilder(0);
+    theBuilder.StartTag("a");
+    theBuilder.AddAttribute("k", "1<2");
+    theBuilder.AddUInt32Attribute("n", 4294967295U);
+    theBuilder.EndTag();
+    EXPECT_STREQ(theBuilder.TakeXML(), "<a k=\"1&lt;2\" n=\"4294967295\"/>");
+}
+
+TEST(XMLBuilderTest, ElementsCloseInnermostFirst) {
+    vxXMLBuilder theBuilder(0);
+    theBuilder.StartTag("a");
+    theBuilder.StartTag("b");
+    theBuilder.AddRaw("<raw>");
+    theBuilder.EndTag();
+    theBuilder.EndTag();
+    EXPECT_STREQ(theBuilder.TakeXML(), "<a><b><raw></b></a>");
+}
+
+TEST(XMLBuilderTest, FreeTagsDoNotTouchTheStack) {
+    vxXMLBuilder theBuilder(0);
+    theBuilder.StartTag("a");
+    theBuilder.AddStartTag("b", true);
+    theBuilder.AddStartTag("c", false);
+    theBuilder.AddAttribute("k", "v");
+    theBuilder.AddEndTag("c");
+    theBuilder.AddEndTag("b");
+    theBuilder.EndTag();
+    EXPECT_STREQ(theBuilder.TakeXML(), "<a><b><c k=\"v\"/></b></a>");
+}
+
+TEST(XMLBuilderTest, LeafElementsCloseAPendingStartTag) {
+    vxXMLBuilder theBuilder(0);
+    theBuilder.StartTag("a");
+    theBuilder.AddTag("t", "1&2", 0, false);
+    theBuilder.AddTag("e", "", 0, false);
+    theBuilder.AddTag("z", NULL, 0, false);
+    theBuilder.AddUInt32Tag("n", 7);
+    theBuilder.AddRawTag("r", "\x01<", 2);
+    theBuilder.AddEmptyTag("m");
+    theBuilder.EndTag();
+    EXPECT_STREQ(theBuilder.TakeXML(), "<a><t>1&amp;2</t><e/><z/><n>7</n><r>\x01<</r><m/></a>");
+}
+
+TEST(XMLBuilderTest, FiveCharactersAreEscapedOnceOrTwice) {
+    EXPECT_STREQ(vxXMLBuilder::Escape("\"'<>&x", 6, 0, false), "&quot;&apos;&lt;&gt;&amp;x");
+    EXPECT_STREQ(vxXMLBuilder::Escape("\"'<>&x", 6, 0, true),
+                 "&amp;quot;&amp;apos;&amp;lt;&amp;gt;&amp;amp;x");
+    EXPECT_STREQ(vxXMLBuilder::Escape("abc", 2, 0, false), "ab");
+}
+
+struct LimitCase {
+    const char* mText;
+    uint32_t mLimit;
+    const char* mResult;
+};
+
+constexpr LimitCase kLimitCases[] = {
+    {"a&b", 4, "a"},       {"a&b", 5, "a"},    {"a&b", 6, "a&amp;"}, {"a&b", 7, "a&amp;b"},
+    {"a&b", 0, "a&amp;b"}, {"abc", 2, "ab"},   {"abc", 3, "abc"},    {"&", 4, ""},
+    {"&", 5, "&amp;"},     {"ab<cd", 3, "ab"}, {"", 3, ""},          {"&b", 3, ""},
+};
+
+TEST(XMLBuilderTest, ALimitCountsBytesOfOutputAndCutsNoEntity) {
+    for (const LimitCase& theCase : kLimitCases) {
+        SCOPED_TRACE(testing::Message() << theCase.mText << " limited to " << theCase.mLimit);
+        const uint32_t theLength = static_cast<uint32_t>(strlen(theCase.mText));
+        EXPECT_STREQ(vxXMLBuilder::Escape(theCase.mText, theLength, theCase.mLimit, false),
+                     theCase.mResult);
+    }
+}
+
+TEST(XMLBuilderTest, EscapeAndAddLeavesAnOpenStartTagOpen) {
+    vxXMLBuilder theBuilder(0);
+    theBuilder.StartTag("a");
+    theBuilder.EscapeAndAdd(" k=\"", 3, 0, false);
+    EXPECT_STREQ(theBuilder.TakeXML(), "<a k=>");
+}
+
+TEST(XMLBuilderTest, AttributesWithoutAStartTagAreReported) {
+    vxtest::Reports theReports;
+    vxXMLBuilder theBuilder(0);
+    theBuilder.AddUInt32Attribute("n", 1);
+    theBuilder.AddAttribute("k", "v");
+    EXPECT_THAT(theReports.Assertions(), ElementsAre("mfTagStarted", "mfTagStarted"));
+    EXPECT_STREQ(theBuilder.TakeXML(), "");
+}
+
+TEST(XMLBuilderTest, EndsWithoutABeginningAreReported) {
+    vxtest::Reports theReports;
+    vxXMLBuilder theBuilder(0);
+    theBuilder.EndTag();
+    EXPECT_THAT(theReports.Assertions(), ElementsAre("mTagArray != NULL"));
+    theReports.Clear();
+    theBuilder.StartTag("a");
+    theBuilder.EndTag();
+    theBuilder.EndTag();
+    EXPECT_THAT(theReports.Assertions(), ElementsAre("theCount > 0"));
+    EXPECT_STREQ(theBuilder.TakeXML(), "<a/>");
+}
+
+TEST(XMLBuilderTest, TakingClosesTheStartTagButNoElement) {
+    vxtest::Reports theReports;
+    vxXMLBuilder theBuilder(0);
+    theBuilder.StartTag("a");
+    theBuilder.StartTag("b");
+    EXPECT_STREQ(theBuilder.TakeXML(), "<a><b>");
+    EXPECT_STREQ(theBuilder.TakeXML(), "");
+    theBuilder.EndTag();
+    EXPECT_STREQ(theBuilder.TakeXML(), "</b>");
+    EXPECT_THAT(theReports.Assertions(), IsEmpty());
+}
+
+}  // namespace

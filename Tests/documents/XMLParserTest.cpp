@@ -1,0 +1,201 @@
+#include <gmock/gmock.h>
+#include <vx/Error.h>
+#include <vx/File.h>
+#include <vx/PathName.h>
+#include <vx/XML.h>
+#include <vx/XMLParser.h>
+
+#include <string>
+
+namespace {
+
+/// Returns what the writer makes of a text, or the error.
+std::string ReadAndWritten(const std::string& aText) {
+    vxXMLDocument theDocument;
+    vxError theError;
+    if (!vxXMLParser().Parse(aText.data(), aText.size(), theDocument, theError)) {
+        return theError.GetErrorStr().c_str();
+    }
+    vxCString theText;
+    theDocument.GetRoot()->SaveStr(theText);
+    return theText.c_str();
+}
+
+struct TextCase {
+    const char* mText;
+    const char* mWritten;
+};
+
+constexpr TextCase kTextCases[] = {
+    {"<a/>", "<a/>\n"},
+    {"<a></a>", "<a/>\n"},
+    {"<a >x</a >", "<a>x</a>\n"},
+    {"\xEF\xBB\xBF<a/>", "<a/>\n"},
+    {"<?xml version=\"1.0\" encoding=\"UTF-8\" standalone='yes'?>\n<a/>\n", "<a/>\n"},
+    {"<?pi?><!-- c --><!DOCTYPE a SYSTEM \"a[].dtd\"><a/><!-- d --><?pi?> ", "<a/>\n"},
+    {"<a b='1' c=\"2\"/>", "<a b=\"1\" c=\"2\"/>\n"},
+    {"<a b = '\"'/>", "<a b=\"&quot;\"/>\n"},
+    {"<a b='x\ty\r\nz'/>", "<a b=\"x y z\"/>\n"},
+    {"<a>&lt;&gt;&quot;&apos;&#65;&#x42;</a>", "<a>&lt;&gt;\"'AB</a>\n"},
+    {"<a>&#8364;&#x1F3B5;</a>", "<a>\xE2\x82\xAC\xF0\x9F\x8E\xB5</a>\n"},
+    {"<a><![CDATA[<b>&amp;]]></a>", "<a>&lt;b&gt;&amp;</a>\n"},
+    {"<a>x<![CDATA[y]]>z</a>", "<a>xyz</a>\n"},
+    {"<a>one\r\ntwo\rthree</a>", "<a>one\ntwo\nthree</a>\n"},
+    {"<a>\n  <b/>\n  <c/>\n</a>", "<a>\n  <b/>\n  <c/>\n</a>\n"},
+    {"<a> </a>", "<a> </a>\n"},
+    {"<a><?pi x?><b/></a>", "<a>\n  <b/>\n</a>\n"},
+    {"<a><!-- c --><b/></a>", "<a>\n  <!-- c -->\n  <b/>\n</a>\n"},
+    {"<n:a-1._b/>", "<n:a-1._b/>\n"},
+    {"<\xC3\xA9/>", "<\xC3\xA9/>\n"},
+};
+
+TEST(XMLParserTest, TextBecomesATree) {
+    for (const TextCase& theCase : kTextCases) {
+        SCOPED_TRACE(theCase.mText);
+        EXPECT_EQ(ReadAndWritten(theCase.mText), theCase.mWritten);
+    }
+}
+
+TEST(XMLParserTest, BlanksBesideTextStay) {
+    vxXMLDocument theDocument;
+    vxError theError;
+    ASSERT_TRUE(vxXMLParser().Parse("<p>Hello <b>big</b> <i>world</i></p>", theDocument, theError));
+    const vxXMLNode* theNode = theDocument.GetRoot()->GetChildren();
+    EXPECT_STREQ(theNode->GetContent(), "Hello ");
+    EXPECT_STREQ(theNode->GetNext()->GetNext()->GetContent(), " ");
+    EXPECT_STREQ(theNode->GetNext()->GetNext()->GetName(), "text");
+}
+
+TEST(XMLParserTest, BlankSectionsAreText) {
+    EXPECT_EQ(ReadAndWritten("<a><b/><![CDATA[ ]]></a>"), "<a>\n  <b/> </a>\n");
+}
+
+constexpr TextCase kRefusals[] = {
+    {"", "line 1, column 1: expected the root element"},
+    {"text", "line 1, column 1: expected the root element"},
+    {"<a>", "line 1, column 4: expected an end tag"},
+    {"<a></b>", "line 1, column 4: expected the end tag of the innermost element"},
+    {"<a><b></a></b>", "line 1, column 7: expected the end tag of the innermost element"},
+    {"<a/><b/>", "line 1, column 5: expected the end of the document"},
+    {"<a>\n<b x=1/></a>", "line 2, column 6: expected a quoted value"},
+    {"<a b='1' b='2'/>",
+     "line 1, column 10: expected an attribute that the element does not have yet"},
+    {"<a b='1'c='2'/>", "line 1, column 9: expected a blank, \">\" or \"/>\""},
+    {"<a b/>", "line 1, column 5: expected \"=\""},
+    {"<a b='<'/>", "line 1, column 7: expected \"&lt;\" in place of \"<\""},
+    {"<a b='1", "line 1, column 8: expected the closing quote"},
+    {"<1/>", "line 1, column 2: expected a name"},
+    {"<a>&nbsp;</a>",
+     "line 1, column 4: expected &amp;, &lt;, &gt;, &quot;, &apos; or a character reference"},
+    {"<a>&amp</a>",
+     "line 1, column 4: expected &amp;, &lt;, &gt;, &quot;, &apos; or a character reference"},
+    {"<a>&#0;</a>", "line 1, column 4: expected a reference to a character that XML allows"},
+    {"<a>&#xD800;</a>", "line 1, column 4: expected a reference to a character that XML allows"},
+    {"<a>&#1114112;</a>", "line 1, column 4: expected a reference to a character that XML allows"},
+    {"<a>&#;</a>", "line 1, column 4: expected a reference to a character that XML allows"},
+    {"<a>]]></a>", "line 1, column 4: expected \"]]&gt;\" in place of \"]]>\""},
+    {"<a><![CDATA[x</a>", "line 1, column 18: expected \"]]>\""},
+    {"<a><!-- -- --></a>", "line 1, column 9: expected \"-->\""},
+    {"<a>\x01</a>", "line 1, column 4: expected a character that XML allows"},
+    {"<a>\xC3\xA9\xFF</a>", "line 1, column 5: expected valid UTF-8"},
+    {"<!DOCTYPE a [<!ENTITY x 'y'>]><a/>",
+     "line 1, column 13: expected a DOCTYPE without an internal subset"},
+    {"<?xml version='1.0' encoding='latin1'?><a/>",
+     "line 1, column 38: expected the encoding UTF-8"},
+    {"<?xml version='2.0'?><a/>", "line 1, column 20: expected version 1.0"},
+    {"<a", "line 1, column 3: expected a blank, \">\" or \"/>\""},
+    {"<", "line 1, column 2: expected a name"},
+};
+
+TEST(XMLParserTest, RefusalsSayWhereAndWhatWasExpected) {
+    for (const TextCase& theCase : kRefusals) {
+        SCOPED_TRACE(theCase.mText);
+        EXPECT_EQ(ReadAndWritten(theCase.mText), theCase.mWritten);
+    }
+}
+
+TEST(XMLParserTest, AFailureLeavesTheDocumentAlone) {
+    vxXMLDocument theDocument;
+    theDocument.SetRoot(new vxXMLNode(vxXMLNodeType_Element, "kept", ""));
+    vxError theError;
+    EXPECT_FALSE(vxXMLParser().Parse("<a><b></a>", theDocument, theError));
+    EXPECT_EQ(theError.GetErrorCode(), kvxXMLParserError_Syntax);
+    EXPECT_STREQ(theError.GetModule(), "XMLParser");
+    EXPECT_STREQ(theDocument.GetRoot()->GetName(), "kept");
+}
+
+TEST(XMLParserTest, LimitsHoldOnBothSides) {
+    vxXMLParserLimits theLimits;
+    theLimits.mMaxDepth = 2;
+    theLimits.mMaxAttributes = 2;
+    theLimits.mMaxTextSize = 4;
+    const vxXMLParser theParser(theLimits);
+    const auto theCode = [&theParser](const char* aText) {
+        vxXMLDocument theDocument;
+        vxError theError;
+        theParser.Parse(aText, theDocument, theError);
+        return theError.GetErrorCode();
+    };
+    EXPECT_EQ(theCode("<a><b/></a>"), 0);
+    EXPECT_EQ(theCode("<a><b><c/></b></a>"), kvxXMLParserError_Limit);
+    EXPECT_EQ(theCode("<a x='1' y='2'/>"), 0);
+    EXPECT_EQ(theCode("<a x='1' y='2' z='3'/>"), kvxXMLParserError_Limit);
+    EXPECT_EQ(theCode("<a>1234</a>"), 0);
+    EXPECT_EQ(theCode("<a>12345</a>"), kvxXMLParserError_Limit);
+    EXPECT_EQ(theCode("<a x='1234'/>"), 0);
+    EXPECT_EQ(theCode("<a x='12345'/>"), kvxXMLParserError_Limit);
+    EXPECT_EQ(theCode("<abcd/>"), 0);
+    EXPECT_EQ(theCode("<abcde/>"), kvxXMLParserError_Limit);
+}
+
+TEST(XMLParserTest, AMillionOpenElementsAreRefusedByDefaultAndReadWhenAllowed) {
+    std::string theText;
+    for (int i = 0; i < 1000000; ++i) {
+        theText += "<a>";
+    }
+    EXPECT_EQ(ReadAndWritten(theText),
+              "line 1, column 3003: expected fewer elements within each other");
+    vxXMLParserLimits theLimits;
+    theLimits.mMaxDepth = 2000000;
+    vxXMLDocument theDocument;
+    vxError theError;
+    EXPECT_FALSE(vxXMLParser(theLimits).Parse(theText.c_str(), theDocument, theError));
+    EXPECT_STREQ(theError.GetErrorStr(), "line 1, column 3000001: expected an end tag");
+}
+
+TEST(XMLParserTest, EveryTruncationIsRefused) {
+    const std::string theText =
+        "<?xml version='1.0'?><a b='1&amp;'><!--c--><![CDATA[d]]>&#65;<e f='g'/>h</a>";
+    for (size_t i = 0; i < theText.size(); ++i) {
+        vxXMLDocument theDocument;
+        vxError theError;
+        EXPECT_FALSE(vxXMLParser().Parse(theText.data(), i, theDocument, theError)) << i;
+    }
+}
+
+TEST(XMLParserTest, FilesAreReadOrRefusedWithTheirOwnError) {
+    const std::string thePath = testing::TempDir() + "vx-xml-parser-test.xml";
+    vxFile theFile;
+    ASSERT_TRUE(theFile.Create(thePath.c_str(), true, vxFileAccessMode_ReadWrite));
+    theFile.Write("<a>x</a>", 8);
+    theFile.Close();
+    vxXMLDocument theDocument;
+    vxError theError;
+    EXPECT_TRUE(
+        vxXMLParser().ParseFile(vxPathName::MakeFilePath(thePath.c_str()), theDocument, theError));
+    EXPECT_STREQ(theDocument.GetRoot()->GetTextContent(), "x");
+    vxFile::Remove(thePath.c_str());
+    EXPECT_FALSE(
+        vxXMLParser().ParseFile(vxPathName::MakeFilePath(thePath.c_str()), theDocument, theError));
+    EXPECT_EQ(theError.GetErrorStr().c_str(), "Unable to open file '" + thePath + "'");
+    EXPECT_STREQ(theDocument.GetRoot()->GetTextContent(), "x");
+}
+
+// What the writer turns into something else when it is read again.
+TEST(XMLParserTest, TheWritersExceptionsAreThese) {
+    EXPECT_EQ(ReadAndWritten("<a>&amp;amp;</a>"), "<a>&amp;</a>\n");
+    EXPECT_EQ(ReadAndWritten("<a b='x&#10;y&#9;z'/>"), "<a b=\"x\ny\tz\"/>\n");
+    EXPECT_EQ(ReadAndWritten("<p>a<b/>c</p>"), "<p>a\n  <b/>c</p>\n");
+}
+
+}  // namespace

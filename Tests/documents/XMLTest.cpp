@@ -1,0 +1,426 @@
+#include <gmock/gmock.h>
+#include <vx/File.h>
+#include <vx/XML.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <pthread.h>
+
+#include "support/Reports.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+vxXMLNode* Element(const char* aName, const char* aContent = "") {
+    return new vxXMLNode(vxXMLNodeType_Element, aName, aContent);
+}
+
+vxXMLNode* Text(const char* aContent) {
+    return new vxXMLNode(vxXMLNodeType_Text, "text", aContent);
+}
+
+std::string Saved(const vxXMLNode& aNode) {
+    vxCString theText;
+    EXPECT_TRUE(aNode.SaveStr(theText));
+    return theText.c_str();
+}
+
+/// <a><b>1</b><b x="y"/><!--c--><c>t</c></a>
+vxXMLNode* MakeTree() {
+    vxXMLNode* theRoot = Element("a");
+    vxXMLNode* theB = Element("b");
+    theB->AddChild(Text("1"));
+    theRoot->AddChild(theB);
+    vxXMLNode* theSecond = Element("b");
+    theSecond->AddProperty("x", "y");
+    theRoot->AddChild(theSecond);
+    theRoot->AddChild(new vxXMLNode(vxXMLNodeType_Comment, "comment", "c"));
+    vxXMLNode* theC = Element("c");
+    theC->AddChild(Text("t"));
+    theRoot->AddChild(theC);
+    return theRoot;
+}
+
+constexpr char kTree[] = "<a>\n  <b>1</b>\n  <b x=\"y\"/>\n  <!--c-->\n  <c>t</c>\n</a>\n";
+
+TEST(XMLTest, TreesAreWrittenIndentedWithTextInline) {
+    const std::unique_ptr<vxXMLNode> theTree(MakeTree());
+    EXPECT_EQ(Saved(*theTree), kTree);
+}
+
+TEST(XMLTest, AttributesAndTextAreEscaped) {
+    vxXMLNode theNode(vxXMLNodeType_Element, "e", "");
+    theNode.AddProperty("a", "x&y\"<>");
+    theNode.AddChild(Text("1<2 \"q\" > &"));
+    EXPECT_EQ(Saved(theNode), "<e a=\"x&amp;y&quot;&lt;&gt;\">1&lt;2 \"q\" &gt; &amp;</e>\n");
+}
+
+TEST(XMLTest, AnAmpersandThatIsEscapedAlreadyIsLeftAlone) {
+    vxXMLNode theNode(vxXMLNodeType_Text, "text", "&amp; &lt; &am &amp");
+    EXPECT_EQ(Saved(theNode), "&amp; &amp;lt; &amp;am &amp;amp\n");
+}
+
+TEST(XMLTest, ContentOfAnElementWithoutChildrenIsWrittenAsItIs) {
+    EXPECT_EQ(Saved(vxXMLNode(vxXMLNodeType_Element, "e", "a<b")), "<e>a<b</e>\n");
+    EXPECT_EQ(Saved(vxXMLNode(vxXMLNodeType_Element, "e", "")), "<e/>\n");
+}
+
+TEST(XMLTest, TextBesideElementsKeepsItsPlace) {
+    vxXMLNode theNode(vxXMLNodeType_Element, "p", "");
+    theNode.AddChild(Text("one"));
+    theNode.AddChild(Element("b"));
+    theNode.AddChild(Text("two"));
+    EXPECT_EQ(Saved(theNode), "<p>one\n  <b/>two</p>\n");
+}
+
+TEST(XMLTest, UnknownNodesAreReportedAndLeftOut) {
+    vxtest::Reports theReports;
+    vxXMLNode theNode(vxXMLNodeType_Element, "a", "");
+    theNode.AddChild(new vxXMLNode(vxXMLNodeType_Unknown, "u", "x"));
+    theNode.AddChild(Element("b"));
+    EXPECT_EQ(Saved(theNode), "<a>\n  \n  <b/>\n</a>\n");
+    EXPECT_THAT(theReports.Assertions(), ElementsAre("Unsupported node type"));
+}
+
+TEST(XMLTest, TheFirstFailingPieceStopsTheWriter) {
+    const std::unique_ptr<vxXMLNode> theTree(MakeTree());
+    struct Output {
+        int mLeft;
+        int mCalls;
+    };
+    for (int theLeft = 0; theLeft < 10; ++theLeft) {
+        Output theOutput = {theLeft, 0};
+        EXPECT_FALSE(theTree->Save(
+            [](void* aContext, const vxCString&) {
+                Output* theState = static_cast<Output*>(aContext);
+                ++theState->mCalls;
+                return theState->mLeft-- > 0;
+            },
+            &theOutput));
+        EXPECT_EQ(theOutput.mCalls, theLeft + 1);
+    }
+}
+
+TEST(XMLTest, PiecesJoinToTheWholeText) {
+    const std::unique_ptr<vxXMLNode> theTree(MakeTree());
+    std::vector<std::string> thePieces;
+    EXPECT_TRUE(theTree->Save(
+        [](void* aContext, const vxCString& aText) {
+            static_cast<std::vector<std::string>*>(aContext)->push_back(aText.c_str());
+            return true;
+        },
+        &thePieces));
+    std::string theText;
+    for (const std::string& thePiece : thePieces) {
+        theText += thePiece;
+    }
+    EXPECT_EQ(theText, kTree);
+    EXPECT_THAT(thePieces, testing::Contains(" x=\""));
+    EXPECT_THAT(thePieces, testing::Contains("\n  "));
+}
+
+TEST(XMLTest, ANodeWithAParentBecomesItsFirstChild) {
+    vxXMLNode theParent(vxXMLNodeType_Element, "p", "");
+    theParent.AddChild(Element("old"));
+    vxXMLProperty* theProperty = new vxXMLProperty("k", "v");
+    vxXMLNode* theNode =
+        new vxXMLNode(&theParent, vxXMLNodeType_Element, "new", "", theProperty, NULL);
+    EXPECT_EQ(theParent.GetChildren(), theNode);
+    EXPECT_EQ(theNode->GetParent(), &theParent);
+    EXPECT_EQ(Saved(theParent), "<p>\n  <new k=\"v\"/>\n  <old/>\n</p>\n");
+}
+
+TEST(XMLTest, ANextSiblingKeepsTheOldFirstChildBehind) {
+    vxXMLNode theParent(vxXMLNodeType_Element, "p", "");
+    theParent.AddChild(Element("old"));
+    new vxXMLNode(&theParent, vxXMLNodeType_Element, "one", "", NULL, theParent.GetChildren());
+    EXPECT_EQ(Saved(theParent), "<p>\n  <one/>\n  <old/>\n</p>\n");
+    new vxXMLNode(&theParent, vxXMLNodeType_Element, "two", "", NULL, Element("sibling"));
+    EXPECT_EQ(Saved(theParent), "<p>\n  <two/>\n  <sibling/>\n  <one/>\n  <old/>\n</p>\n");
+}
+
+TEST(XMLTest, CopiesAreDeepAndDetached) {
+    const std::unique_ptr<vxXMLNode> theTree(MakeTree());
+    int theData = 0;
+    theTree->GetChildren()->SetUserData(&theData);
+    vxXMLNode theCopy(*theTree->GetChildren());
+    EXPECT_EQ(theCopy.GetParent(), nullptr);
+    EXPECT_EQ(theCopy.GetNext(), nullptr);
+    EXPECT_EQ(theCopy.GetUserData(), &theData);
+    EXPECT_EQ(Saved(theCopy), "<b>1</b>\n");
+
+    vxXMLNode theTarget(vxXMLNodeType_Element, "old", "");
+    theTarget.AddChild(Element("gone"));
+    theTarget = *theTree;
+    EXPECT_EQ(Saved(theTarget), kTree);
+    EXPECT_EQ(theTarget.GetChildren()->GetParent(), &theTarget);
+    EXPECT_EQ(Saved(*theTree), kTree);
+}
+
+TEST(XMLTest, ANodeCanBeAssignedFromItsOwnChild) {
+    std::unique_ptr<vxXMLNode> theTree(MakeTree());
+    *theTree = *theTree->GetChild("c");
+    EXPECT_EQ(Saved(*theTree), "<c>t</c>\n");
+}
+
+TEST(XMLTest, ChildrenAreInsertedBeforeAChildOnly) {
+    vxtest::Reports theReports;
+    vxXMLNode theParent(vxXMLNodeType_Element, "p", "");
+    vxXMLNode* theLast = Element("last");
+    theParent.AddChild(theLast);
+    theParent.InsertChild(Element("first"), theLast);
+    EXPECT_EQ(Saved(theParent), "<p>\n  <first/>\n  <last/>\n</p>\n");
+    EXPECT_THAT(theReports.Assertions(), IsEmpty());
+    const std::unique_ptr<vxXMLNode> theStray(Element("stray"));
+    const std::unique_ptr<vxXMLNode> theOther(Element("other"));
+    theParent.InsertChild(theStray.get(), theOther.get());
+    EXPECT_THAT(theReports.Assertions(), ElementsAre("aBeforeNode->GetParent() == this"));
+    EXPECT_EQ(theStray->GetParent(), nullptr);
+}
+
+TEST(XMLTest, RemovedChildrenBelongToTheCaller) {
+    const std::unique_ptr<vxXMLNode> theTree(MakeTree());
+    const std::unique_ptr<vxXMLNode> theC(theTree->GetChild("c"));
+    EXPECT_TRUE(theTree->RemoveChild(theC.get()));
+    EXPECT_EQ(theC->GetParent(), nullptr);
+    EXPECT_EQ(theC->GetNext(), nullptr);
+    EXPECT_FALSE(theTree->RemoveChild(theC.get()));
+    EXPECT_EQ(theTree->GetChild("c"), nullptr);
+    EXPECT_EQ(theC->GetRoot(), theC.get());
+    EXPECT_EQ(theTree->GetChildren()->GetRoot(), theTree.get());
+}
+
+TEST(XMLTest, AttributesKeepTheirOrderAndTheFirstOfANameCounts) {
+    vxXMLNode theNode(vxXMLNodeType_Element, "e", "");
+    theNode.AddProperty("a", "1");
+    theNode.AddProperty("b", "2");
+    theNode.AddProperty("a", "3");
+    EXPECT_STREQ(theNode.GetPropertyValue("a", "none"), "1");
+    EXPECT_STREQ(theNode.GetPropertyValue("A", "none"), "none");
+    vxCString theValue = "kept";
+    EXPECT_FALSE(theNode.GetPropertyValue("c", &theValue));
+    EXPECT_STREQ(theValue, "kept");
+    EXPECT_TRUE(theNode.GetPropertyValue("b", &theValue));
+    EXPECT_STREQ(theValue, "2");
+    EXPECT_TRUE(theNode.DeleteProperty("a"));
+    EXPECT_STREQ(theNode.GetPropertyValue("a", "none"), "3");
+    EXPECT_TRUE(theNode.DeleteProperty("a"));
+    EXPECT_FALSE(theNode.DeleteProperty("a"));
+    EXPECT_FALSE(theNode.HasProperty("a"));
+    EXPECT_TRUE(theNode.HasProperty("b"));
+}
+
+TEST(XMLTest, AttributesReadAsNumbersAndBooleans) {
+    struct Case {
+        const char* mValue;
+        uint32_t mNumber;  // 77: the default
+        int mBool;         // -1: the default
+    };
+    constexpr Case kCases[] = {
+        {" 1 ", 1, 1},          {"0", 0, 0},      {"2", 2, -1},
+        {"TRUE", 77, 1},        {"False", 77, 0}, {"\ttrue\n", 77, 1},
+        {"yes", 77, -1},        {"", 77, -1},     {"4294967295", 4294967295U, -1},
+        {"4294967296", 77, -1}, {"-1", 77, -1},   {"0x1", 77, -1},
+    };
+    for (const Case& theCase : kCases) {
+        SCOPED_TRACE(theCase.mValue);
+        vxXMLNode theNode(vxXMLNodeType_Element, "e", "");
+        theNode.AddProperty("v", theCase.mValue);
+        EXPECT_EQ(theNode.GetPropertyValueAsUInt32("v", 77), theCase.mNumber);
+        EXPECT_EQ(theNode.GetPropertyValueAsBool("v", true), theCase.mBool != 0);
+        EXPECT_EQ(theNode.GetPropertyValueAsBool("v", false), theCase.mBool == 1);
+    }
+    const vxXMLNode theNode(vxXMLNodeType_Element, "e", "");
+    EXPECT_TRUE(theNode.GetPropertyValueAsBool("v", true));
+    EXPECT_EQ(theNode.GetPropertyValueAsUInt32("v", 5), 5U);
+}
+
+TEST(XMLTest, PathsFindTheFirstChildOfEachNameInAnyCase) {
+    const std::unique_ptr<vxXMLNode> theTree(MakeTree());
+    EXPECT_EQ(theTree->GetChild("B"), theTree->GetChildren());
+    EXPECT_EQ(theTree->GetChildNode("B/TEXT"), theTree->GetChildren()->GetChildren());
+    EXPECT_EQ(theTree->GetChildNode("b/none"), nullptr);
+    EXPECT_EQ(theTree->GetChildNode(""), nullptr);
+    EXPECT_EQ(theTree->GetChildNode("b/"), nullptr);
+    EXPECT_EQ(theTree->GetChildNode("/b"), nullptr);
+    EXPECT_EQ(theTree->GetChildNode("b//text"), nullptr);
+    EXPECT_STREQ(theTree->GetChildNodeText("C", "none"), "t");
+    EXPECT_STREQ(theTree->GetChildNodeText("d", "none"), "none");
+    EXPECT_STREQ(theTree->GetChild("c")->GetTextContent("none"), "t");
+    EXPECT_STREQ(theTree->GetTextContent("none"), "none");
+}
+
+TEST(XMLTest, TextContentReadsAsNumbersAndBooleans) {
+    struct Case {
+        const char* mText;
+        int mBool;  // -1: refused
+    };
+    constexpr Case kCases[] = {{"1", 1},     {"true", 1},  {"YES", 1},    {"0", 0},
+                               {"False", 0}, {"no", 0},    {"", 0},       {"maybe", -1},
+                               {"2", -1},    {"yes ", -1}, {"truest", -1}};
+    for (const Case& theCase : kCases) {
+        SCOPED_TRACE(theCase.mText);
+        vxXMLNode theNode(vxXMLNodeType_Element, "e", "");
+        theNode.AddChild(Text(theCase.mText));
+        bool theValue = theCase.mBool != 1;
+        EXPECT_EQ(theNode.GetTextContentValue(&theValue), theCase.mBool >= 0);
+        EXPECT_EQ(theValue, theCase.mBool < 0 ? true : theCase.mBool == 1);
+    }
+    vxXMLNode theNode(vxXMLNodeType_Element, "e", "");
+    bool theBool = true;
+    EXPECT_TRUE(theNode.GetTextContentValue(&theBool));
+    EXPECT_FALSE(theBool);
+    int32_t theNumber = 7;
+    EXPECT_FALSE(theNode.GetTextContentValue(&theNumber));
+    EXPECT_EQ(theNumber, 7);
+    theNode.AddChild(Text("-12"));
+    EXPECT_TRUE(theNode.GetTextContentValue(&theNumber));
+    EXPECT_EQ(theNumber, -12);
+}
+
+TEST(XMLTest, EveryMatchOfAnExactPathIsVisitedInOrder) {
+    vxXMLNode theRoot(vxXMLNodeType_Element, "r", "");
+    for (const char* theName : {"a", "A", "a"}) {
+        vxXMLNode* theNode = Element(theName);
+        theNode->AddChild(Element("x", "1"));
+        theNode->AddChild(Element("b", theName));
+        theNode->AddChild(Element("b", "2"));
+        theRoot.AddChild(theNode);
+    }
+    const auto theVisited = [&theRoot](const char* aPath) {
+        std::string theContents;
+        theRoot.ForEachChild(
+            aPath,
+            [](vxXMLNode* aNode, void* aContext) {
+                *static_cast<std::string*>(aContext) +=
+                    std::string(aNode->GetName()) + aNode->GetContent().c_str() + ";";
+            },
+            &theContents);
+        return theContents;
+    };
+    EXPECT_EQ(theVisited("a/b"), "ba;b2;ba;b2;");
+    EXPECT_EQ(theVisited("A/b"), "bA;b2;");
+    EXPECT_EQ(theVisited("a"), "a;a;");
+    EXPECT_EQ(theVisited("a/"), "a;a;");
+    EXPECT_EQ(theVisited("a/B"), "");
+    EXPECT_EQ(theVisited("a//b"), "");
+    EXPECT_EQ(theVisited("/a"), "");
+    EXPECT_EQ(theVisited(""), "");
+}
+
+TEST(XMLTest, SearchLooksAtChildrenBeforeTheirSubtrees) {
+    vxXMLNode theRoot(vxXMLNodeType_Element, "r", "");
+    vxXMLNode* theFirst = Element("a");
+    theFirst->AddChild(Element("hit", "deep"));
+    theRoot.AddChild(theFirst);
+    theRoot.AddChild(Element("hit", "shallow"));
+    const auto thePredicate = [](const vxXMLNode* aNode, void* aName) {
+        return aNode->NameIs(static_cast<const char*>(aName));
+    };
+    char theHit[] = "hit";
+    char theNone[] = "none";
+    EXPECT_STREQ(theRoot.FindChild(thePredicate, theHit)->GetContent(), "shallow");
+    EXPECT_STREQ(theFirst->FindChild(thePredicate, theHit)->GetContent(), "deep");
+    EXPECT_EQ(theRoot.FindChild(thePredicate, theNone), nullptr);
+}
+
+TEST(XMLTest, DocumentsWriteADeclarationWhenWanted) {
+    vxXMLDocument theDocument;
+    EXPECT_FALSE(theDocument.IsOk());
+    EXPECT_STREQ(theDocument.GetVersion(), "1.0");
+    EXPECT_STREQ(theDocument.GetContentEncoding(), "utf-8");
+    theDocument.SetRoot(Element("r"));
+    const auto theSaved = [&theDocument](bool afWithDeclaration) {
+        std::string theText;
+        EXPECT_TRUE(theDocument.Save(
+            [](void* aContext, const vxCString& aText) {
+                *static_cast<std::string*>(aContext) += aText.c_str();
+                return true;
+            },
+            &theText, afWithDeclaration));
+        return theText;
+    };
+    EXPECT_EQ(theSaved(true), "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<r/>\n");
+    EXPECT_EQ(theSaved(false), "<r/>\n");
+}
+
+TEST(XMLTest, ADocumentWithoutARootWritesNothingAndFails) {
+    const vxXMLDocument theDocument;
+    int theCalls = 0;
+    EXPECT_FALSE(theDocument.Save(
+        [](void* aContext, const vxCString&) {
+            ++*static_cast<int*>(aContext);
+            return true;
+        },
+        &theCalls, true));
+    EXPECT_EQ(theCalls, 0);
+}
+
+TEST(XMLTest, DocumentsAreCopiedWhole) {
+    vxXMLDocument theDocument;
+    theDocument.SetRoot(MakeTree());
+    const std::unique_ptr<vxXMLDocument> theClone(theDocument.Clone());
+    vxXMLDocument theTarget;
+    theTarget.SetRoot(Element("old"));
+    theTarget = theDocument;
+    const vxXMLDocument& theSame = theTarget;
+    theTarget = theSame;
+    theDocument.SetRoot(NULL);
+    EXPECT_EQ(Saved(*theClone->GetRoot()), kTree);
+    EXPECT_EQ(Saved(*theTarget.GetRoot()), kTree);
+}
+
+TEST(XMLTest, DocumentsAreSavedIntoFiles) {
+    vxXMLDocument theDocument;
+    theDocument.SetRoot(MakeTree());
+    const std::string thePath = testing::TempDir() + "vx-xml-test.xml";
+    EXPECT_TRUE(theDocument.Save(vxCString(thePath.c_str()), true));
+    EXPECT_TRUE(theDocument.Save(vxCString(thePath.c_str()), false));
+    vxFile theFile(thePath.c_str(), vxFileOpenMode_Read);
+    char theText[200] = {};
+    theFile.Read(theText, sizeof(theText) - 1);
+    EXPECT_STREQ(theText, kTree);
+    vxFile::Remove(thePath.c_str());
+}
+
+TEST(XMLTest, AFullMediumFailsTheSave) {
+    vxtest::Reports theReports;
+    vxXMLDocument theDocument;
+    theDocument.SetRoot(Element("r"));
+    EXPECT_FALSE(theDocument.Save(vxCString("/dev/full"), true));
+    EXPECT_FALSE(theDocument.Save(vxCString("/no/such/directory/x.xml"), true));
+}
+
+// A million levels on a stack of 128 KiB: built, copied, searched, converted to a path, deleted.
+TEST(XMLTest, DepthCostsNoStack) {
+    pthread_attr_t theAttributes;
+    pthread_attr_init(&theAttributes);
+    pthread_attr_setstacksize(&theAttributes, 128 * 1024);
+    pthread_t theThread;
+    ASSERT_EQ(pthread_create(
+                  &theThread, &theAttributes,
+                  [](void*) -> void* {
+                      const std::unique_ptr<vxXMLNode> theTop(Element("a"));
+                      vxXMLNode* theNode = theTop.get();
+                      for (int i = 0; i < 1000000; ++i) {
+                          theNode->AddChild(Element("a"));
+                          theNode = theNode->GetChildren();
+                      }
+                      theNode->SetName("z");
+                      const vxXMLNode theCopy(*theTop);
+                      const vxXMLNode* theFound = theCopy.FindChild(
+                          [](const vxXMLNode* aNode, void*) { return aNode->NameIs("z"); }, NULL);
+                      EXPECT_NE(theFound, nullptr);
+                      return NULL;
+                  },
+                  NULL),
+              0);
+    pthread_join(theThread, NULL);
+    pthread_attr_destroy(&theAttributes);
+}
+
+}  // namespace
