@@ -6,7 +6,7 @@ size_t FileSource::Fetch(uint64_t aPos, uint8_t* aBuffer, size_t aCount) {
     if (!mFile.IsOpened() && !mFile.Open(mPath, vxFileOpenMode_Read, 0)) {
         return 0;
     }
-    if (mFile.Seek(static_cast<vxFileOffset>(aPos), vxFileSeekMode_Begin) < 0) {
+    if (aPos != mPos && mFile.Seek(static_cast<vxFileOffset>(aPos), vxFileSeekMode_Begin) < 0) {
         return 0;
     }
     size_t theTotal = 0;
@@ -17,6 +17,7 @@ size_t FileSource::Fetch(uint64_t aPos, uint8_t* aBuffer, size_t aCount) {
         }
         theTotal += static_cast<size_t>(theCount);
     }
+    mPos = aPos + theTotal;
     return theTotal;
 }
 

@@ -16,6 +16,7 @@ private:
 
     const vxCString mPath;
     vxFile mFile;
+    uint64_t mPos = 0;  // of the open file
 };
 
 }  // namespace vxmedia

@@ -1,5 +1,5 @@
-// Everything is kept by path, so a scan of a directory that was scanned before, or of one inside it,
-// never counts anything twice.
+// Everything is kept by path, and a directory has one path here, so a scan of a directory that was
+// scanned before, of one inside it or of one around it never counts anything twice.
 
 #include "MediaLibrary.h"
 
@@ -51,14 +51,34 @@ void MediaLibrary::AddRefusal(const vxCString& aPath, const char* aReason) {
     mRefusals[aPath] = Refusal{aReason, mScan};
 }
 
-void MediaLibrary::AddDirectory(const vxCString& aPath, const DirectoryCounts& aCounts) {
-    mDirectories[aPath] = Directory{aCounts, mScan};
+bool MediaLibrary::AddDirectory(const vxCString& aPath, const FileIdentity& anIdentity) {
+    Directory& theDirectory = mDirectories[aPath];
+    if (theDirectory.mScan == mScan) {
+        return false;
+    }
+    theDirectory = Directory{DirectoryCounts(), anIdentity, mScan};
+    mDirectoryPaths[anIdentity] = aPath;
+    return true;
+}
+
+vxCString MediaLibrary::FindDirectory(const FileIdentity& anIdentity) const {
+    const auto thePath = mDirectoryPaths.find(anIdentity);
+    return thePath == mDirectoryPaths.end() ? vxCString() : thePath->second;
 }
 
 void MediaLibrary::EndScan(const vxCString& aRoot) {
-    const auto theIsOld = [this](const auto& anEntry) { return anEntry.second.mScan != mScan; };
-    RemoveBelow(mRefusals, aRoot, theIsOld);
-    RemoveBelow(mDirectories, aRoot, theIsOld);
+    RemoveBelow(mRefusals, aRoot,
+                [this](const auto& anEntry) { return anEntry.second.mScan != mScan; });
+    RemoveBelow(mDirectories, aRoot, [this](const auto& anEntry) {
+        if (anEntry.second.mScan == mScan) {
+            return false;
+        }
+        const auto thePath = mDirectoryPaths.find(anEntry.second.mIdentity);
+        if (thePath != mDirectoryPaths.end() && thePath->second == anEntry.first) {
+            mDirectoryPaths.erase(thePath);
+        }
+        return true;
+    });
     RemoveBelow(mItems, aRoot, [this](const ItemMap::value_type& anEntry) {
         const auto thePlace = mPlaces.find(anEntry.second->GetID());
         if (thePlace->second.mScan == mScan) {

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "FileStatus.h"
 #include "MediaItem.h"
 
 namespace vxmedia {
@@ -19,7 +20,8 @@ struct DirectoryCounts {
 /// All media files known, in the order of their paths, and an account of everything else seen.
 ///
 /// A scan marks what it finds; when it ends, what was below its root and is gone is forgotten. An
-/// item that is found again keeps its number and its object.
+/// item that is found again keeps its number and its object. Directories are known by identity, so
+/// that a scan can go on under the path that a directory has here, however it was named this time.
 ///
 /// Threads:  one at a time.
 class MediaLibrary {
@@ -31,7 +33,17 @@ public:
 
     void AddItem(const vxCString& aPath, uint64_t aSize, const MediaReading& aReading);
     void AddRefusal(const vxCString& aPath, const char* aReason);
-    void AddDirectory(const vxCString& aPath, const DirectoryCounts& aCounts);
+
+    /// Adds a directory before what lies in it. Returns false when this scan has added it already.
+    bool AddDirectory(const vxCString& aPath, const FileIdentity& anIdentity);
+
+    /// Sets what else lies in a directory that was added.
+    void SetCounts(const vxCString& aPath, const DirectoryCounts& aCounts) {
+        mDirectories[aPath].mCounts = aCounts;
+    }
+
+    /// Returns the path under which a directory was added; empty when it never was.
+    vxCString FindDirectory(const FileIdentity& anIdentity) const;
 
     /// Forgets what lies at or below `aRoot` and was not found by this scan.
     void EndScan(const vxCString& aRoot);
@@ -63,7 +75,8 @@ private:
     };
     struct Directory {
         DirectoryCounts mCounts;
-        uint32_t mScan;
+        FileIdentity mIdentity;
+        uint32_t mScan = 0;
     };
     struct Place {
         vxRef<MediaItem> mItem;
@@ -76,6 +89,7 @@ private:
     std::map<uint32_t, Place> mPlaces;  // the items again, by number
     std::map<vxCString, Refusal, PathLess> mRefusals;
     std::map<vxCString, Directory, PathLess> mDirectories;
+    std::map<FileIdentity, vxCString> mDirectoryPaths;  // the directories again, one path for each
 };
 
 }  // namespace vxmedia

@@ -9,8 +9,8 @@
 
 #include <algorithm>
 
-#include "FileKind.h"
 #include "FileSource.h"
+#include "FileStatus.h"
 #include "TerminalText.h"
 
 namespace vxmedia {
@@ -58,7 +58,7 @@ bool CanListDirectory(const vxCString& aPath) {
 
 vxCString ScanApplet::Scan(const vxCString& aPath, bool afQuiet) {
     const vxCString theRoot = WithoutEndSlashes(aPath);
-    const FileKind theKind = GetFileKind(theRoot, true, NULL);
+    const FileKind theKind = GetFileStatus(theRoot, true).mKind;
     if (theKind == FileKind::Missing) {
         return vxCString("ERROR: There is no file or directory '") + theRoot + "'";
     }
@@ -88,7 +88,9 @@ vxAppletMsg ScanApplet::AppletLoop(vxAppletMsg) {
             const vxCString thePath = mEntries.back();
             mEntries.pop_back();
             LookAtEntry(thePath);
-        } else if (!mPending.empty() || !mDirectory.IsEmpty()) {
+        } else if (!mDirectory.IsEmpty()) {
+            CloseDirectory();
+        } else if (!mPending.empty()) {
             OpenDirectory();
         } else {
             EndJob();
@@ -104,16 +106,19 @@ void ScanApplet::BeginJob() {
     mMediaCount = mOtherCount = mRefusalCount = mDirectoryCount = 0;
     mLibrary.BeginScan();
     const vxCString& theRoot = mJobs.front().mRoot;
-    uint64_t theSize;
-    if (GetFileKind(theRoot, true, &theSize) == FileKind::Directory) {
+    mRoots.assign(1, theRoot);
+    const FileStatus theStatus = GetFileStatus(theRoot, true);
+    if (theStatus.mKind == FileKind::Directory) {
         mPending.push_back(theRoot);
     } else {
-        LookAtFile(theRoot, theSize);
+        LookAtFile(theRoot, theStatus.mSize);
     }
 }
 
 void ScanApplet::EndJob() {
-    mLibrary.EndScan(mJobs.front().mRoot);
+    for (const vxCString& theRoot : mRoots) {
+        mLibrary.EndScan(theRoot);
+    }
     if (!mJobs.front().mfQuiet) {
         mConsole.Print(GetReport());
     }
@@ -125,17 +130,19 @@ void ScanApplet::EndJob() {
     }
 }
 
-// Settles the directory under way and goes on to the next one.
 void ScanApplet::OpenDirectory() {
-    if (!mDirectory.IsEmpty()) {
-        mLibrary.AddDirectory(mDirectory, mCounts);
-        mPending.insert(mPending.end(), mFound.rbegin(), mFound.rend());
-        mFound.clear();
-        mDirectory.Empty();
+    const vxCString thePath = mPending.back();
+    mPending.pop_back();
+    const FileStatus theStatus = GetFileStatus(thePath, true);
+    if (theStatus.mKind != FileKind::Directory) {
+        Refuse(thePath, "the directory has gone");
         return;
     }
-    mDirectory = mPending.back();
-    mPending.pop_back();
+    const vxCString theDirectory = KnownPath(thePath, theStatus.mIdentity);
+    if (!mLibrary.AddDirectory(theDirectory, theStatus.mIdentity)) {
+        return;
+    }
+    mDirectory = theDirectory;
     mCounts = DirectoryCounts();
     mDirectoryCount += 1;
     if (!ListDirectory(mDirectory, mEntries)) {
@@ -143,14 +150,32 @@ void ScanApplet::OpenDirectory() {
     }
 }
 
+void ScanApplet::CloseDirectory() {
+    mLibrary.SetCounts(mDirectory, mCounts);
+    mPending.insert(mPending.end(), mFound.rbegin(), mFound.rend());
+    mFound.clear();
+    mDirectory.Empty();
+}
+
+// Returns the path that the library has for the directory, as long as it still leads there.
+vxCString ScanApplet::KnownPath(const vxCString& aPath, const FileIdentity& anIdentity) {
+    const vxCString theKnown = mLibrary.FindDirectory(anIdentity);
+    if (theKnown.IsEmpty() || theKnown == aPath ||
+        !(GetFileStatus(theKnown, true).mIdentity == anIdentity)) {
+        return aPath;
+    }
+    mRoots.push_back(theKnown);
+    return theKnown;
+}
+
 void ScanApplet::LookAtEntry(const vxCString& aPath) {
-    uint64_t theSize;
-    switch (GetFileKind(aPath, false, &theSize)) {
+    const FileStatus theStatus = GetFileStatus(aPath, false);
+    switch (theStatus.mKind) {
         case FileKind::Directory:
             mFound.push_back(aPath);
             break;
         case FileKind::Regular:
-            LookAtFile(aPath, theSize);
+            LookAtFile(aPath, theStatus.mSize);
             break;
         case FileKind::Link:
             mCounts.mLinks += 1;

@@ -15,7 +15,8 @@ namespace vxmedia {
 /// Scans directories into the library, a few files in each step, so that timers keep firing.
 ///
 /// Symbolic links below the directory that was named are counted and not followed: what they lead
-/// to is either scanned under its own name, or was not asked for.
+/// to is either scanned under its own name, or was not asked for. A directory that the library knows
+/// by another path is scanned under that one, and only once in a scan.
 ///
 /// Threads:  one at a time.
 class ScanApplet : public vxApplet {
@@ -52,6 +53,8 @@ private:
     void BeginJob();
     void EndJob();
     void OpenDirectory();
+    void CloseDirectory();
+    vxCString KnownPath(const vxCString& aPath, const FileIdentity& anIdentity);
     void LookAtEntry(const vxCString& aPath);
     void LookAtFile(const vxCString& aPath, uint64_t aSize);
     void Refuse(const vxCString& aPath, const char* aReason);
@@ -70,6 +73,7 @@ private:
     std::vector<vxCString> mEntries;      // paths in the directory under way, the next one last
     vxCString mDirectory;                 // the directory under way, "" at first
     DirectoryCounts mCounts;              // of the directory under way
+    std::vector<vxCString> mRoots;        // what the end of the scan cleans up
     std::vector<vxCString> mFound;        // directories in it, in order
     std::vector<Refusal> mFirstRefusals;  // those that the report shows
     uint64_t mMediaCount = 0;

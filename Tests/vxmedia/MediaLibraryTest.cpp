@@ -74,8 +74,11 @@ TEST(MediaLibraryTest, RefusalsAndOthersAreCountedOnce) {
         theCounts.mOtherFiles = 2;
         theCounts.mLinks = 3;
         theCounts.mSpecialFiles = 4;
-        theLibrary.AddDirectory("r", theCounts);
-        theLibrary.AddDirectory("r/s", theCounts);
+        EXPECT_TRUE(theLibrary.AddDirectory("r", FileIdentity{1, 1}));
+        EXPECT_TRUE(theLibrary.AddDirectory("r/s", FileIdentity{1, 2}));
+        EXPECT_FALSE(theLibrary.AddDirectory("r", FileIdentity{1, 1}));
+        theLibrary.SetCounts("r", theCounts);
+        theLibrary.SetCounts("r/s", theCounts);
         theLibrary.AddRefusal("r/x", "z");
         theLibrary.AddRefusal("r/y", "a");
         theLibrary.AddRefusal("r/s/y", "z");
@@ -97,6 +100,27 @@ TEST(MediaLibraryTest, RefusalsAndOthersAreCountedOnce) {
     theLibrary.AddItem("r/x", 10, Picture(5));
     theLibrary.EndScan("r/x");
     EXPECT_EQ(theLibrary.GetRefusalCount(), 2u);
+}
+
+TEST(MediaLibraryTest, DirectoriesAreKnownByTheirIdentity) {
+    MediaLibrary theLibrary;
+    theLibrary.BeginScan();
+    theLibrary.AddDirectory("r", FileIdentity{1, 1});
+    theLibrary.AddDirectory("r/s", FileIdentity{1, 2});
+    theLibrary.AddDirectory("r/t", FileIdentity{2, 2});
+    theLibrary.EndScan("r");
+    EXPECT_STREQ(theLibrary.FindDirectory(FileIdentity{1, 2}), "r/s");
+    EXPECT_STREQ(theLibrary.FindDirectory(FileIdentity{2, 2}), "r/t");
+    EXPECT_STREQ(theLibrary.FindDirectory(FileIdentity{2, 1}), "");
+
+    // One has moved, one is gone.
+    theLibrary.BeginScan();
+    theLibrary.AddDirectory("r", FileIdentity{1, 1});
+    theLibrary.AddDirectory("r/new", FileIdentity{1, 2});
+    theLibrary.EndScan("r");
+    EXPECT_STREQ(theLibrary.FindDirectory(FileIdentity{1, 2}), "r/new");
+    EXPECT_STREQ(theLibrary.FindDirectory(FileIdentity{2, 2}), "");
+    EXPECT_EQ(theLibrary.GetDirectoryCount(), 2u);
 }
 
 TEST(MediaLibraryTest, AnotherScanRenewsTheFacts) {

@@ -111,6 +111,11 @@ class Samples(Scratch):
         self.assertEqual(again.splitlines()[3],
                          'Scanned samples/pictures/still.gif: media 1, others 0, refused 0, directories 0')
 
+    def test_another_name_of_a_directory_counts_nothing_twice(self):
+        answers = self.ask('lib scan samples\nlib scan ./samples\nlib scan samples/../samples/.\n'
+                           'lib scan %s\nlib stats\nlib list 100\n' % SAMPLES)
+        self.assertEqual(answers.splitlines()[4:], (STATS + LIST + '30 of 30 media files\n').splitlines())
+
     def test_show_tells_all_about_one_file(self):
         ids = {line.split()[7]: line.split()[0] for line in LIST.splitlines()[1:]}
         self.assertEqual(
@@ -669,6 +674,23 @@ class BadInput(Scratch):
                          'Scanned again: media 1, others 0, refused 0, directories 1\n')
         self.assertEqual(ask('lib scan again/up/again/x.gif', self.folder),
                          'Scanned again/up/again/x.gif: media 1, others 0, refused 0, directories 0\n')
+
+    def test_a_scan_around_another_one_renews_it(self):
+        self.write(b'a/x.gif')
+        self.write(b'a/b/y.gif')
+        self.write(b'z.gif')
+        process = subprocess.Popen(PROGRAM + ['-q', 'a/b', 'a'], stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, cwd=self.folder, bufsize=0)
+        process.stdin.write(b'lib scan .\n')
+        self.assertEqual(process.stdout.readline(),
+                         b'Scanned .: media 3, others 0, refused 0, directories 3\n')
+        os.remove(self.path(b'a/b/y.gif'))
+        os.rename(self.path(b'a/x.gif'), self.path(b'a/w.gif'))
+        output, _ = process.communicate(b'lib scan .\nlib list\nlib stats\n')
+        lines = output.decode().splitlines()
+        self.assertEqual(lines[0], 'Scanned .: media 2, others 0, refused 0, directories 3')
+        self.assertEqual([line.split()[-1] for line in lines[2:4]], ['./z.gif', 'a/w.gif'])
+        self.assertIn('3  directories', lines)
 
     def test_pipes_and_sockets_are_counted_and_not_opened(self):
         os.mkfifo(self.path(b'pipe.mp3'))

@@ -20,15 +20,15 @@ constexpr uint32_t kWAV_LengthElsewhere = 0xFFFFFFFF;
 constexpr size_t kWAV_FormatSize = 26;  // up to the coding that the extensible form names
 
 struct WAVCoding {
-    uint32_t mTag;
     const char* mName;
+    uint32_t mTag;
     bool mfEvenFrames;  // every sample takes the same number of bytes
 };
 
 constexpr WAVCoding kWAV_Codings[] = {
-    {kWAV_PCM, "PCM", true}, {2, "Microsoft ADPCM", false}, {3, "floating point", true},
-    {6, "A-law", true},      {7, "mu-law", true},           {0x11, "IMA ADPCM", false},
-    {0x31, "GSM", false},    {0x50, "MPEG", false},         {0x55, "MPEG layer III", false},
+    {"PCM", kWAV_PCM, true}, {"Microsoft ADPCM", 2, false}, {"floating point", 3, true},
+    {"A-law", 6, true},      {"mu-law", 7, true},           {"IMA ADPCM", 0x11, false},
+    {"GSM", 0x31, false},    {"MPEG", 0x50, false},         {"MPEG layer III", 0x55, false},
 };
 
 struct WAVHeader {

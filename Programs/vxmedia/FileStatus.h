@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+
+namespace vxmedia {
+
+/// What a path names.
+enum class FileKind { Missing, Regular, Directory, Link, Special };
+
+/// What makes a file or directory the same one under all its names.
+struct FileIdentity {
+    uint64_t mDevice = 0;
+    uint64_t mNode = 0;
+
+    bool operator==(const FileIdentity& anOther) const {
+        return mDevice == anOther.mDevice && mNode == anOther.mNode;
+    }
+    bool operator<(const FileIdentity& anOther) const {
+        return mDevice != anOther.mDevice ? mDevice < anOther.mDevice : mNode < anOther.mNode;
+    }
+};
+
+struct FileStatus {
+    FileKind mKind = FileKind::Missing;
+    uint64_t mSize = 0;  // bytes of a regular file, else 0
+    FileIdentity mIdentity;
+};
+
+/// Finds out what the path names without opening it: opening a pipe could wait for ever.
+///
+/// A symbolic link is looked through only with `afFollow`. What cannot be examined counts as missing.
+FileStatus GetFileStatus(const char* aPath, bool afFollow);
+
+}  // namespace vxmedia
