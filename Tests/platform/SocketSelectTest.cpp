@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
+#include <sys/epoll.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -27,7 +28,7 @@ std::atomic<vxtest::Latch*> sInsideSelect{nullptr};
 
 }  // namespace
 
-// Stands in front of the system's, and says that a thread is inside a wait.
+// These stand in front of the system's, and say that a thread is inside a wait.
 extern "C" __attribute__((visibility("default"))) int pselect(int aCount, fd_set* aReadSet,
                                                               fd_set* aWriteSet,
                                                               fd_set* anExceptSet,
@@ -37,6 +38,14 @@ extern "C" __attribute__((visibility("default"))) int pselect(int aCount, fd_set
         theLatch->CountDown();
     }
     return VXTEST_REAL(pselect)(aCount, aReadSet, aWriteSet, anExceptSet, aTimeout, aMask);
+}
+
+extern "C" __attribute__((visibility("default"))) int epoll_wait(int aWatch, epoll_event* anEvents,
+                                                                 int aCount, int aTimeout) {
+    if (vxtest::Latch* theLatch = sInsideSelect) {
+        theLatch->CountDown();
+    }
+    return VXTEST_REAL(epoll_wait)(aWatch, anEvents, aCount, aTimeout);
 }
 
 namespace {
@@ -158,6 +167,36 @@ TEST_F(SocketSelectTest, TriggerFromAnotherThreadEndsAWaitWithoutLimit) {
     sInsideSelect = nullptr;
 }
 
+TEST_F(SocketSelectTest, TriggersEndWaitsWithAndWithoutDescriptorsAlike) {
+    for (int i = 0; i < 4; ++i) {
+        fd_set theRead;
+        FD_ZERO(&theRead);
+        FD_SET(mPipe[0], &theRead);
+        vxSocketSelect_Trigger(mSelect);
+        int theTriggered = 0;
+        EXPECT_EQ(vxSocketSelect_Select(mSelect, i % 2 == 0 ? &theRead : nullptr, nullptr, nullptr,
+                                        mPipe[0] + 1, nullptr, &theTriggered),
+                  0);
+        EXPECT_EQ(theTriggered, 1);
+        FD_SET(mPipe[0], &theRead);
+        const timeval theNow = {0, 0};
+        EXPECT_EQ(vxSocketSelect_Select(mSelect, i % 2 == 0 ? nullptr : &theRead, nullptr, nullptr,
+                                        mPipe[0] + 1, &theNow, &theTriggered),
+                  0);
+        EXPECT_EQ(theTriggered, 0);
+    }
+}
+
+TEST_F(SocketSelectTest, TimeoutsLastAtLeastAsLongAsAsked) {
+    for (const timeval theTimeout :
+         {timeval{0, 0}, timeval{0, 700}, timeval{0, 12000}, timeval{0, 12345}}) {
+        const auto theStart = std::chrono::steady_clock::now();
+        EXPECT_EQ(SelectNothing(theTimeout, nullptr), 0);
+        EXPECT_GE(std::chrono::steady_clock::now() - theStart,
+                  std::chrono::microseconds(theTimeout.tv_usec));
+    }
+}
+
 TEST_F(SocketSelectTest, NoTriggerIsLostBetweenTwoThreads) {
     constexpr int kRounds = 20000;
     std::atomic<int> thePosted{0};
@@ -166,7 +205,7 @@ TEST_F(SocketSelectTest, NoTriggerIsLostBetweenTwoThreads) {
         for (int i = 1; i <= kRounds; ++i) {
             thePosted.store(i, std::memory_order_relaxed);
             vxSocketSelect_Trigger(mSelect);
-            if (i % 4 == 0) {
+            if (i % 5 == 0) {
                 while (theSeen.load() != i) {
                     std::this_thread::yield();
                 }
@@ -174,8 +213,9 @@ TEST_F(SocketSelectTest, NoTriggerIsLostBetweenTwoThreads) {
         }
     });
     while (theSeen.load() != kRounds) {
+        // Odd time-outs and whole ones wait in different ways.
         int theTriggered = 0;
-        ASSERT_EQ(SelectNothing({20, 0}, &theTriggered), 0);
+        ASSERT_EQ(SelectNothing({20, theSeen % 2}, &theTriggered), 0);
         ASSERT_EQ(theTriggered, 1) << "lost after " << theSeen.load();
         theSeen.store(thePosted.load(std::memory_order_relaxed));
     }
@@ -183,16 +223,19 @@ TEST_F(SocketSelectTest, NoTriggerIsLostBetweenTwoThreads) {
 }
 
 TEST_F(SocketSelectTest, DeleteEndsEveryWaitAndTheLastThreadFreesTheSelector) {
-    constexpr int kThreads = 3;
+    constexpr int kThreads = 4;
     vxtest::Latch theInside(kThreads);
     sInsideSelect = &theInside;
     vxSocketSelect* theSelect = vxSocketSelect_New();
     std::vector<std::thread> theThreads;
     for (int i = 0; i < kThreads; ++i) {
-        theThreads.emplace_back([theSelect] {
+        theThreads.emplace_back([this, theSelect, i] {
+            fd_set theRead;
+            FD_ZERO(&theRead);
+            FD_SET(mPipe[0], &theRead);
             int theTriggered = 0;
-            EXPECT_EQ(vxSocketSelect_Select(theSelect, nullptr, nullptr, nullptr, 0, nullptr,
-                                            &theTriggered),
+            EXPECT_EQ(vxSocketSelect_Select(theSelect, i % 2 == 0 ? &theRead : nullptr, nullptr,
+                                            nullptr, mPipe[0] + 1, nullptr, &theTriggered),
                       0);
             EXPECT_EQ(theTriggered, 1);
         });

@@ -1,11 +1,14 @@
-// The trigger is an event descriptor that every wait selects for reading beside the caller's own.
-// It stays readable until a wait takes notice, so a trigger that comes between two waits is kept.
+// A trigger writes to an event descriptor, which is watched edge-triggered: one notice is pending
+// from the write until a wait takes it, and nothing ever reads the event. So a trigger between two
+// waits is kept, and a wait that has no descriptors beside it takes notice in the call in which it
+// sleeps. Other waits select the watching descriptor beside the caller's own.
 //
 // The selector counts its owner and the threads inside a wait; whoever leaves last frees it.
 
 #include <libvxLog/Log.h>
 #include <libvxOS/SocketSelect.h>
 
+#include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <time.h>
 #include <unistd.h>
@@ -13,16 +16,21 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <new>
 
 struct vxSocketSelect {
-    explicit vxSocketSelect(int anEvent) : mEvent(anEvent) {}
-    ~vxSocketSelect() { close(mEvent); }
+    vxSocketSelect(int aWatch, int anEvent) : mWatch(aWatch), mEvent(anEvent) {}
+    ~vxSocketSelect() {
+        close(mWatch);
+        close(mEvent);
+    }
 
+    const int mWatch;  // readable while a notice is pending
     const int mEvent;
     std::atomic<int> mUsers{1};            // the owner and the threads inside a wait
-    std::atomic<bool> mfTriggered{false};  // the event is readable, or is about to be
+    std::atomic<bool> mfTriggered{false};  // a notice is pending, or is about to be
     std::atomic<bool> mfClosing{false};    // the owner has let go: every wait ends
 };
 
@@ -142,68 +150,141 @@ bool vxIsTime(const timeval* aTimeout) {
            (aTimeout->tv_sec >= 0 && aTimeout->tv_usec >= 0 && aTimeout->tv_usec < 1000000);
 }
 
-/// Makes the event unreadable again, unless every wait is to end.
-void vxTakeTrigger(vxSocketSelect* aSelect) {
-    if (aSelect->mfClosing.load()) {
-        return;
-    }
-    uint64_t theCount;
-    static_cast<void>(!read(aSelect->mEvent, &theCount, sizeof(theCount)));
-    // In this order: a trigger in between finds the flag set and counts as part of the one that is
-    // being taken; the other way around the flag would stay set over an unreadable event.
+void vxNotify(vxSocketSelect* aSelect) {
+    static_cast<void>(eventfd_write(aSelect->mEvent, 1));
+}
+
+/// Waits for a notice and takes it: 1, or 0 when the time is over; -1 milliseconds have no limit.
+int vxTakeNotice(vxSocketSelect* aSelect, int aMSTimeout) {
+    epoll_event theEvent;
+    return epoll_wait(aSelect->mWatch, &theEvent, 1, aMSTimeout);
+}
+
+/// Lets the next trigger give a notice again, after the last one has been taken.
+void vxAllowTrigger(vxSocketSelect* aSelect) {
+    // A trigger that comes before this finds the flag set, and counts as part of the one taken.
     aSelect->mfTriggered.exchange(false);
     if (aSelect->mfClosing.load()) {
-        static_cast<void>(eventfd_write(aSelect->mEvent, 1));
+        vxNotify(aSelect);  // on behalf of the next one that waits
     }
 }
 
-int vxSelectOnce(vxSocketSelect* aSelect, fd_set* aReadSet, fd_set* aWriteSet, fd_set* anExceptSet,
-                 int aCount, const timeval* aTimeout, bool* aTriggered) {
-    const int theEvent = aSelect->mEvent;
-    vxTimeLeft theTimeLeft(aTimeout);
+/// Waits for the caller's descriptors and for a notice.
+int vxSelectDescriptors(vxSocketSelect* aSelect, fd_set* aReadSet, fd_set* aWriteSet,
+                        fd_set* anExceptSet, int aCount, vxTimeLeft* aTimeLeft, bool* aTriggered) {
+    const int theWatch = aSelect->mWatch;
     for (;;) {
         vxDescriptors theRead(aReadSet, aCount);
         vxDescriptors theWrite(aWriteSet, aCount);
         vxDescriptors theExcept(anExceptSet, aCount);
-        FD_SET(theEvent, theRead.Get());
+        FD_SET(theWatch, theRead.Get());
         const int theReady =
-            pselect(std::max(aCount, theEvent + 1), theRead.Get(), theWrite.GetOrNull(),
-                    theExcept.GetOrNull(), theTimeLeft.Get(), nullptr);
+            pselect(std::max(aCount, theWatch + 1), theRead.Get(), theWrite.GetOrNull(),
+                    theExcept.GetOrNull(), aTimeLeft->Get(), nullptr);
         if (theReady < 0) {
             if (errno != EINTR) {
                 return -1;
             }
-            theTimeLeft.Update();
+            aTimeLeft->Update();
             continue;
         }
-        *aTriggered = FD_ISSET(theEvent, theRead.Get());
-        FD_CLR(theEvent, theRead.Get());
+        const bool theIsNotified = FD_ISSET(theWatch, theRead.Get());
+        FD_CLR(theWatch, theRead.Get());
+        const int theOwnReady = theIsNotified ? theReady - 1 : theReady;
+        *aTriggered = theIsNotified && vxTakeNotice(aSelect, 0) == 1;
+        if (theIsNotified && !*aTriggered && theOwnReady == 0) {
+            aTimeLeft->Update();  // another thread was faster
+            continue;
+        }
         theRead.HandBack();
         theWrite.HandBack();
         theExcept.HandBack();
-        return *aTriggered ? theReady - 1 : theReady;
+        return theOwnReady;
     }
+}
+
+/// The time-out as the system's waits for a notice take it, in milliseconds; -1 has no limit, and
+/// other negative values mean that it cannot be told so.
+int vxMillisecondsOf(const timeval* aTimeout) {
+    if (aTimeout == nullptr) {
+        return -1;
+    }
+    if (aTimeout->tv_usec % 1000 != 0 || aTimeout->tv_sec > INT_MAX / 1000 - 1) {
+        return -2;
+    }
+    return static_cast<int>(aTimeout->tv_sec) * 1000 + static_cast<int>(aTimeout->tv_usec) / 1000;
+}
+
+int vxSelectOnce(vxSocketSelect* aSelect, fd_set* aReadSet, fd_set* aWriteSet, fd_set* anExceptSet,
+                 int aCount, const timeval* aTimeout, bool* aTriggered) {
+    vxTimeLeft theTimeLeft(aTimeout);
+    const bool theHasSets = aReadSet != nullptr || aWriteSet != nullptr || anExceptSet != nullptr;
+    const int theMilliseconds = vxMillisecondsOf(aTimeout);
+    if (!theHasSets && theMilliseconds >= -1) {
+        const int theNotices = vxTakeNotice(aSelect, theMilliseconds);
+        if (theNotices >= 0) {
+            *aTriggered = theNotices == 1;
+            return 0;
+        }
+        if (errno != EINTR) {
+            return -1;
+        }
+        theTimeLeft.Update();
+    }
+    return vxSelectDescriptors(aSelect, aReadSet, aWriteSet, anExceptSet, aCount, &theTimeLeft,
+                               aTriggered);
+}
+
+/// Creates the watching descriptor; -1 after a message where there is none that select can take.
+int vxNewWatch() {
+    const int theWatch = epoll_create1(EPOLL_CLOEXEC);
+    if (theWatch < 0) {
+        VXLOG(VXLOGLEVEL_ERROR, VXLOG_M_SELECT, "Cannot create the select trigger (Error = %d)\n",
+              errno);
+        return -1;
+    }
+    if (theWatch >= FD_SETSIZE) {
+        close(theWatch);
+        VXLOG(VXLOGLEVEL_ERROR, VXLOG_M_SELECT,
+              "Descriptor %d of the select trigger is not below FD_SETSIZE (%d)\n", theWatch,
+              static_cast<int>(FD_SETSIZE));
+        return -1;
+    }
+    return theWatch;
+}
+
+/// Creates the event and has it watched; -1 after a message when the system refuses.
+int vxNewEvent(int aWatch) {
+    const int theEvent = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    epoll_event theInterest = {};
+    theInterest.events = EPOLLIN | EPOLLET;
+    if (theEvent < 0 || epoll_ctl(aWatch, EPOLL_CTL_ADD, theEvent, &theInterest) != 0) {
+        VXLOG(VXLOGLEVEL_ERROR, VXLOG_M_SELECT, "Cannot create the select trigger (Error = %d)\n",
+              errno);
+        if (theEvent >= 0) {
+            close(theEvent);
+        }
+        return -1;
+    }
+    return theEvent;
 }
 
 }  // namespace
 
 vxSocketSelect* vxSocketSelect_New(void) {
-    const int theEvent = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    const int theWatch = vxNewWatch();
+    if (theWatch < 0) {
+        return nullptr;
+    }
+    const int theEvent = vxNewEvent(theWatch);
     if (theEvent < 0) {
-        VXLOG(VXLOGLEVEL_ERROR, VXLOG_M_SELECT, "Cannot create the select trigger (Error = %d)\n",
-              errno);
+        close(theWatch);
         return nullptr;
     }
-    if (theEvent >= FD_SETSIZE) {
-        close(theEvent);
-        VXLOG(VXLOGLEVEL_ERROR, VXLOG_M_SELECT,
-              "Descriptor %d of the select trigger is not below FD_SETSIZE (%d)\n", theEvent,
-              static_cast<int>(FD_SETSIZE));
-        return nullptr;
-    }
-    vxSocketSelect* theSelect = new (std::nothrow) vxSocketSelect(theEvent);
+    vxSocketSelect* theSelect = new (std::nothrow) vxSocketSelect(theWatch, theEvent);
     if (theSelect == nullptr) {
         close(theEvent);
+        close(theWatch);
     }
     return theSelect;
 }
@@ -213,13 +294,13 @@ void vxSocketSelect_Delete(vxSocketSelect* aSelect) {
         return;
     }
     aSelect->mfClosing.store(true);
-    static_cast<void>(eventfd_write(aSelect->mEvent, 1));
+    vxNotify(aSelect);
     vxLeave(aSelect);
 }
 
 void vxSocketSelect_Trigger(vxSocketSelect* aSelect) {
     if (aSelect != nullptr && !aSelect->mfTriggered.exchange(true)) {
-        static_cast<void>(eventfd_write(aSelect->mEvent, 1));
+        vxNotify(aSelect);
     }
 }
 
@@ -243,7 +324,7 @@ int vxSocketSelect_Select(vxSocketSelect* aSelect, fd_set* aReadSet, fd_set* aWr
                                       aTimeout, &theTriggered);
     const int theError = errno;
     if (theTriggered) {
-        vxTakeTrigger(aSelect);
+        vxAllowTrigger(aSelect);
     }
     vxLeave(aSelect);
     if (aTriggered != nullptr) {
