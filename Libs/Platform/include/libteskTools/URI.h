@@ -1,0 +1,76 @@
+#pragma once
+
+#include <libteskTools/Types.h>
+
+// Request targets as RFC 3986 has them, with query arguments as HTML forms write them: parts between
+// '&', names and values around the first '=', '+' for a blank, and bytes as '%' and two hexadecimal
+// digits. A '%' that two digits do not follow, and "%00", stand for themselves.
+
+VX_C_BEGIN
+
+/// An argument of a query, decoded.
+typedef struct vxURIQueryPart {
+    char* mName;
+    char* mValue;  // empty where there is no '='
+} vxURIQueryPart;
+
+/// A parsed URI. Texts are owned, and null where the URI lacks them.
+typedef struct vxURI {
+    char* mScheme;
+    char* mUserInfo;
+    char* mHostName;
+    uint16_t mPort;  // 0: none
+    char* mPath;
+    char* mQuery;  // as written, without the '?'
+    char* mFragment;
+    vxURIQueryPart* mQueryParts;  // in order
+    size_t mQueryPartCount;
+    char* mQueryTexts;  // the block that the parts point into
+} vxURI;
+
+/// Parses a path with what may follow it: "/path?query#fragment".
+///
+/// `afDecode` decodes the percent escapes of the path; the query's are always decoded in its parts.
+/// A null text gives a record without a path.
+///
+/// Owner:    the caller, who releases the record with vxURI_Delete().
+VX_API vxURI* vxURI_NewFromPath(const char* aPath, bool afDecode);
+
+/// Parses a whole URI: "scheme://user@host:port/path?query#fragment"; without a scheme it is a path.
+///
+/// Owner:    as vxURI_NewFromPath().
+VX_API vxURI* vxURI_New(const char* aText, bool afDecode);
+
+/// Frees a record; null does nothing.
+VX_API void vxURI_Delete(vxURI* anURI);
+
+/// Returns a copy; null for null.
+///
+/// Owner:    as vxURI_NewFromPath().
+VX_API vxURI* vxURI_Clone(const vxURI* anURI);
+
+/// Cuts bytes off the beginning of the path, all of them when it has no more.
+VX_API void vxURI_TruncatePathBegin(vxURI* anURI, size_t aCount);
+
+/// Reads arguments from a form body; `afReplace` drops those that were there, `afDecodePlus` takes
+/// '+' for a blank. A null text holds none.
+VX_API void vxURI_SetQueryFromPost(vxURI* anURI, const char* aText, bool afReplace,
+                                   bool afDecodePlus);
+
+// The first of several parts of one name counts. A null record has no parts.
+
+VX_API bool vxURI_HasQueryPart(const vxURI* anURI, const char* aName);
+
+/// Returns the value of a part, or null.
+///
+/// Owner:    the caller, who releases the text with free().
+VX_API char* vxURI_GetQueryPart(const vxURI* anURI, const char* aName);
+
+VX_API size_t vxURI_GetQueryPartCount(const vxURI* anURI);
+
+/// Stores copies of a part's name and value; false beyond the last part.
+///
+/// Owner:    the caller, who releases both texts with free().
+VX_API bool vxURI_GetQueryPartAt(const vxURI* anURI, size_t anIndex, char** aName, char** aValue);
+
+VX_C_END

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <libteskTools/Types.h>
+
+VX_C_BEGIN
+
+/// A loaded plug-in file.
+typedef struct vxOSPlugin* vxOSPluginHandle;
+
+/// An entry point of unknown type; cast it to the type that its name stands for.
+typedef void (*vxPluginFunc_Generic)(void);
+
+/// Loads a shared library with its symbols resolved at once and kept to itself.
+///
+/// `aPath` should hold a '/': a bare name is looked up on the loader's own search path.
+///
+/// Fails:    null; the loader's own text is logged at error level in VXLOG_M_PLUGIN.
+/// Owner:    the caller, who unloads it with vxPlugin_Unload().
+/// Threads:  any.
+VX_API vxOSPluginHandle vxPlugin_Load(const char* aPath);
+
+/// Returns an entry point by its symbol name; null when there is none or the handle is null.
+VX_API vxPluginFunc_Generic vxPlugin_GetSymbol(vxOSPluginHandle aPlugin, const char* aName);
+
+/// Unloads a plug-in; every pointer into it is dead afterwards. Null does nothing.
+VX_API void vxPlugin_Unload(vxOSPluginHandle aPlugin);
+
+/// Returns the plug-in directory: the environment variable VXPLUGINPATH, else /usr/lib/vx/plugins.
+///
+/// Owner:    the caller, who releases the text with free().
+VX_API char* vxPlugin_GetDefaultPath(void);
+
+/// Returns what stands between the name of a plug-in and its extension: nothing.
+VX_API const char* vxPlugin_GetDebugReleaseSuffix(void);
+
+/// Returns the extension of plug-in files: ".so".
+VX_API const char* vxPlugin_GetExtension(void);
+
+VX_C_END
