@@ -159,7 +159,7 @@ void ScanApplet::CloseDirectory() {
 
 // Returns the path that the library has for the directory, as long as it still leads there.
 vxCString ScanApplet::KnownPath(const vxCString& aPath, const FileIdentity& anIdentity) {
-    const vxCString theKnown = mLibrary.FindDirectory(anIdentity);
+    vxCString theKnown = mLibrary.FindDirectory(anIdentity);
     if (theKnown.IsEmpty() || theKnown == aPath ||
         !(GetFileStatus(theKnown, true).mIdentity == anIdentity)) {
         return aPath;
