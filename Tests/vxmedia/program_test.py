@@ -812,7 +812,7 @@ ID  FORMAT  BYTES  PICTURE  CHANNELS   RATE  SECONDS  PATH
  8  PNG       355  40x40           -      -        -  samples/pictures/interlaced.png
  9  JPEG      820  123x77          -      -        -  samples/pictures/progressive.jpg
 10  GIF       235  24x18           -      -        -  samples/pictures/still.gif
-11  PNG      1631  33x17           -      -        -  samples/pictures/veil-rgba.png
+11  PNG       696  33x17           -      -        -  samples/pictures/veil-rgba.png
 12  GIF        73  300x2           -      -        -  samples/pictures/wide-interlaced.gif
 13  MP3     19008  -               2  32000    1.548  samples/sounds/chord-cbr.mp3
 14  Ogg     18169  -               1  96000    0.200  samples/sounds/chord-flac.oga
@@ -831,18 +831,18 @@ ID  FORMAT  BYTES  PICTURE  CHANNELS   RATE  SECONDS  PATH
 27  MP3      4176  -               1  16000    2.088  samples/speech/voice-mpeg2.mp3
 28  Ogg      4866  -               1  16000    2.000  samples/speech/voice-vorbis.ogg
 29  FLAC    30940  -               1  16000    2.000  samples/speech/voice.flac
-30  Ogg      4696  -               1  48000    2.000  samples/speech/voice.opus
+30  Ogg      4680  -               1  48000    2.000  samples/speech/voice.opus
 """
 STATS = """\
 FORMAT  FILES   BYTES  SECONDS
-PNG         5    2399        -
+PNG         5    1464        -
 JPEG        4    2493        -
 GIF         3     569        -
 WAV         7  135860    2.600
 FLAC        3  112668    3.700
-Ogg         4   35627    5.700
+Ogg         4   35611    5.700
 MP3         4   44619    6.725
-total      30  334235   18.725
+total      30  333284   18.725
 4  directories
 0  other files
 0  symbolic links, not followed
