@@ -1,6 +1,8 @@
 #include "vx/CommandLineParser.h"
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
+#include <libteskTools/Memory.h>
 #include <libvxOS/Path.h>
 
 #include <algorithm>
@@ -13,6 +15,43 @@
 
 #include "CLISupport.h"
 #include "support/Reports.h"
+
+namespace {
+
+constexpr const char* kNoPath = nullptr;  // the platform has none to give
+
+// What the program's name and path are while one of these lives.
+class ScriptedPath {
+public:
+    explicit ScriptedPath(const char* aPath) {
+        sPath = aPath;
+        sIsScripted = true;
+    }
+    ~ScriptedPath() { sIsScripted = false; }
+
+    using Function = char* (*)();
+    static char* Answer(const char* aFunction) {
+        return sIsScripted ? vxStrdup(sPath)
+                           : reinterpret_cast<Function>(dlsym(RTLD_NEXT, aFunction))();
+    }
+
+private:
+    static const char* sPath;
+    static bool sIsScripted;
+};
+const char* ScriptedPath::sPath = nullptr;
+bool ScriptedPath::sIsScripted = false;
+
+}  // namespace
+
+// Stand in front of the platform's, which do the work unless a path is scripted.
+extern "C" VX_API char* vxPath_GetApplicationName(void) {
+    return ScriptedPath::Answer("vxPath_GetApplicationName");
+}
+
+extern "C" VX_API char* vxPath_GetApplicationFullPath(void) {
+    return ScriptedPath::Answer("vxPath_GetApplicationFullPath");
+}
 
 namespace {
 
@@ -56,6 +95,13 @@ protected:
         mParser.SetCommandLine(static_cast<int>(theArgv.size()), theArgv.data());
         mReports.Clear();
         return mParser.Parse(afDisplayUsage);
+    }
+
+    static std::string ProgramName() {
+        char* theName = vxPath_GetApplicationName();
+        const std::string theText = theName;
+        free(theName);
+        return theText;
     }
 
     std::string ErrorOf(const std::vector<std::string>& anArguments) {
@@ -408,6 +454,34 @@ TEST_F(CommandLineParserTest, AskingForAnUnknownNameIsLogged) {
     EXPECT_STREQ(theText, "");
 }
 
+TEST_F(CommandLineParserTest, ANullNameIsTheEmptyOne) {
+    mParser.AddSwitch("v", "", 0);
+    const char* const theNull = nullptr;
+    int theNumber = 9;
+    vxCString theText = "old";
+    EXPECT_FALSE(mParser.Found(theNull));
+    EXPECT_FALSE(mParser.Found(theNull, &theText));
+    EXPECT_FALSE(mParser.Found(theNull, &theNumber));
+    EXPECT_THAT(mReports.LogTexts(), ElementsAre("Testing presence of an unknown option ''\n",
+                                                 "Getting value of an unknown string option ''\n",
+                                                 "Getting value of an unknown number option ''\n"));
+    EXPECT_STREQ(vxCommandLineOption::GetOptionName(theNull), "");
+}
+
+TEST_F(CommandLineParserTest, NamesAndDescriptionsMayBeStringsThatEndBeforeTheParser) {
+    {
+        const vxCString theName = vxCString("po") + "rt";
+        mParser.AddOption(theName, vxCString("the ") + "port", kNumber, 0);
+        mParser.AddParam(vxCString("fi") + "le", kString, 0);
+    }
+    EXPECT_EQ(ErrorOf({"-port=8080"}), "The required parameter 'file' was not specified\n");
+    int thePort = 0;
+    EXPECT_TRUE(mParser.Found(vxCString("po") + "rt", &thePort));
+    EXPECT_EQ(thePort, 8080);
+    EXPECT_EQ(std::string(mParser.GetUsageString()),
+              "Usage: " + ProgramName() + " [-port<num>] file\n  -port <num>\tthe port\n");
+}
+
 TEST_F(CommandLineParserTest, AskingForAnotherTypeIsReported) {
     mParser.AddOption("p", "", kNumber, 0);
     mParser.AddOption("s", "", kString, 0);
@@ -549,6 +623,13 @@ TEST(CommandLineSplitTest, TheProgramsOwnPathIsPutInFront) {
     EXPECT_THAT(Split("", false), IsEmpty());
 }
 
+TEST(CommandLineSplitTest, AnOwnPathWithBlanksIsOneArgumentAndAnUnknownOneAsWell) {
+    for (const char* thePath : {"/opt/media player/bin/player", "", kNoPath}) {
+        const ScriptedPath theScript(thePath);
+        EXPECT_THAT(Split("a \"b c\"", false), ElementsAre("a", "b c"));
+    }
+}
+
 TEST(CommandLineSplitTest, ConstructorsTakeTableAndArguments) {
     const vxCommandLineDescription kTable[] = {
         {kOption, "p", "port", kNumber, 0}, {kParameter, NULL, "file", kString, 0}, kEnd};
@@ -573,13 +654,6 @@ TEST(CommandLineSplitTest, ConstructorsTakeTableAndArguments) {
 }
 
 // Usage
-
-std::string ProgramName() {
-    char* theName = vxPath_GetApplicationName();
-    const std::string theText = theName;
-    free(theName);
-    return theText;
-}
 
 TEST_F(CommandLineParserTest, UsageHasALineAndDetails) {
     const vxCommandLineDescription kTable[] = {
@@ -607,6 +681,14 @@ TEST_F(CommandLineParserTest, UsageShowsEveryKind) {
                                                          "  -x         \t%s is no format\n");
     mParser.Usage();
     EXPECT_EQ(mReports.Console(), std::string(mParser.GetUsageString()));
+}
+
+TEST_F(CommandLineParserTest, UsageOfAProgramWhoseNameIsUnknown) {
+    mParser.AddSwitch("v", "", 0);
+    for (const char* theName : {"", kNoPath}) {
+        const ScriptedPath theScript(theName);
+        EXPECT_STREQ(mParser.GetUsageString(), "Usage:  [-v]\n  -v\t\n");
+    }
 }
 
 TEST_F(CommandLineParserTest, UsageOfAnOptionalMultipleParameter) {

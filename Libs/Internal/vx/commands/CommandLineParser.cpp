@@ -206,7 +206,7 @@ vxCommandLineOption::vxCommandLineOption(vxCommandLineEntryType aKind, const cha
 }
 
 vxCString vxCommandLineOption::GetOptionName(const char* aText) {
-    return vxCString(aText, vxNameLength(aText));
+    return aText == NULL ? vxCString() : vxCString(aText, vxNameLength(aText));
 }
 
 int32_t vxCommandLineOption::GetInt32Value() const {
@@ -389,10 +389,10 @@ int vxCommandLineParserData::ParseOption(const vxArgument& anArgument) {
     const char* const theText = anArgument.mText + (anArgument.mfQueued ? 0 : 1);
     vxCommandLineOption* theOption = FindLongestOption(theText);
     if (theOption == NULL) {
-        const bool theIsLong = *theText == '-';
-        Fail(vxCString::Format(
-            "Unknown option '%s%s'\n", theIsLong ? "--" : "",
-            vxCommandLineOption::GetOptionName(theText + (theIsLong ? 1 : 0)).c_str()));
+        const vxCString theName = *theText == '-'
+                                      ? "--" + vxCommandLineOption::GetOptionName(theText + 1)
+                                      : vxCommandLineOption::GetOptionName(theText);
+        Fail(vxCString::Format("Unknown option '%s'\n", theName.c_str()));
         return 1;
     }
     const char* const theRest = theText + theOption->mNameLength;
@@ -594,20 +594,20 @@ int vxCommandLineParser::Parse(bool afDisplayUsage) {
 }
 
 bool vxCommandLineParser::Found(const char* aName) const {
-    const vxCommandLineOption* theOption = mParserData->GetOption(aName);
+    const vxCommandLineOption* theOption = mParserData->GetOption(vxNotNull(aName));
     if (theOption == NULL) {
         VXLOG(VXLOGLEVEL_ERROR, VXLOG_M_DEFAULT, "Testing presence of an unknown option '%s'\n",
-              aName);
+              vxNotNull(aName));
     }
     return theOption != NULL && theOption->HasValue();
 }
 
 bool vxCommandLineParser::Found(const char* aName, vxCString* aValue) const {
     aValue->clear();
-    const vxCommandLineOption* theOption = mParserData->GetOption(aName);
+    const vxCommandLineOption* theOption = mParserData->GetOption(vxNotNull(aName));
     if (theOption == NULL) {
         VXLOG(VXLOGLEVEL_ERROR, VXLOG_M_DEFAULT, "Getting value of an unknown string option '%s'\n",
-              aName);
+              vxNotNull(aName));
     }
     if (theOption == NULL || !theOption->HasValue()) {
         return false;
@@ -618,10 +618,10 @@ bool vxCommandLineParser::Found(const char* aName, vxCString* aValue) const {
 
 bool vxCommandLineParser::Found(const char* aName, int* aValue) const {
     *aValue = 0;
-    const vxCommandLineOption* theOption = mParserData->GetOption(aName);
+    const vxCommandLineOption* theOption = mParserData->GetOption(vxNotNull(aName));
     if (theOption == NULL) {
         VXLOG(VXLOGLEVEL_ERROR, VXLOG_M_DEFAULT, "Getting value of an unknown number option '%s'\n",
-              aName);
+              vxNotNull(aName));
     }
     if (theOption == NULL || !theOption->HasValue()) {
         return false;

@@ -54,7 +54,7 @@ public:
     vxCommandLineOption(vxCommandLineEntryType aKind, const char* anOption,
                         const char* aDescription, vxCommandLineParameterType aType, int aFlags);
 
-    /// Returns the leading letters, digits, `_` and `?` of a text.
+    /// Returns the leading letters, digits, `_` and `?` of a text; none of a null one.
     static vxCString GetOptionName(const char* aText);
 
     vxCommandLineEntryType GetKind() const { return mKind; }
@@ -118,7 +118,9 @@ private:
 /// Threads:  one at a time.
 class VX_EXPORT vxCommandLineParser {
 public:
+    /// Declares nothing and has no arguments.
     vxCommandLineParser();
+    /// As SetCommandLine() and SetDescription().
     vxCommandLineParser(const vxCommandLineDescription* aTable, int anArgc, char** anArgv);
     vxCommandLineParser(const vxCommandLineDescription* aTable, const vxCString& aCommandLine,
                         bool afHasProgramName);
@@ -169,11 +171,15 @@ public:
     /// Cost:     linear in the arguments.
     int Parse(bool afDisplayUsage);
 
-    /// Was the switch or option given? An unknown name is logged.
+    /// Was the switch or option given? An unknown name is logged; a null one counts as empty.
     bool Found(const char* aName) const;
     /// Also fetches the text of a String option; `aValue` is emptied where it was not given.
+    ///
+    /// Asserts:  mType == vxCommandLineParameter_String, where it was given; the text is empty then.
     bool Found(const char* aName, vxCString* aValue) const;
     /// Also fetches the value of a Number option; `aValue` becomes 0 where it was not given.
+    ///
+    /// Asserts:  mType == vxCommandLineParameter_Number, where it was given; the number is 0 then.
     bool Found(const char* aName, int* aValue) const;
 
     /// Returns the number of positional arguments found.
