@@ -36,8 +36,11 @@ struct vxFolded {
 // Knuth, Morris and Pratt: position of the needle, or kvxNotFound.
 template <typename View>
 size_t vxSearchByLinks(const View& aText, const View& aNeedle) {
-    // Entry i is the length of the longest proper border of the first i + 1 bytes.
-    size_t* theLinks = static_cast<size_t*>(vxCalloc(aNeedle.mLength * sizeof(size_t)));
+    // Entry i is the length of the longest proper border of the first i + 1 bytes. For a needle whose
+    // entries no block can hold, the allocation fails as any other that is too large.
+    const size_t theSize =
+        aNeedle.mLength < SIZE_MAX / sizeof(size_t) ? aNeedle.mLength * sizeof(size_t) : SIZE_MAX;
+    size_t* theLinks = static_cast<size_t*>(vxCalloc(theSize));
     if (theLinks == nullptr) {
         return kvxNotFound;
     }
