@@ -336,6 +336,7 @@ TEST(CStringTest, AWrappedTextIsCopiedBeforeEveryChange) {
         {"assign", [](vxCString& aStr) { aStr = "other"; }, "other"},
         {"printf", [](vxCString& aStr) { aStr.Printf("%d", 5); }, "5"},
         {"truncate", [](vxCString& aStr) { aStr.Truncate(6); }, "static"},
+        {"pad in front", [](vxCString& aStr) { aStr.Pad(1, '.', false); }, ".static text"},
         {"write buffer", [](vxCString& aStr) { strcpy(vxCStringBuffer(aStr, 3), "new"); }, "new"},
     };
     for (const Row& theRow : kRows) {
@@ -345,6 +346,34 @@ TEST(CStringTest, AWrappedTextIsCopiedBeforeEveryChange) {
         EXPECT_EQ(Text(theStr), theRow.mResult);
         EXPECT_EQ(Block(theStr).mRefCount, 1);
         EXPECT_STREQ(kText, "static text");
+    }
+}
+
+TEST(CStringTest, AWrappedTextIsCopiedBeforeItIsTrimmedOrMended) {
+    static const char kText[] = " a\t\xFF ";
+    struct Row {
+        const char* mName;
+        void (*mChange)(vxCString&);
+        const char* mResult;
+    };
+    const Row kRows[] = {
+        {"left", [](vxCString& aStr) { aStr.Trim(false); }, "a\t\xFF "},
+        {"right", [](vxCString& aStr) { aStr.Trim(true); }, " a\t\xFF"},
+        {"both", [](vxCString& aStr) { aStr.TrimLeftRight(); }, "a\t\xFF"},
+        {"empty", [](vxCString& aStr) { aStr.ValidateUTF8(vxCString::kvxEmpty); }, ""},
+        {"valid", [](vxCString& aStr) { aStr.ValidateUTF8(vxCString::kvxKeepValid); }, " a\t "},
+        {"printable", [](vxCString& aStr) { aStr.ValidateUTF8(vxCString::kvxKeepPrintable); },
+         " a\xFF "},
+    };
+    for (const Row& theRow : kRows) {
+        SCOPED_TRACE(theRow.mName);
+        vxCString theStr = vxCString::FromStaticString(kText);
+        const vxCString theCopy(theStr);
+        theRow.mChange(theStr);
+        EXPECT_EQ(Text(theStr), theRow.mResult);
+        EXPECT_EQ(theCopy.c_str(), kText);
+        EXPECT_EQ(Block(theCopy).mRefCount, 2);
+        EXPECT_STREQ(kText, " a\t\xFF ");
     }
 }
 
@@ -458,6 +487,36 @@ TEST(CStringTest, AWriteBufferLeavesSharersAlone) {
     theSecond.UngetWriteBuf();
     EXPECT_EQ(Text(theFirst), "abc");
     EXPECT_EQ(Text(theSecond), "xyz");
+}
+
+TEST(CStringTest, AWriteBufferUsesTheBlockOfASoleOwnerWhereItIsLargeEnough) {
+    vxCString theStr("abc");
+    const char* theText = theStr.c_str();
+    vxtest::Allocations theAllocations;
+    EXPECT_EQ(theStr.GetWriteBuf(19), theText);
+    EXPECT_EQ(theStr.length(), 0u);
+    theStr.UngetWriteBuf();
+    EXPECT_EQ(Text(theStr), "abc");
+    EXPECT_EQ(theAllocations.Mallocs() + theAllocations.Reallocs(), 0u);
+    theStr.GetWriteBuf(20);
+    theStr.UngetWriteBuf(0);
+    EXPECT_EQ(theAllocations.Reallocs(), 1u);
+    EXPECT_EQ(Block(theStr).mAllocatedLength, 35u);
+}
+
+TEST(CStringTest, CopiesOfAnOwnBlockWithoutTextAreTheSharedEmptyBlock) {
+    vxCString theStr("abc");
+    theStr.GetWriteBuf(3);
+    theStr.UngetWriteBuf(0);
+    ASSERT_EQ(Block(theStr).mRefCount, 1);
+    ASSERT_TRUE(theStr.IsEmpty());
+    vxtest::Allocations theAllocations;
+    const vxCString theCopy(theStr);
+    vxCString theOther("other");
+    theOther = theStr;
+    EXPECT_EQ(theCopy.c_str(), vxEmptyCString);
+    EXPECT_EQ(theOther.c_str(), vxEmptyCString);
+    EXPECT_EQ(Block(theStr).mRefCount, 1);
 }
 
 TEST(CStringTest, AScopedBufferGivesItselfBack) {
