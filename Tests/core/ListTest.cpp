@@ -59,6 +59,35 @@ struct Counted {
 };
 int Counted::sAlive = 0;
 
+// Notes that it goes, and takes the last item out of its list.
+class Puller : public vxBaseListItem {
+public:
+    Puller(vxBaseList& aList, int aNumber, std::vector<int>& aGone)
+        : mList(aList), mNumber(aNumber), mGone(aGone) {}
+    ~Puller() override {
+        mGone.push_back(mNumber);
+        if (mList.GetEnd() != NULL) {
+            mList.Remove(mList.GetEnd());
+        }
+    }
+
+private:
+    vxBaseList& mList;
+    int mNumber;
+    std::vector<int>& mGone;
+};
+
+// Notes that it goes.
+struct Noted {
+    ~Noted() {
+        if (mGone != NULL) {
+            mGone->push_back(mNumber);
+        }
+    }
+    int mNumber = 0;
+    std::vector<int>* mGone = NULL;
+};
+
 class ListTest : public testing::Test {
 protected:
     void Fill(std::initializer_list<int> aValues) {
@@ -327,6 +356,31 @@ TEST_F(ListTest, ItemsAreDestroyedWithTheirListAndWhenRemoved) {
     EXPECT_EQ(Counted::sAlive, 0);
 }
 
+TEST_F(ListTest, ItemsAreDestroyedFromTheFront) {
+    std::vector<int> theGone;
+    {
+        vxList<Noted> theList;
+        for (int i = 1; i <= 3; ++i) {
+            theList.push_back(Noted());
+            theList.back().mNumber = i;
+            theList.back().mGone = &theGone;
+        }
+    }
+    EXPECT_THAT(theGone, ElementsAre(1, 2, 3));
+}
+
+TEST_F(ListTest, ItemsMayTakeOthersOutWhileTheirListIsDestroyed) {
+    std::vector<int> theGone;
+    {
+        vxBaseList theList;
+        for (int i = 1; i <= 4; ++i) {
+            theList.PushBack(new Puller(theList, i, theGone));
+        }
+    }
+    EXPECT_THAT(theGone, ElementsAre(1, 4, 3, 2));
+    EXPECT_THAT(mReports.Assertions(), IsEmpty());
+}
+
 TEST_F(ListTest, HandlesKeepTheirObjectsAlive) {
     vxRef<vxUserData> theData = new vxUserData;
     {
@@ -475,6 +529,20 @@ TEST_F(ListTest, ReverseIteratorOnARemovedItemSkipsTheItemBeforeIt) {
     EXPECT_EQ(ValueOf(theIterator), 2);
     ASSERT_TRUE(theIterator.Prev());
     EXPECT_EQ(ValueOf(theIterator), 1);
+}
+
+TEST_F(ListTest, ReverseIteratorOnARemovedFirstItemStartsOverAtTheLast) {
+    Fill({1, 2, 3});
+    vxBaseListReverseIterator theIterator(mList);
+    theIterator.Prev();
+    theIterator.Prev();
+    theIterator.Prev();
+
+    mList.pop(1);
+
+    EXPECT_EQ(theIterator.GetItem(), nullptr);
+    ASSERT_TRUE(theIterator.Prev());
+    EXPECT_EQ(ValueOf(theIterator), 3);
 }
 
 TEST_F(ListTest, IteratorOutlivesItsList) {

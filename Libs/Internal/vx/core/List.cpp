@@ -113,8 +113,9 @@ void vxBaseListItem::operator delete(void* aBlock, size_t aSize) {
 vxBaseList::~vxBaseList() {
     CloseIterators();
     while (mBegin != NULL) {
+        // An item that goes may itself take others out of the list, which therefore stays whole.
         vxBaseListItem* theItem = mBegin;
-        mBegin = theItem->mNext;
+        theItem->Remove(this);
         delete theItem;
     }
 }
