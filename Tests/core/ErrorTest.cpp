@@ -325,6 +325,22 @@ TEST(ErrorTest, WritingAsJSONKeepsTheOtherMembers) {
     EXPECT_STREQ(theDocument.GetRawValue(), "{\"id\":7,\"code\":5,\"message\":\"x\"}");
 }
 
+TEST(ErrorTest, WritingAsJSONReplacesAnOlderHistory) {
+    for (const char* theText : {"{\"previous\":5}", "{\"previous\":{\"message\":\"old\"}}"}) {
+        SCOPED_TRACE(theText);
+        vxtest::Reports theReports;
+        vxJSONDocument theDocument(theText);
+        vxJSONObject theObject = theDocument.AsObject();
+        vxError theError(1, "");
+        theError.ConvertTo(2, "", NULL);
+
+        theError.ToJSON(theObject);
+
+        EXPECT_STREQ(theDocument.GetRawValue(), "{\"code\":2,\"previous\":{\"code\":1}}");
+        EXPECT_THAT(theReports.Assertions(), testing::IsEmpty());
+    }
+}
+
 TEST(ErrorTest, ReadsBackTheChainThatWasWritten) {
     vxError theError;
 
@@ -386,6 +402,33 @@ TEST(ErrorTest, LinkReadsItselfAndNotItsHistory) {
 
     EXPECT_STREQ(theInfo.ToString(), " (error: 2 'm')");
     EXPECT_STREQ(theInfo.ToShortString(), "2: m");
+}
+
+TEST(ErrorTest, LinkAnswersAsItsError) {
+    char theModule[] = "File";
+    const vxError::vxErrorInfo theInfo(-3, "not found", theModule);
+    theModule[0] = 'X';
+    EXPECT_STREQ(theInfo.ToString(), " (error: -3 [File] 'not found')");
+    EXPECT_STREQ(theInfo.ToShortString(), "-3: not found");
+
+    vxError theFound;
+    EXPECT_FALSE(theInfo.FetchModuleError("Xile", theFound));
+    ASSERT_TRUE(theInfo.FetchModuleError("File", theFound));
+    EXPECT_EQ(TextOf(theFound), " (error: -3 [File] 'not found')");
+
+    vxJSONObject theObject;
+    vxError::vxErrorInfo(5, "", NULL).ToJSON(theObject);
+    EXPECT_STREQ(theObject.GetRawValue(), "{\"code\":5}");
+}
+
+TEST(ErrorTest, LinkIsAssignedWithoutLosingItsModule) {
+    vxError::vxErrorInfo theInfo(1, "one", "File");
+    const vxError::vxErrorInfo& theAlias = theInfo;
+    theInfo = theAlias;
+    EXPECT_STREQ(theInfo.ToString(), " (error: 1 [File] 'one')");
+
+    theInfo = vxError::vxErrorInfo(2, "two", NULL);
+    EXPECT_STREQ(theInfo.ToString(), " (error: 2 'two')");
 }
 
 TEST(ErrorTest, MillionErrorsAreCopiedPrintedReadAndDestroyedOnASmallStack) {

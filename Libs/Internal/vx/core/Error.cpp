@@ -119,6 +119,7 @@ void vxError::vxErrorInfo::ToJSON(vxJSONObject& anObject) const {
             theObject.Set("module", theInfo->mModule);
         }
         if (theInfo->mPrevious != NULL) {
+            theObject.Remove("previous");
             theObject = theObject.AddObject("previous");
         }
     }

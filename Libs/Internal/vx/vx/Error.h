@@ -125,8 +125,8 @@ public:
     vxCString ToShortString() const { return mError.ToShortString(); }
 
     /// Adds the members "code" always, "message" unless it is empty, "module" when one is set, and
-    /// "previous", an object of the same form, when there is a history. A handle on nothing gets an
-    /// object of its own.
+    /// "previous", an object of the same form, when there is a history. What the object has under a
+    /// name that is written is replaced. A handle on nothing gets an object of its own.
     ///
     /// Asserts:  vxJSON_Is(mEntry, kvxJSON_Object), of a handle on another node; nothing is written.
     void ToJSON(vxJSONObject& anObject) const { mError.ToJSON(anObject); }
