@@ -11,6 +11,7 @@
 #include <thread>
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <syslog.h>
 #include <unistd.h>
@@ -53,6 +54,20 @@ private:
     }
 
     std::string mPath;
+};
+
+// While it lives, no file can be opened.
+class NoDescriptors {
+public:
+    NoDescriptors() {
+        getrlimit(RLIMIT_NOFILE, &mOld);
+        const rlimit theLimit = {0, mOld.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &theLimit);
+    }
+    ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &mOld); }
+
+private:
+    rlimit mOld;
 };
 
 void LogTo(int aLevel, vxLogModule aModule, const char* aText) {
@@ -431,6 +446,40 @@ TEST(LogTest, FileThatCannotBeRenamedIsEmptiedInstead) {
     LogTo(VXLOGLEVEL_ERROR, 1, "2");
 
     EXPECT_EQ(WithoutTime(theFile.Text()), "error 1 Source.cpp:12: 2\n");
+}
+
+TEST(LogTest, FileThatCannotBeBegunIsTriedAgainWithTheNextRecord) {
+    LogFile theFile;
+    ASSERT_TRUE(vxLog_SetFile(theFile.Path(), 50));
+    testing::internal::CaptureStderr();
+
+    LogTo(VXLOGLEVEL_ERROR, 1, "1");
+    {
+        const NoDescriptors theLimit;
+        LogTo(VXLOGLEVEL_ERROR, 1, "2");
+        LogTo(VXLOGLEVEL_ERROR, 1, "3");
+    }
+    LogTo(VXLOGLEVEL_ERROR, 1, "4");
+
+    const std::string theText = testing::internal::GetCapturedStderr();
+    ASSERT_EQ(theText.size(), 98u);
+    EXPECT_EQ(WithoutTime(theText.substr(0, 49)), "error 1 Source.cpp:12: 2\n");
+    EXPECT_EQ(WithoutTime(theText.substr(49)), "error 1 Source.cpp:12: 3\n");
+    EXPECT_EQ(WithoutTime(theFile.OldText()), "error 1 Source.cpp:12: 1\n");
+    EXPECT_EQ(WithoutTime(theFile.Text()), "error 1 Source.cpp:12: 4\n");
+}
+
+TEST(LogTest, LimitHoldsForAFileOfMoreThanFourGigabytes) {
+    LogFile theFile;
+    std::ofstream(theFile.Path()).put('x');
+    ASSERT_EQ(truncate64(theFile.Path(), 4294967306), 0);
+    ASSERT_TRUE(vxLog_SetFile(theFile.Path(), 98));
+
+    LogTo(VXLOGLEVEL_ERROR, 1, "1");
+
+    struct stat64 theStat;
+    ASSERT_EQ(stat64(theFile.Path(), &theStat), 0);
+    EXPECT_EQ(theStat.st_size, 49);
 }
 
 TEST(LogTest, FileThatCannotBeOpenedLeavesStandardError) {

@@ -14,6 +14,7 @@
 #include <syslog.h>
 #include <time.h>
 #include <unistd.h>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -107,7 +108,8 @@ bool vxOpenFile(size_t aMaxSize) {
         vxCloseFile();
         return false;
     }
-    sFileSize = static_cast<size_t>(theStat.st_size);
+    sFileSize = static_cast<size_t>(
+        std::min(static_cast<uint64_t>(theStat.st_size), static_cast<uint64_t>(SIZE_MAX)));
     sFileMaxSize = S_ISREG(theStat.st_mode) ? aMaxSize : 0;
     return true;
 }
@@ -125,8 +127,12 @@ void vxRotateFile() {
 }
 
 bool vxWriteToFile(const std::string& aLine) {
-    const bool fIsFull = sFileSize > 0 && sFileSize + aLine.size() > sFileMaxSize;
-    if (sFileMaxSize > 0 && fIsFull) {
+    // A file that could not be begun is tried again with each record.
+    if (sFile == -1 && !vxOpenFile(sFileMaxSize)) {
+        return false;
+    }
+    const size_t theRoom = sFileMaxSize - std::min(sFileSize, sFileMaxSize);
+    if (sFileMaxSize > 0 && sFileSize > 0 && aLine.size() > theRoom) {
         vxRotateFile();
     }
     if (sFile == -1 || !vxWriteAll(sFile, aLine)) {
