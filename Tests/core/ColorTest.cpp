@@ -140,6 +140,15 @@ TEST(ColorTest, ConvertsToHueSaturationAndValue) {
     }
 }
 
+TEST(ColorTest, HueJustBelowTheFullCircleRoundsUpToIt) {
+    vxRGBColor theColor(255, 0, 0);
+    theColor.mBlue = 6;
+    EXPECT_EQ(PartsOf(theColor.ToHSV()), (Parts{35999, 65535, 65535}));
+    theColor.mBlue = 5;
+    EXPECT_EQ(PartsOf(theColor.ToHSV()), (Parts{36000, 65535, 65535}));
+    EXPECT_EQ(PartsOf(theColor.ToHSV().ToRGB()), (Parts{65535, 0, 0}));
+}
+
 TEST(ColorTest, ConvertsToRedGreenAndBlue) {
     struct Case {
         Parts mHSV;

@@ -19,6 +19,7 @@ namespace {
 using Items = std::vector<std::string>;
 
 bool sfNoMemory = false;
+std::vector<size_t> sSizes;  // what was allocated, in order
 
 Items ItemsOf(const vxStringList& aList) {
     Items theItems;
@@ -60,9 +61,11 @@ Items SplitModel(const std::string& aText, char aSeparator, char anEscape) {
 // The allocation of the platform, which fails on demand.
 extern "C" {
 void* vxMalloc(size_t aSize) {
+    sSizes.push_back(aSize);
     return sfNoMemory ? NULL : malloc(aSize + 1);
 }
 void* vxRealloc(void* aPtr, size_t aSize) {
+    sSizes.push_back(aSize);
     return sfNoMemory ? NULL : realloc(aPtr, aSize + 1);
 }
 }
@@ -482,6 +485,64 @@ TEST(StringListTest, CommaIsTheSeparatorOfACSVList) {
     vxCSVStringList theOther("x");
     theOther.Set("a;b", ';', 0);
     EXPECT_THAT(ItemsOf(theOther), ElementsAre("a", "b"));
+}
+
+TEST(StringListTest, SplittingCostsTwoBlocksHoweverManyItemsThereAre) {
+    const std::string theText(9999, ',');
+    sSizes.clear();
+
+    const vxStringList theList(theText.c_str(), ',', 0);
+
+    EXPECT_EQ(theList.GetCount(), 10000u);
+    EXPECT_THAT(sSizes, ElementsAre(10000, 10000 * sizeof(size_t)));
+}
+
+TEST(StringListTest, BlocksGrowByExactlyWhatIsNeeded) {
+    vxStringList theList = ListOf("a,b");
+    sSizes.clear();
+
+    theList.Add("cd");
+    theList.Prepend("e");
+
+    EXPECT_THAT(sSizes, ElementsAre(7, 3 * sizeof(size_t), 9, 4 * sizeof(size_t)));
+}
+
+TEST(StringListTest, BytesInUseAreThoseAfterUnescaping) {
+    vxStringList theList("a\\,b,c", ',', '\\');
+    sSizes.clear();
+
+    theList.Add("d");
+
+    EXPECT_THAT(sSizes, ElementsAre(8, 3 * sizeof(size_t)));
+}
+
+TEST(StringListTest, BytesOfARemovedItemStayUntilTheNextSet) {
+    vxStringList theList = ListOf("a,b");
+    const char* theItem = theList.GetAt(1);
+    sSizes.clear();
+
+    theList.RemoveAt(0);
+    EXPECT_EQ(theList.GetAt(0), theItem);
+    EXPECT_THAT(sSizes, IsEmpty());
+    theList.Add("cd");
+    EXPECT_THAT(sSizes, ElementsAre(7, 2 * sizeof(size_t)));
+
+    sSizes.clear();
+    theList.Set("x", ',', 0);
+    EXPECT_THAT(sSizes, ElementsAre(2, sizeof(size_t)));
+}
+
+// The string's own few bytes come beside the text.
+TEST(StringListTest, JoinedTextIsBuiltOnceAndNotCopied) {
+    const std::string theText = std::string(5000, 'x') + "\\," + std::string(5000, 'y') + ",z";
+    const vxStringList theList(theText.c_str(), ',', '\\');
+    const auto fIsText = [](size_t aSize) { return aSize > 1000; };
+    for (const char theEscape : {'\0', '\\'}) {
+        sSizes.clear();
+        const vxCString theJoined = theList.GetString(theEscape);
+        EXPECT_EQ(theJoined.length(), theEscape == '\0' ? 10003u : 10004u);
+        EXPECT_EQ(std::count_if(sSizes.begin(), sSizes.end(), fIsText), 1);
+    }
 }
 
 TEST(StringListTest, FailedAllocationLeavesTheListAlone) {

@@ -34,6 +34,9 @@ struct VX_EXPORT vxRGBColor : vxColor {
     vxCSVStringList ToCSVString() const;
 
     /// Converts to hue, saturation and value, rounding to nearest; greys have no hue.
+    ///
+    /// A hue less than half a hundredth of a degree below the full circle becomes 36000, which means
+    /// the same as 0. Colors of 8-bit parts never come that close.
     vxHSVColor ToHSV() const;
 
     uint16_t mRed = 0;    ///< full scale 65535
