@@ -199,6 +199,7 @@ TEST_F(CLIManagerTest, HelpListsModulesOnceInTheOrderOfRegistration) {
               "    network,net\n"
               "    zoo\n"
               "    abc,a\n");
+    EXPECT_EQ(HelpOf("help ''"), HelpOf("help"));
 }
 
 constexpr char kNetHelp[] =
@@ -277,6 +278,17 @@ TEST_F(CLIManagerTest, HelpInsideAModuleWithBlanksInItsName) {
     EXPECT_EQ(HelpOf("help"), "    go : go on\n");
 }
 
+TEST_F(CLIManagerTest, HelpInsideAModuleWithQuotesInItsName) {
+    for (const char* theName : {"'quoted'", "\"doubly\"", "it's", "6\""}) {
+        SCOPED_TRACE(theName);
+        AddModule(theName);
+        EXPECT_TRUE(mManager->Parse(vxCString("!") + theName)->IsValid());
+        EXPECT_STREQ(mManager->GetActiveModuleName(), theName);
+        EXPECT_EQ(HelpOf("help"), "    go : go on\n");
+        EXPECT_EQ(ErrorOf("help x"), "ERROR: Too many parameters");
+    }
+}
+
 TEST_F(CLIManagerTest, InternalCommandsNeedNoModule) {
     const vxRef<vxCLICommandSet> theInternal = new vxCLICommandSet;
     theInternal->Add("about,version", "(topic:str)", "tell the version");
@@ -331,6 +343,20 @@ TEST_F(CLIManagerTest, ASetWithErrorsIsNotRegistered) {
               "  bad:\n    stop:     Invalid type description: 'int' in 'x:int'\n\n");
     EXPECT_EQ(ErrorOf("bad go"),
               "ERROR: Unknown module 'bad'. Type 'help' to display the list of modules");
+}
+
+TEST_F(CLIManagerTest, AnInternalSetWithErrorsIsNotRegistered) {
+    vxtest::Reports theReports;
+    const vxRef<vxCLICommandSet> theSet = new vxCLICommandSet;
+    theSet->Add("about", "", "");
+    theSet->Add("stop", "x:int", "");
+    EXPECT_FALSE(mManager->Add(theSet));
+    EXPECT_EQ(theReports.Console(),
+              "  [empty]:\n    stop:     Invalid type description: 'int' in 'x:int'\n\n");
+    EXPECT_THAT(theReports.LogTexts(), ElementsAre(theReports.Console()));
+    EXPECT_EQ(ErrorOf("about"),
+              "ERROR: Unknown module 'about'. Type 'help' to display the list of modules");
+    EXPECT_EQ(theSet->_GetRefCount(), 1);
 }
 
 TEST_F(CLIManagerTest, ANullSetIsReported) {

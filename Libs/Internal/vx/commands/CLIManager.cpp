@@ -44,9 +44,9 @@ vxCString vxTabsAsBlanks(const vxCString& aText) {
     return theText;
 }
 
-// A word as one types it: in quotes when it has blanks.
+// A word as one types it: in quotes when it has blanks, or quotes of its own.
 vxCString vxQuoted(const vxCString& aWord) {
-    if (aWord.Find(' ') == vxCString::npos) {
+    if (aWord.FindFirstOf(" \"'") == vxCString::npos) {
         return aWord;
     }
     const char theQuote = aWord.Find('"') == vxCString::npos ? '"' : '\'';
