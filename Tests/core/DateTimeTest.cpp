@@ -798,6 +798,14 @@ TEST_F(DateTimeTest, MalformedHeaderDateLeavesTheValueUnchanged) {
     EXPECT_TRUE(theDate.GetValue() == 5250);
 }
 
+TEST_F(DateTimeTest, HeaderDateOfTheSecondBefore1970MakesItInvalid) {
+    vxDateTime theDate = At(5, 250000);
+    EXPECT_FALSE(theDate.ParseRFC1123("Wed, 31 Dec 1969 23:59:59 GMT"));
+    ExpectInvalid(theDate);
+    EXPECT_TRUE(theDate.ParseRFC1123("Wed, 31 Dec 1969 23:59:58 GMT"));
+    EXPECT_EQ(theDate.GetTicks(), -2);
+}
+
 TEST_F(DateTimeTest, ComparesSecondsBeforeSubSecondParts) {
     const vxDateTime theValues[] = {At(-5, 900000), At(5, 0), At(5, 1), At(6, 0)};
     for (int i = 0; i < 4; ++i) {

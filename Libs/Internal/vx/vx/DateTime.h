@@ -213,7 +213,8 @@ public:
 
     /// Reads a date as HTTP headers have it (see vxTime_ParseRFC1123Date()).
     ///
-    /// Fails:    false; the value is unchanged.
+    /// Fails:    false; the value is unchanged. The second before 1970 is false as well, but there
+    ///           the value becomes invalid.
     bool ParseRFC1123(const vxCString& aText);
 
     /// Compare seconds, then sub-second parts.
