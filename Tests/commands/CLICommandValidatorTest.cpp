@@ -86,6 +86,7 @@ constexpr HelpCase kHelpCases[] = {
     {"r:...", "r : the help"},
     {"n:ui8:5", "n : the help"},
     {"'two words'", "two words : the help"},
+    {"\"n:ui8\" \"(s:str:two words)\"", "n (s) : the help"},
 };
 
 TEST(CLICommandValidatorTest, ReadsEveryForm) {
@@ -205,6 +206,14 @@ TEST(CLICommandValidatorTest, AnUnsignedByteWithoutARangeEndsAt127) {
     EXPECT_EQ(Verdict("x:ui8[]", "128"), "ERROR: Invalid parameter 1: '128'");
 }
 
+TEST(CLICommandValidatorTest, AnEmptyBoundOfADoubleIsItsLimit) {
+    EXPECT_EQ(Verdict("x:double[5,]", "1.7976931348623157e308"), "ok");
+    EXPECT_EQ(Verdict("x:double[5,]", "5"), "ok");
+    EXPECT_EQ(Verdict("x:double[5,]", "4.9"), "ERROR: Invalid parameter 1: '4.9'");
+    EXPECT_EQ(Verdict("x:double[,5]", "-1.7976931348623157e308"), "ok");
+    EXPECT_EQ(Verdict("x:double[,5]", "5.1"), "ERROR: Invalid parameter 1: '5.1'");
+}
+
 TEST(CLICommandValidatorTest, AReversedRangeAcceptsNothing) {
     EXPECT_EQ(Verdict("x:ui8[9,1]", "5"), "ERROR: Invalid parameter 1: '5'");
 }
@@ -234,6 +243,7 @@ TEST(CLICommandValidatorTest, ANumberWithoutADefaultTakesItsMinimum) {
     EXPECT_EQ(NumberDefault("(n:i8[-5,9])"), -5.0);
     EXPECT_EQ(NumberDefault("(n:i8[,9])"), -128.0);
     EXPECT_EQ(NumberDefault("(n:double[0.5,])"), 0.5);
+    EXPECT_EQ(NumberDefault("(n:double[,0.5])"), -1.7976931348623157e308);
 }
 
 TEST(CLICommandValidatorTest, AnExplicitDefaultStandsBeforeTheRange) {
@@ -247,6 +257,7 @@ TEST(CLICommandValidatorTest, TextDefaultsLoseTheirSingleQuotes) {
     EXPECT_EQ(TextDefault("(s:str)"), "");
     EXPECT_EQ(TextDefault("(s:str:fast)"), "fast");
     EXPECT_EQ(TextDefault("(s:str:'two words')"), "two words");
+    EXPECT_EQ(TextDefault("(s:str:\"two words\")"), "\"two words\"");
     EXPECT_EQ(TextDefault("(s:str:'')"), "");
     EXPECT_EQ(TextDefault("(s:str:')"), "'");
     EXPECT_EQ(TextDefault("(s:str:a:b)"), "a:b");

@@ -206,6 +206,16 @@ TEST(BitStringTest, NullBytesAreNoBytes) {
     EXPECT_EQ(theBits.Get(32), 0u);
 }
 
+TEST(BitStringTest, BytesWhoseBitsASizeCannotCountAreLeftOut) {
+    const uint8_t theByte = 0xab;
+    vxBitString theBits;
+    for (const size_t theExtra : {1, 2, 100}) {
+        theBits.SetBuffer(&theByte, SIZE_MAX / 8 + theExtra);
+        EXPECT_EQ(theBits.GetRemainingBitCount(), SIZE_MAX - 7);
+        EXPECT_EQ(theBits.GetByteOffset(), 0u);
+    }
+}
+
 TEST(BitStringTest, SkippingPastTheEndEmptiesTheReader) {
     const Bytes theBytes(10, 0xff);
     for (const size_t theCount : {size_t{80}, size_t{81}, size_t{100000}, SIZE_MAX}) {
