@@ -87,17 +87,11 @@ struct VX {
     static Tree Clone(Tree aTree) { return vxJSON_Clone(aTree); }
     static bool Same(Tree aTree, Tree aOther) { return vxJSON_Compare(aTree, aOther) == 0; }
     static void TakeApart(Node aNode) {
-        if (vxJSON_Is(aNode, kvxJSON_Array)) {
-            while (vxJSON_t* theChild = vxJSON_DetachItemFromArray(aNode, 0)) {
+        while (vxJSON_t* theChild = vxJSON_DetachItemFromArray(aNode, 0)) {
+            if (vxJSON_Is(theChild, kvxJSON_Array | kvxJSON_Object)) {
                 TakeApart(theChild);
-                vxJSON_Delete(theChild);
             }
-        } else if (vxJSON_Is(aNode, kvxJSON_Object)) {
-            while (vxJSON_t* theFirst = vxJSON_GetArrayItem(aNode, 0)) {
-                vxJSON_t* theChild = vxJSON_DetachItemFromObject(aNode, vxJSON_GetName(theFirst));
-                TakeApart(theChild);
-                vxJSON_Delete(theChild);
-            }
+            vxJSON_Delete(theChild);
         }
     }
 };
@@ -139,25 +133,20 @@ void Get(benchmark::State& aState, const BenchmarkDocument& aDocument) {
     Library::Free(theTree);
 }
 
-// How long does it take to give a member a new number?
+// How long does it take to walk from the root to an object and give one of its members a new number?
 template <typename Library>
 void Set(benchmark::State& aState, const BenchmarkDocument& aDocument) {
     const auto theTree = Library::Parse(aDocument.mText);
-    std::vector<typename Library::Node> theObjects;
-    for (const Route& theRoute : ObjectRoutes(aDocument.mName)) {
-        typename Library::Node theNode = Library::Root(theTree);
-        for (const Step& theStep : theRoute) {
-            theNode = Library::Go(theNode, theStep);
-        }
-        theObjects.push_back(theNode);
-    }
+    const std::vector<Route> theRoutes = ObjectRoutes(aDocument.mName);
     const char* theName = SetMember(aDocument.mName);
     size_t theIndex = 0;
     for (auto _ : aState) {
-        Library::Set(theObjects[theIndex % theObjects.size()], theName, static_cast<int>(theIndex));
-        ++theIndex;
+        typename Library::Node theNode = Library::Root(theTree);
+        for (const Step& theStep : theRoutes[theIndex % theRoutes.size()]) {
+            theNode = Library::Go(theNode, theStep);
+        }
+        Library::Set(theNode, theName, static_cast<int>(theIndex++));
     }
-    theObjects.clear();
     Library::Free(theTree);
 }
 

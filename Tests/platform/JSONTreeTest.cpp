@@ -226,7 +226,10 @@ TEST(JSONTreeTest, MembersAreFoundByPositionToo) {
     const Tree theTree = Parse("{\"a\":1,\"b\":2}");
     EXPECT_STREQ(vxJSON_GetName(vxJSON_GetArrayItem(theTree.get(), 1)), "b");
     EXPECT_EQ(vxJSON_GetArrayItem(theTree.get(), 2), nullptr);
-    EXPECT_EQ(vxJSON_DetachItemFromArray(theTree.get(), 0), nullptr);
+    EXPECT_EQ(vxJSON_DetachItemFromArray(theTree.get(), 2), nullptr);
+    const Tree theMember(vxJSON_DetachItemFromArray(theTree.get(), 0));
+    EXPECT_STREQ(vxJSON_GetName(theMember.get()), "a");
+    EXPECT_EQ(Print(theTree), "{\"b\":2}");
 }
 
 TEST(JSONTreeTest, NamesMayComeFromTheItemOrFromWhatItReplaces) {
@@ -340,6 +343,13 @@ TEST(JSONTreeTest, LargeObjectsFollowAModelThroughEveryEdit) {
                 }
                 break;
             case 3:
+                if (!theModel.empty() && theRandom() % 4 == 0) {
+                    const size_t theIndex = theRandom() % theModel.size();
+                    vxJSON_Delete(
+                        vxJSON_DetachItemFromArray(theRoot, static_cast<uint32_t>(theIndex)));
+                    theModel.erase(theModel.begin() + static_cast<ptrdiff_t>(theIndex));
+                    break;
+                }
                 vxJSON_DeleteItemFromObject(theRoot, theName.c_str());
                 if (theFound != theModel.end()) {
                     theModel.erase(theFound);

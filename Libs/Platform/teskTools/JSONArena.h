@@ -3,26 +3,10 @@
 // Where the nodes of one reading, decoding or cloning come from.
 //
 // Cells are cut one behind the other from slabs of at most 16 KB, in the order of the walk, so a
-// tree that was read is walked along memory. A slab only knows how many of its cells live: a cell
-// that is freed, in whatever thread, takes one off, and the last one frees the slab. Nodes that a
-// program makes one by one are heap blocks instead, so a tree that is edited for long does not
-// hold on to slabs.
+// tree that was read is walked along memory. Nodes that a program makes one by one are heap blocks
+// instead, so a tree that is edited for long does not hold on to slabs.
 
-#include "JSONNode.h"
-
-// Under a sanitizer each cell is a heap block, so that leaks and overruns show.
-#if defined(__SANITIZE_ADDRESS__)
-#define VX_JSON_PLAIN_CELLS 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define VX_JSON_PLAIN_CELLS 1
-#endif
-#endif
-
-struct vxJSONSlab {
-    uint32_t mLive;  // atomic once the arena is sealed
-    uint32_t mUnused;
-};
+#include "JSONCells.h"
 
 constexpr size_t kvxSlabMin = 128;
 constexpr size_t kvxSlabMax = 16384 - 16;  // with malloc's own words a round block
@@ -120,11 +104,11 @@ private:
         return theNode;
     }
 
-    char* mPos;         // next cell
-    size_t mLeft;       // bytes from there to the slab's end
-    vxJSONSlab* mSlab;  // null: none is open
-    uint32_t mLive;     // cells cut from it
-    size_t mNextSize;   // of the next slab
+    char* mPos;                      // next cell
+    size_t mLeft;                    // bytes from there to the slab's end
+    vxJSONSlab* mSlab;               // null: none is open
+    uint32_t mLive;                  // cells cut from it
+    size_t mNextSize;                // of the next slab
     [[maybe_unused]] size_t mLimit;  // bytes that slabs may still take
 };
 

@@ -179,6 +179,11 @@ bool vxSameNumber(const vxJSON_t* aNode, const vxJSON_t* anOther) {
 
 // ---- Comparing trees
 
+/// Same kind and same value words: equal, whatever the words mean.
+bool vxAreAlike(const vxJSON_t* aNode, const vxJSON_t* anOther) {
+    return ((aNode->mHead ^ anOther->mHead) & kvxKindMask) == 0 && aNode->mValue == anOther->mValue;
+}
+
 bool vxSameText(const vxJSONText& aText, const vxJSONText& anOther) {
     return aText.mLength == anOther.mLength &&
            memcmp(aText.mData, anOther.mData, aText.mLength) == 0;
@@ -230,7 +235,7 @@ private:
             aRun.mOther = vxNext(theOther);
             --aRun.mCount;
             if (!vxIsContainer(theNode)) {
-                if (!CompareLeaf(theNode, theOther)) {
+                if (!vxAreAlike(theNode, theOther) && !CompareLeaf(theNode, theOther)) {
                     return false;
                 }
                 continue;

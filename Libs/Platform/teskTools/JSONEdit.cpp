@@ -8,14 +8,16 @@
 #include <cstdlib>
 #include <initializer_list>
 
+#include "JSONKey.h"
 #include "JSONNode.h"
 
 namespace {
 
-// Below this many children, or steps to the one wanted, walking costs less than an index.
-constexpr uint32_t kvxWalkLimit = 12;
+// Up to this many steps, walking costs less than an index.
+constexpr uint32_t kvxWalkToItem = 4;
+constexpr uint32_t kvxWalkToName = 8;
 
-// Longer walks that a container answers before it gets an index.
+// Longer walks that a container takes before it gets an index.
 constexpr uint64_t kvxFreeLookups = 3;
 
 bool vxIsKind(const vxJSON_t* aNode, vxJSONKind aKind) {
@@ -115,7 +117,7 @@ vxJSON_t* vxChildAt(const vxJSON_t* aContainer, uint32_t anIndex) {
     if (anIndex == theChildren.mCount - 1) {
         return theChildren.mLast;
     }
-    if (anIndex < kvxWalkLimit) {
+    if (anIndex < kvxWalkToItem) {
         return vxWalkTo(theChildren, anIndex);
     }
     const vxJSONTable* theTable = vxTable(aContainer, vxJSONOrder::kByPosition);
@@ -128,54 +130,52 @@ vxJSON_t* vxChildAt(const vxJSON_t* aContainer, uint32_t anIndex) {
 
 /// As vxChildAt(), with the sibling in front of it.
 vxJSONLocation vxLocateItem(const vxJSON_t* anArray, uint32_t anIndex) {
-    vxJSON_t* theNode = vxChildAt(anArray, anIndex);
-    if (theNode == nullptr) {
+    const vxJSONChildren theChildren = vxChildren(anArray);
+    if (anIndex >= theChildren.mCount) {
         return {nullptr, nullptr};
     }
-    if (anIndex == 0) {
-        return {theNode, vxChildren(anArray).mLast};
-    }
-    return {theNode, vxChildAt(anArray, anIndex - 1)};
+    vxJSON_t* thePrevious = anIndex == 0 ? theChildren.mLast : vxChildAt(anArray, anIndex - 1);
+    return {vxNext(thePrevious), thePrevious};
 }
 
 vxJSONLocation vxWalkToName(const vxJSON_t* anObject, const vxJSONChildren& aChildren,
-                            const char* aName, size_t aLength) {
-    vxJSON_t* thePrevious = aChildren.mLast;
-    for (uint32_t i = 0; i < aChildren.mCount; ++i) {
-        vxJSON_t* theNode = vxNext(thePrevious);
-        if (vxHasName(theNode, aName, aLength)) {
-            if (i >= kvxWalkLimit) {
-                vxCountLookup(anObject, vxJSONOrder::kByName);
-            }
-            return {theNode, thePrevious};
-        }
-        thePrevious = theNode;
+                            const vxJSONKey& aKey) {
+    if (aChildren.mLast == nullptr) {
+        return {nullptr, nullptr};
     }
-    if (aChildren.mCount > kvxWalkLimit) {
+    uint32_t theSteps = 0;
+    vxJSON_t* thePrevious = aChildren.mLast;
+    vxJSON_t* theNode = vxNext(thePrevious);
+    while (!aKey.Matches(theNode)) {
+        ++theSteps;
+        thePrevious = theNode;
+        if (theNode == aChildren.mLast) {
+            theNode = nullptr;
+            break;
+        }
+        theNode = vxNext(theNode);
+    }
+    if (theSteps > kvxWalkToName) {
         vxCountLookup(anObject, vxJSONOrder::kByName);
     }
-    return {nullptr, nullptr};
-}
-
-vxJSONLocation vxLocateMember(const vxJSON_t* anObject, const char* aName, size_t aLength) {
-    const vxJSONChildren theChildren = vxChildren(anObject);
-    const vxJSONTable* theTable =
-        theChildren.mCount > kvxWalkLimit ? vxTable(anObject, vxJSONOrder::kByName) : nullptr;
-    if (theTable == nullptr) {
-        return vxWalkToName(anObject, theChildren, aName, aLength);
-    }
-    vxJSONLocation theLocation = vxTable_Find(theTable, aName, aLength);
-    if (theLocation.mNode != nullptr && theLocation.mNode == vxNext(theChildren.mLast)) {
-        theLocation.mPrevious = theChildren.mLast;
-    }
-    return theLocation;
+    return {theNode, thePrevious};
 }
 
 vxJSONLocation vxLocateMember(const vxJSON_t* anObject, const char* aName) {
     if (!vxIsKind(anObject, vxJSONKind::kObject) || aName == nullptr) {
         return {nullptr, nullptr};
     }
-    return vxLocateMember(anObject, aName, strlen(aName));
+    const vxJSONKey theKey(aName);
+    const vxJSONTable* theTable = vxTable(anObject, vxJSONOrder::kByName);
+    const vxJSONChildren theChildren = vxChildren(anObject);
+    if (theTable == nullptr) {
+        return vxWalkToName(anObject, theChildren, theKey);
+    }
+    vxJSONLocation theLocation = vxTable_Find(theTable, theKey);
+    if (theLocation.mNode != nullptr && theLocation.mNode == vxNext(theChildren.mLast)) {
+        theLocation.mPrevious = theChildren.mLast;
+    }
+    return theLocation;
 }
 
 // ---- Linking
@@ -255,6 +255,32 @@ void vxAppend(vxJSON_t* aContainer, vxJSON_t* anItem) {
 
 // An edit of an object goes by name and does not know the position: it drops that table.
 
+void vxDropPositions(vxJSON_t* aContainer) {
+    if (vxKind(aContainer) == vxJSONKind::kObject) {
+        vxDropTable(aContainer, vxJSONOrder::kByPosition);
+    }
+}
+
+void vxFollowRemove(vxJSON_t* aContainer, uint32_t anIndex, const vxJSONLocation& aLocation) {
+    vxDropPositions(aContainer);
+    for (const vxJSONOrder theOrder : {vxJSONOrder::kByPosition, vxJSONOrder::kByName}) {
+        vxJSONTable* theTable = vxTable(aContainer, theOrder);
+        if (theTable != nullptr) {
+            vxTable_Removed(theTable, anIndex, aLocation.mPrevious, aLocation.mNode);
+        }
+    }
+}
+
+void vxFollowReplace(vxJSON_t* aContainer, uint32_t anIndex, vxJSON_t* anOld, vxJSON_t* anItem) {
+    vxDropPositions(aContainer);
+    for (const vxJSONOrder theOrder : {vxJSONOrder::kByPosition, vxJSONOrder::kByName}) {
+        vxJSONTable* theTable = vxTable(aContainer, theOrder);
+        if (theTable != nullptr) {
+            vxTable_Replaced(theTable, anIndex, anOld, anItem);
+        }
+    }
+}
+
 vxJSON_t* vxUnlink(vxJSON_t* aContainer, uint32_t anIndex, const vxJSONLocation& aLocation) {
     const vxJSONChildren theChildren = vxChildren(aContainer);
     const bool fAlone = theChildren.mCount == 1;
@@ -262,20 +288,14 @@ vxJSON_t* vxUnlink(vxJSON_t* aContainer, uint32_t anIndex, const vxJSONLocation&
     const bool fLast = aLocation.mNode == theChildren.mLast;
     vxJSON_t* theLast = fLast ? aLocation.mPrevious : theChildren.mLast;
     vxSetChildren(aContainer, fAlone ? nullptr : theLast, theChildren.mCount - 1);
-    if (vxKind(aContainer) == vxJSONKind::kObject) {
-        vxDropTable(aContainer, vxJSONOrder::kByPosition);
-    }
-    for (const vxJSONOrder theOrder : {vxJSONOrder::kByPosition, vxJSONOrder::kByName}) {
-        vxJSONTable* theTable = vxTable(aContainer, theOrder);
-        if (theTable != nullptr) {
-            vxTable_Removed(theTable, anIndex, aLocation.mPrevious, aLocation.mNode);
-        }
+    if (vxBody(aContainer) != nullptr) {
+        vxFollowRemove(aContainer, anIndex, aLocation);
     }
     vxSetNext(aLocation.mNode, nullptr);
     return aLocation.mNode;
 }
 
-/// Puts `anItem` in the place of the located child, which is freed.
+/// Puts `anItem` in the place of the located child, which is a root then.
 void vxReplace(vxJSON_t* aContainer, uint32_t anIndex, const vxJSONLocation& aLocation,
                vxJSON_t* anItem) {
     const vxJSONChildren theChildren = vxChildren(aContainer);
@@ -288,17 +308,10 @@ void vxReplace(vxJSON_t* aContainer, uint32_t anIndex, const vxJSONLocation& aLo
     if (aLocation.mNode == theChildren.mLast) {
         vxSetChildren(aContainer, anItem, theChildren.mCount);
     }
-    if (vxKind(aContainer) == vxJSONKind::kObject) {
-        vxDropTable(aContainer, vxJSONOrder::kByPosition);
-    }
-    for (const vxJSONOrder theOrder : {vxJSONOrder::kByPosition, vxJSONOrder::kByName}) {
-        vxJSONTable* theTable = vxTable(aContainer, theOrder);
-        if (theTable != nullptr) {
-            vxTable_Replaced(theTable, anIndex, aLocation.mNode, anItem);
-        }
+    if (vxBody(aContainer) != nullptr) {
+        vxFollowReplace(aContainer, anIndex, aLocation.mNode, anItem);
     }
     vxSetNext(aLocation.mNode, nullptr);
-    vxJSON_Delete(aLocation.mNode);
 }
 
 bool vxNameItem(vxJSON_t* anItem, const char* aName) {
@@ -337,14 +350,22 @@ int vxJSON_ReplaceItemInObject(vxJSON_t* anObject, const char* aName, vxJSON_t* 
         return 0;
     }
     const vxJSONLocation theOld = vxLocateMember(anObject, aName == nullptr ? "" : aName);
-    if ((theOld.mNode == nullptr && afAdd == 0) || !vxNameItem(anItem, aName)) {
+    if (theOld.mNode == nullptr) {
+        if (afAdd == 0 || !vxNameItem(anItem, aName)) {
+            return 0;
+        }
+        vxAppend(anObject, anItem);
+        return 1;
+    }
+    const bool fLent = vxLendName(anItem, theOld.mNode);
+    if (!fLent && !vxNameItem(anItem, aName)) {
         return 0;
     }
-    if (theOld.mNode == nullptr) {
-        vxAppend(anObject, anItem);
-    } else {
-        vxReplace(anObject, 0, theOld, anItem);
+    vxReplace(anObject, 0, theOld, anItem);
+    if (fLent) {
+        vxForgetName(theOld.mNode);
     }
+    vxJSON_Delete(theOld.mNode);
     return 1;
 }
 
@@ -378,11 +399,12 @@ int vxJSON_ReplaceItemInArray(vxJSON_t* anArray, uint32_t anIndex, vxJSON_t* anI
         return 0;
     }
     vxReplace(anArray, anIndex, theOld, anItem);
+    vxJSON_Delete(theOld.mNode);
     return 1;
 }
 
 vxJSON_t* vxJSON_DetachItemFromArray(vxJSON_t* anArray, uint32_t anIndex) {
-    if (!vxIsKind(anArray, vxJSONKind::kArray)) {
+    if (anArray == nullptr || !vxIsContainer(anArray)) {
         return nullptr;
     }
     const vxJSONLocation theLocation = vxLocateItem(anArray, anIndex);

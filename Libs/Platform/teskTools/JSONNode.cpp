@@ -1,8 +1,7 @@
 // Nodes: how they come, go, are named, and what they hold.
 //
 // Freeing a tree splices the children of each container in front of what is still to be freed, so
-// it needs neither recursion nor a stack. Cells of one slab mostly follow each other on that way;
-// they are counted off together.
+// it needs neither recursion nor a stack.
 
 #include "JSONNode.h"
 
@@ -10,7 +9,7 @@
 
 #include <cstdlib>
 
-#include "JSONArena.h"
+#include "JSONCells.h"
 #include "JSONText.h"
 
 const vxJSONEmptyText kvxEmptyText = {0, {0, 0, 0, 0}};
@@ -20,44 +19,6 @@ namespace {
 uint64_t vxEmptyTextWord() {
     return static_cast<uint64_t>(reinterpret_cast<uintptr_t>(kvxEmptyText.mText));
 }
-
-/// Gives cells back, those of one slab in one step.
-class vxJSONReleaser {
-public:
-    vxJSONReleaser() : mSlab(nullptr), mCount(0) {}
-    ~vxJSONReleaser() { Flush(); }
-
-    void Release(vxJSON_t* aNode) {
-        const uint64_t theOffset = (aNode->mHead >> kvxOffsetShift) & kvxOffsetMask;
-        if (theOffset == 0) {
-            free(aNode);
-            return;
-        }
-        vxJSONSlab* theSlab = reinterpret_cast<vxJSONSlab*>(reinterpret_cast<char*>(aNode) -
-                                                            (static_cast<size_t>(theOffset) << 3));
-        if (theSlab != mSlab) {
-            Flush();
-            mSlab = theSlab;
-        }
-        ++mCount;
-    }
-
-private:
-    void Flush() {
-        if (mSlab == nullptr) {
-            return;
-        }
-        // Who sees no cell but his own is alone with the slab.
-        if (__atomic_load_n(&mSlab->mLive, __ATOMIC_ACQUIRE) == mCount ||
-            __atomic_fetch_sub(&mSlab->mLive, mCount, __ATOMIC_ACQ_REL) == mCount) {
-            free(mSlab);
-        }
-        mCount = 0;
-    }
-
-    vxJSONSlab* mSlab;
-    uint32_t mCount;  // cells of mSlab that are gone
-};
 
 void vxFreeBody(uint64_t aContainerWord) {
     if ((aContainerWord & kvxHasBody) != 0) {
@@ -79,7 +40,6 @@ void vxFreeName(vxJSON_t* aNode) {
 
 /// Frees the nodes of a list that ends with null, and all below them.
 void vxFreeList(vxJSON_t* aFirst) {
-    vxJSONReleaser theReleaser;
     while (aFirst != nullptr) {
         vxJSON_t* theNode = aFirst;
         aFirst = vxNext(theNode);
@@ -93,7 +53,7 @@ void vxFreeList(vxJSON_t* aFirst) {
             vxFreeBody(vxValue(theNode));
         }
         vxFreeName(theNode);
-        theReleaser.Release(theNode);
+        vxFreeCell(theNode);
     }
 }
 
@@ -174,7 +134,7 @@ void vxSetChildren(vxJSON_t* aNode, vxJSON_t* aLast, uint32_t aCount) {
 
 char* vxNewNameBlock(const char* aName, size_t aLength) {
     vxJSONNameBlock* theBlock =
-        static_cast<vxJSONNameBlock*>(vxMalloc(sizeof(vxJSONNameBlock) + aLength + 1));
+        static_cast<vxJSONNameBlock*>(vxMalloc(sizeof(uint32_t) + vxStoredSize(aLength)));
     if (theBlock == nullptr) {
         return nullptr;
     }
@@ -194,15 +154,31 @@ void vxReleaseName(const char* aName) {
 }
 
 vxJSON_t* vxNewNode(vxJSONKind aKind, size_t aTextSize) {
-    const size_t theSize = sizeof(vxJSON_t) + sizeof(const char*) + aTextSize;
-    vxJSON_t* theNode = static_cast<vxJSON_t*>(vxMalloc(theSize));
+    vxJSON_t* theNode =
+        aTextSize == 0
+            ? vxNewSingleCell()
+            : static_cast<vxJSON_t*>(vxMalloc(sizeof(vxJSON_t) + sizeof(const char*) + aTextSize));
     if (theNode != nullptr) {
-        theNode->mHead = static_cast<uint64_t>(aKind);
+        theNode->mHead = static_cast<uint64_t>(aKind) |
+                         (static_cast<uint64_t>(vxJSONPlace::kSlot) << kvxPlaceShift);
         theNode->mValue = 0;
-        vxSetPlace(theNode, vxJSONPlace::kSlot);
         *reinterpret_cast<const char**>(theNode + 1) = nullptr;
     }
     return theNode;
+}
+
+bool vxLendName(vxJSON_t* aNode, const vxJSON_t* aOther) {
+    if (vxPlace(aNode) != vxJSONPlace::kSlot || vxPlace(aOther) != vxJSONPlace::kSlot ||
+        vxName(aNode) != nullptr) {
+        return false;
+    }
+    vxSetNameBlock(aNode, vxName(aOther));
+    vxSetBadBit(aNode, kvxNameIsBad, (aOther->mHead & kvxNameIsBad) != 0);
+    return true;
+}
+
+void vxForgetName(vxJSON_t* aNode) {
+    *reinterpret_cast<const char**>(aNode + 1) = nullptr;
 }
 
 bool vxRename(vxJSON_t* aNode, const char* aName, size_t aLength) {
@@ -270,8 +246,14 @@ void vxJSON_Delete(vxJSON_t* aNode) {
     }
     const bool fLinked = vxIsLinked(aNode);
     VXASSERT_TEXT(!fLinked, "vxJSON_Delete: the node belongs to a tree");
-    if (!fLinked) {
+    if (fLinked) {
+        return;
+    }
+    if (vxIsContainer(aNode)) {
         vxFreeList(aNode);
+    } else {
+        vxFreeName(aNode);
+        vxFreeCell(aNode);
     }
 }
 

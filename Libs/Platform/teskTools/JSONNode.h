@@ -194,30 +194,28 @@ inline vxJSONText vxStringText(const vxJSON_t* aNode) {
     return {theText, vxLength(theText)};
 }
 
-/// Returns the name with its length in front, or null.
-inline const char* vxName(const vxJSON_t* aNode) {
+/// The name of a node that has no room for one behind its words, or null.
+inline const char* vxOuterName(const vxJSON_t* aNode) {
     switch (vxPlace(aNode)) {
-        case vxJSONPlace::kInline:
-            return reinterpret_cast<const char*>(aNode + 1) + sizeof(uint32_t);
         case vxJSONPlace::kSlot:
             return *reinterpret_cast<const char* const*>(aNode + 1);
         case vxJSONPlace::kExtra:
             return vxPointer<vxJSONExtra>(aNode->mValue)->mName;
-        case vxJSONPlace::kNone:
-            break;
+        default:
+            return nullptr;
     }
-    return nullptr;
+}
+
+/// Returns the name with its length in front, or null.
+inline const char* vxName(const vxJSON_t* aNode) {
+    return vxPlace(aNode) == vxJSONPlace::kInline
+               ? reinterpret_cast<const char*>(aNode + 1) + sizeof(uint32_t)
+               : vxOuterName(aNode);
 }
 
 inline vxJSONText vxNameText(const vxJSON_t* aNode) {
     const char* theName = vxName(aNode);
     return theName == nullptr ? vxJSONText{"", 0} : vxJSONText{theName, vxLength(theName)};
-}
-
-inline bool vxHasName(const vxJSON_t* aNode, const char* aName, size_t aLength) {
-    const char* theName = vxName(aNode);
-    return theName != nullptr && vxLength(theName) == aLength &&
-           memcmp(theName, aName, aLength) == 0;
 }
 
 /// Copies short texts without a call; writes and reads exactly `aLength` bytes.
@@ -286,6 +284,11 @@ vxJSON_t* vxNewNode(vxJSONKind aKind, size_t aTextSize);
 inline char* vxTextCell(vxJSON_t* aNode) {
     return reinterpret_cast<char*>(aNode + 1) + sizeof(const char*);
 }
+
+/// Gives a node without a name the name block of one that is to go. False where either has no slot
+/// for one. The other is to forget its name before it goes.
+bool vxLendName(vxJSON_t* aNode, const vxJSON_t* aOther);
+void vxForgetName(vxJSON_t* aNode);
 
 /// Names a node, linked or not. False when memory is out.
 bool vxRename(vxJSON_t* aNode, const char* aName, size_t aLength);

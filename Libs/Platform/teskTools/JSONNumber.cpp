@@ -265,44 +265,111 @@ void vxWriteDigits(char* aTarget, uint64_t aValue, int aCount) {
     }
 }
 
+// ---- Laying out
+
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the first digit is the lowest byte");
+
+/// Seventeen digits as text, the rest of them zeros, in front of which the point is to come.
+struct vxDigits {
+    uint64_t mFirst;   // eight characters
+    uint64_t mSecond;  // the next eight
+    uint64_t mLast;    // the last one
+    int mCount;        // without zeros at the end
+    int mPoint;        // digits in front of the point; none or less: zeros stand there
+};
+
+constexpr uint64_t kvxZeros = 0x3030303030303030u;
+
+/// Spreads a value below 10^8 over eight bytes: halves first, then pairs, then digits.
+uint64_t vxSpread(uint32_t aValue) {
+    uint64_t theValue = aValue / 10000 | static_cast<uint64_t>(aValue % 10000) << 32;
+    const uint64_t theHundreds = ((theValue * 10486) >> 20) & 0x0000007F0000007Fu;
+    theValue = theHundreds | (theValue - 100 * theHundreds) << 16;
+    const uint64_t theTens = ((theValue * 103) >> 10) & 0x000F000F000F000Fu;
+    return theTens | (theValue - 10 * theTens) << 8;
+}
+
+/// Counts the characters up to the last that is not 0.
+int vxCountUsed(uint64_t aSpread) {
+    return 8 - __builtin_clzll(aSpread | 1) / 8;
+}
+
+vxDigits vxSplit(const vxDecimal& aDecimal) {
+    static constexpr uint64_t kvxTens[] = {1,
+                                           10,
+                                           100,
+                                           1000,
+                                           10000,
+                                           100000,
+                                           1000000,
+                                           10000000,
+                                           100000000,
+                                           1000000000,
+                                           10000000000,
+                                           100000000000,
+                                           1000000000000,
+                                           10000000000000,
+                                           100000000000000,
+                                           1000000000000000,
+                                           10000000000000000};
+    const int theCount = vxCountDigits(aDecimal.mDigits);
+    const uint64_t theDigits = aDecimal.mDigits * kvxTens[17 - theCount];
+    const uint64_t theLow = theDigits % 1000000000;
+    const uint64_t theFirst = vxSpread(static_cast<uint32_t>(theDigits / 1000000000));
+    const uint64_t theSecond = vxSpread(static_cast<uint32_t>(theLow / 10));
+    const uint64_t theLast = theLow % 10;
+    const int theUsed = theLast != 0     ? 17
+                        : theSecond != 0 ? 8 + vxCountUsed(theSecond)
+                                         : vxCountUsed(theFirst);
+    return {theFirst | kvxZeros, theSecond | kvxZeros, theLast | '0', theUsed,
+            theCount + aDecimal.mExponent};
+}
+
+/// Writes 24 bytes.
+void vxWriteWords(char* aTarget, uint64_t aFirst, uint64_t aSecond, uint64_t aThird) {
+    memcpy(aTarget, &aFirst, sizeof(aFirst));
+    memcpy(aTarget + 8, &aSecond, sizeof(aSecond));
+    memcpy(aTarget + 16, &aThird, sizeof(aThird));
+}
+
+/// Writes 24 bytes: the digits with the point behind one to seven of them.
+void vxWriteWithPoint(char* aTarget, const vxDigits& aDigits) {
+    const int theShift = 8 * aDigits.mPoint;
+    const uint64_t theWhole = aDigits.mFirst & ((uint64_t{1} << theShift) - 1);
+    const uint64_t theRest = aDigits.mFirst >> theShift << theShift;
+    vxWriteWords(aTarget, theWhole | uint64_t{'.'} << theShift | theRest << 8,
+                 aDigits.mSecond << 8 | aDigits.mFirst >> 56,
+                 aDigits.mLast << 8 | aDigits.mSecond >> 56);
+}
+
 char* vxWriteExponent(char* aTarget, int anExponent) {
     *aTarget++ = 'e';
     *aTarget++ = anExponent < 0 ? '-' : '+';
     return vxWriteUInt(aTarget, static_cast<uint64_t>(anExponent < 0 ? -anExponent : anExponent));
 }
 
-/// Lays out digits of a value that is no 64-bit integer: plain from 1e-6 on if it has a fraction,
-/// else with an exponent.
-char* vxLayOut(char* aTarget, const vxDecimal& aDecimal) {
-    const int theCount = vxCountDigits(aDecimal.mDigits);
-    const int thePoint = theCount + aDecimal.mExponent;  // digits in front of the point
-    if (thePoint > 0 && aDecimal.mExponent < 0) {
-        vxWriteDigits(aTarget + 1, aDecimal.mDigits, theCount);
-        memmove(aTarget, aTarget + 1, static_cast<size_t>(thePoint));
-        aTarget[thePoint] = '.';
+/// Lays out a value that is no 64-bit integer: plain from 1e-6 on if it has a fraction, else with an
+/// exponent.
+char* vxLayOut(char* aTarget, const vxDigits& aDigits) {
+    if (aDigits.mPoint > 0 && aDigits.mPoint < 8 && aDigits.mCount > aDigits.mPoint) {
+        vxWriteWithPoint(aTarget, aDigits);
+        return aTarget + aDigits.mCount + 1;
+    }
+    const size_t theCount = static_cast<size_t>(aDigits.mCount);
+    if (aDigits.mPoint <= 0 && aDigits.mPoint > -6) {
+        memcpy(aTarget, "0.000000", 8);
+        vxWriteWords(aTarget + 2 - aDigits.mPoint, aDigits.mFirst, aDigits.mSecond, aDigits.mLast);
+        return aTarget + 2 - aDigits.mPoint + theCount;
+    }
+    const bool fPlain = aDigits.mPoint > 0 && aDigits.mCount > aDigits.mPoint;
+    const size_t thePoint = fPlain ? static_cast<size_t>(aDigits.mPoint) : 1;
+    vxWriteWords(aTarget + 1, aDigits.mFirst, aDigits.mSecond, aDigits.mLast);
+    memmove(aTarget, aTarget + 1, thePoint);
+    aTarget[thePoint] = '.';
+    if (fPlain) {
         return aTarget + theCount + 1;
     }
-    if (thePoint <= 0 && thePoint > -6) {
-        memcpy(aTarget, "0.000000", 8);
-        vxWriteDigits(aTarget + 2 - thePoint, aDecimal.mDigits, theCount);
-        return aTarget + 2 - thePoint + theCount;
-    }
-    vxWriteDigits(aTarget + 1, aDecimal.mDigits, theCount);
-    aTarget[0] = aTarget[1];
-    aTarget[1] = '.';
-    return vxWriteExponent(aTarget + (theCount == 1 ? 1 : theCount + 1), thePoint - 1);
-}
-
-/// Ends digits with one that is not zero.
-void vxDropZeros(vxDecimal& aDecimal) {
-    if (aDecimal.mDigits % 100000000 == 0) {
-        aDecimal.mDigits /= 100000000;
-        aDecimal.mExponent += 8;
-    }
-    while (aDecimal.mDigits % 10 == 0) {
-        aDecimal.mDigits /= 10;
-        ++aDecimal.mExponent;
-    }
+    return vxWriteExponent(aTarget + (theCount == 1 ? 1 : theCount + 1), aDigits.mPoint - 1);
 }
 
 }  // namespace
@@ -388,6 +455,5 @@ char* vxWriteDouble(char* aTarget, double aValue) {
     if (!vxShortest(theBits, theDecimal)) {
         theDecimal = vxShortestOfAll(theMagnitude);
     }
-    vxDropZeros(theDecimal);
-    return vxLayOut(aTarget, theDecimal);
+    return vxLayOut(aTarget, vxSplit(theDecimal));
 }

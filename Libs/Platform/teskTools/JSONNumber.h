@@ -4,8 +4,8 @@
 
 #include <libteskTools/Types.h>
 
-/// Longest text that vxWriteDouble() and vxWriteInteger() write.
-constexpr size_t kvxMaxNumberLength = 32;
+/// Room that the writers below need; what they use of it may be less than what they write to.
+constexpr size_t kvxMaxNumberLength = 40;
 
 /// Gives the double nearest to `aDigits` times ten to the `anExponent`, ties to even.
 ///

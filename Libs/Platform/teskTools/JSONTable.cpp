@@ -10,6 +10,7 @@
 
 #include <cstdlib>
 
+#include "JSONKey.h"
 #include "JSONNode.h"
 
 struct vxJSONTable {
@@ -19,38 +20,63 @@ struct vxJSONTable {
         uint32_t mHash;
     };
 
+    vxJSONOrder mOrder;
     uint32_t mCapacity;  // a power of two by name
     uint32_t mUsed;
     uint32_t mStart;  // by position: items dropped from the front
-    vxJSONOrder mOrder;
-    union {
-        vxJSON_t** mItems;
-        Entry* mEntries;
-    };
+
+    vxJSON_t** Items() { return reinterpret_cast<vxJSON_t**>(this + 1); }
+    vxJSON_t* const* Items() const { return reinterpret_cast<vxJSON_t* const*>(this + 1); }
+    Entry* Entries() { return reinterpret_cast<Entry*>(this + 1); }
+    const Entry* Entries() const { return reinterpret_cast<const Entry*>(this + 1); }
 };
 
 namespace {
 
 using Entry = vxJSONTable::Entry;
 
-uint64_t vxMix(uint64_t aValue) {
-    aValue *= 0x9E3779B97F4A7C15u;
-    return aValue ^ (aValue >> 32);
+/// Both halves of a product, each bit of which depends on many of both factors.
+uint64_t vxFold(uint64_t aLeft, uint64_t aRight) {
+#ifdef __SIZEOF_INT128__
+    __extension__ typedef unsigned __int128 Wide;
+    const Wide theProduct = static_cast<Wide>(aLeft) * aRight;
+    return static_cast<uint64_t>(theProduct) ^ static_cast<uint64_t>(theProduct >> 64);
+#else
+    const uint64_t theProduct = (aLeft ^ (aRight >> 32) ^ (aRight << 32)) * 0x9E3779B97F4A7C15u;
+    return theProduct ^ (theProduct >> 32) ^ aRight;
+#endif
+}
+
+template <typename T>
+uint64_t vxLoad(const char* aPtr) {
+    T theWord;
+    memcpy(&theWord, aPtr, sizeof(theWord));
+    return theWord;
 }
 
 uint32_t vxHash(const vxJSONTable* aTable, const char* aName, size_t aLength) {
-    uint64_t theHash = vxMix(vxWord(aTable) ^ aLength);
-    while (aLength >= 8) {
-        uint64_t theWord;
-        memcpy(&theWord, aName, 8);
-        theHash = vxMix(theHash ^ theWord);
-        aName += 8;
-        aLength -= 8;
+    constexpr uint64_t kFirst = 0xA0761D6478BD642Fu;
+    constexpr uint64_t kSecond = 0xE7037ED1A0B428DBu;
+    uint64_t theHash = vxWord(aTable) ^ kFirst;
+    size_t theLeft = aLength;
+    for (; theLeft > 16; theLeft -= 16, aName += 16) {
+        theHash = vxFold(vxLoad<uint64_t>(aName) ^ theHash, vxLoad<uint64_t>(aName + 8) ^ kSecond);
     }
-    uint64_t theRest = 0;
-    vxCopyText(reinterpret_cast<char*>(&theRest), aName, aLength);
-    theHash = vxMix(theHash ^ theRest);
-    return static_cast<uint32_t>(vxMix(theHash) >> 16);
+    // The last words may repeat bytes of the ones before.
+    uint64_t theFirst = 0;
+    uint64_t theLast = 0;
+    if (theLeft >= 8) {
+        theFirst = vxLoad<uint64_t>(aName);
+        theLast = vxLoad<uint64_t>(aName + theLeft - 8);
+    } else if (theLeft >= 4) {
+        theFirst = vxLoad<uint32_t>(aName);
+        theLast = vxLoad<uint32_t>(aName + theLeft - 4);
+    } else if (theLeft > 0) {
+        theFirst = vxLoad<uint8_t>(aName) << 8 | vxLoad<uint8_t>(aName + theLeft / 2);
+        theLast = vxLoad<uint8_t>(aName + theLeft - 1);
+    }
+    theHash = vxFold(theFirst ^ theHash, theLast ^ kSecond ^ aLength << 32);
+    return static_cast<uint32_t>(theHash ^ (theHash >> 32));
 }
 
 uint32_t vxHashOf(const vxJSONTable* aTable, const vxJSON_t* aNode) {
@@ -68,76 +94,74 @@ uint32_t vxAfter(const vxJSONTable* aTable, uint32_t aSlot) {
 
 Entry* vxEntryOf(vxJSONTable* aTable, const vxJSON_t* aNode) {
     uint32_t theSlot = vxHome(aTable, vxHashOf(aTable, aNode));
-    while (aTable->mEntries[theSlot].mNode != aNode) {
+    while (aTable->Entries()[theSlot].mNode != aNode) {
         theSlot = vxAfter(aTable, theSlot);
     }
-    return &aTable->mEntries[theSlot];
+    return &aTable->Entries()[theSlot];
 }
 
 void vxAddEntry(vxJSONTable* aTable, vxJSON_t* aPrevious, vxJSON_t* aNode) {
     const uint32_t theHash = vxHashOf(aTable, aNode);
     uint32_t theSlot = vxHome(aTable, theHash);
-    while (aTable->mEntries[theSlot].mNode != nullptr) {
+    while (aTable->Entries()[theSlot].mNode != nullptr) {
         theSlot = vxAfter(aTable, theSlot);
     }
-    aTable->mEntries[theSlot] = {aNode, aPrevious, theHash};
+    aTable->Entries()[theSlot] = {aNode, aPrevious, theHash};
     ++aTable->mUsed;
 }
 
 /// Moves entries behind a gap into it for as long as their probe path runs through it.
 void vxCloseGap(vxJSONTable* aTable, uint32_t aGap) {
     const uint32_t theMask = aTable->mCapacity - 1;
-    for (uint32_t theSlot = vxAfter(aTable, aGap); aTable->mEntries[theSlot].mNode != nullptr;
+    for (uint32_t theSlot = vxAfter(aTable, aGap); aTable->Entries()[theSlot].mNode != nullptr;
          theSlot = vxAfter(aTable, theSlot)) {
-        const uint32_t theHome = vxHome(aTable, aTable->mEntries[theSlot].mHash);
+        const uint32_t theHome = vxHome(aTable, aTable->Entries()[theSlot].mHash);
         if (((theSlot - theHome) & theMask) >= ((theSlot - aGap) & theMask)) {
-            aTable->mEntries[aGap] = aTable->mEntries[theSlot];
+            aTable->Entries()[aGap] = aTable->Entries()[theSlot];
             aGap = theSlot;
         }
     }
-    aTable->mEntries[aGap].mNode = nullptr;
+    aTable->Entries()[aGap].mNode = nullptr;
 }
 
-bool vxFillPositions(vxJSONTable* aTable, const vxJSONChildren& aChildren) {
-    aTable->mCapacity = aChildren.mCount + aChildren.mCount / 2 + 8;
-    aTable->mItems = static_cast<vxJSON_t**>(vxMalloc(aTable->mCapacity * sizeof(vxJSON_t*)));
-    if (aTable->mItems == nullptr) {
-        return false;
-    }
+void vxFillPositions(vxJSONTable* aTable, const vxJSONChildren& aChildren) {
     vxJSON_t* theNode = aChildren.mLast;
     for (uint32_t i = 0; i < aChildren.mCount; ++i) {
         theNode = vxNext(theNode);
-        aTable->mItems[i] = theNode;
+        aTable->Items()[i] = theNode;
     }
     aTable->mUsed = aChildren.mCount;
-    return true;
 }
 
-bool vxFillNames(vxJSONTable* aTable, const vxJSONChildren& aChildren) {
-    aTable->mCapacity = 16;
-    while (aTable->mCapacity / 4 * 3 <= aChildren.mCount + aChildren.mCount / 4) {
-        aTable->mCapacity *= 2;
-    }
-    aTable->mEntries = static_cast<Entry*>(vxCalloc(aTable->mCapacity * sizeof(Entry)));
-    if (aTable->mEntries == nullptr) {
-        return false;
-    }
+void vxFillNames(vxJSONTable* aTable, const vxJSONChildren& aChildren) {
     vxJSON_t* thePrevious = aChildren.mLast;
     for (uint32_t i = 0; i < aChildren.mCount; ++i) {
         vxJSON_t* theNode = vxNext(thePrevious);
         vxAddEntry(aTable, thePrevious, theNode);
         thePrevious = theNode;
     }
-    return true;
+}
+
+/// Room for some more children than there are.
+size_t vxCapacityFor(uint32_t aCount, vxJSONOrder anOrder) {
+    const size_t theWanted = size_t{aCount} + aCount / 2 + 8;
+    if (anOrder == vxJSONOrder::kByPosition) {
+        return theWanted;
+    }
+    size_t theCapacity = 16;
+    while (theCapacity / 4 * 3 < theWanted) {
+        theCapacity *= 2;
+    }
+    return theCapacity;
 }
 
 void vxShiftItems(vxJSONTable* aTable, uint32_t aFrom, uint32_t aTo, uint32_t aCount) {
-    memmove(aTable->mItems + aTo, aTable->mItems + aFrom, aCount * sizeof(vxJSON_t*));
+    memmove(aTable->Items() + aTo, aTable->Items() + aFrom, aCount * sizeof(vxJSON_t*));
 }
 
 bool vxInsertedItem(vxJSONTable* aTable, uint32_t anIndex, vxJSON_t* aNode) {
     if (anIndex == 0 && aTable->mStart != 0) {
-        aTable->mItems[--aTable->mStart] = aNode;
+        aTable->Items()[--aTable->mStart] = aNode;
         ++aTable->mUsed;
         return true;
     }
@@ -147,7 +171,7 @@ bool vxInsertedItem(vxJSONTable* aTable, uint32_t anIndex, vxJSON_t* aNode) {
     }
     const uint32_t theSlot = aTable->mStart + anIndex;
     vxShiftItems(aTable, theSlot, theSlot + 1, theEnd - theSlot);
-    aTable->mItems[theSlot] = aNode;
+    aTable->Items()[theSlot] = aNode;
     ++aTable->mUsed;
     return true;
 }
@@ -165,38 +189,42 @@ void vxRemovedItem(vxJSONTable* aTable, uint32_t anIndex) {
 }  // namespace
 
 vxJSONTable* vxTable_New(const vxJSON_t* aContainer, vxJSONOrder anOrder) {
-    vxJSONTable* theTable = static_cast<vxJSONTable*>(vxCalloc(sizeof(vxJSONTable)));
+    const vxJSONChildren theChildren = vxChildren(aContainer);
+    const size_t theCapacity = vxCapacityFor(theChildren.mCount, anOrder);
+    const bool fByName = anOrder == vxJSONOrder::kByName;
+    const size_t theSize = fByName ? sizeof(Entry) : sizeof(vxJSON_t*);
+    if (theCapacity > UINT32_MAX || theCapacity > SIZE_MAX / 2 / theSize) {
+        return nullptr;
+    }
+    vxJSONTable* theTable =
+        static_cast<vxJSONTable*>(vxCalloc(sizeof(vxJSONTable) + theCapacity * theSize));
     if (theTable == nullptr) {
         return nullptr;
     }
     theTable->mOrder = anOrder;
-    const vxJSONChildren theChildren = vxChildren(aContainer);
-    const bool fFilled = anOrder == vxJSONOrder::kByName ? vxFillNames(theTable, theChildren)
-                                                         : vxFillPositions(theTable, theChildren);
-    if (!fFilled) {
-        free(theTable);
-        return nullptr;
+    theTable->mCapacity = static_cast<uint32_t>(theCapacity);
+    if (fByName) {
+        vxFillNames(theTable, theChildren);
+    } else {
+        vxFillPositions(theTable, theChildren);
     }
     return theTable;
 }
 
 void vxTable_Delete(vxJSONTable* aTable) {
-    if (aTable != nullptr) {
-        free(aTable->mItems);
-        free(aTable);
-    }
+    free(aTable);
 }
 
 vxJSON_t* vxTable_At(const vxJSONTable* aTable, uint32_t anIndex) {
-    return aTable->mItems[aTable->mStart + anIndex];
+    return aTable->Items()[aTable->mStart + anIndex];
 }
 
-vxJSONLocation vxTable_Find(const vxJSONTable* aTable, const char* aName, size_t aLength) {
-    const uint32_t theHash = vxHash(aTable, aName, aLength);
-    for (uint32_t theSlot = vxHome(aTable, theHash); aTable->mEntries[theSlot].mNode != nullptr;
+vxJSONLocation vxTable_Find(const vxJSONTable* aTable, const vxJSONKey& aKey) {
+    const uint32_t theHash = vxHash(aTable, aKey.Name(), aKey.Length());
+    for (uint32_t theSlot = vxHome(aTable, theHash); aTable->Entries()[theSlot].mNode != nullptr;
          theSlot = vxAfter(aTable, theSlot)) {
-        const Entry& theEntry = aTable->mEntries[theSlot];
-        if (theEntry.mHash == theHash && vxHasName(theEntry.mNode, aName, aLength)) {
+        const Entry& theEntry = aTable->Entries()[theSlot];
+        if (theEntry.mHash == theHash && aKey.Matches(theEntry.mNode)) {
             return {theEntry.mNode, theEntry.mPrevious};
         }
     }
@@ -216,7 +244,7 @@ bool vxTable_Inserted(vxJSONTable* aTable, uint32_t anIndex, vxJSON_t* aPrevious
 
 void vxTable_Replaced(vxJSONTable* aTable, uint32_t anIndex, vxJSON_t* anOld, vxJSON_t* aNode) {
     if (aTable->mOrder == vxJSONOrder::kByPosition) {
-        aTable->mItems[aTable->mStart + anIndex] = aNode;
+        aTable->Items()[aTable->mStart + anIndex] = aNode;
         return;
     }
     vxEntryOf(aTable, anOld)->mNode = aNode;
@@ -229,7 +257,7 @@ void vxTable_Removed(vxJSONTable* aTable, uint32_t anIndex, vxJSON_t* aPrevious,
         return;
     }
     const Entry* theEntry = vxEntryOf(aTable, aNode);
-    vxCloseGap(aTable, static_cast<uint32_t>(theEntry - aTable->mEntries));
+    vxCloseGap(aTable, static_cast<uint32_t>(theEntry - aTable->Entries()));
     --aTable->mUsed;
     if (aTable->mUsed != 0) {
         vxEntryOf(aTable, vxNext(aPrevious))->mPrevious = aPrevious;

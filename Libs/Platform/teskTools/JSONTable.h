@@ -8,6 +8,7 @@
 
 #include <libteskTools/JSON.h>
 
+class vxJSONKey;
 struct vxJSONTable;
 
 /// Where a child is, and the sibling in front of it in the ring.
@@ -27,7 +28,7 @@ vxJSON_t* vxTable_At(const vxJSONTable* aTable, uint32_t anIndex);
 
 /// Finds the first member of a name. The previous sibling of the first child is not up to date: it
 /// is the container's last child.
-vxJSONLocation vxTable_Find(const vxJSONTable* aTable, const char* aName, size_t aLength);
+vxJSONLocation vxTable_Find(const vxJSONTable* aTable, const vxJSONKey& aKey);
 
 // Each is called with the ring as it is after the edit, the names unchanged. The index matters to a
 // table by position, the nodes to one by name. Inserting returns false when the table is full.

@@ -426,7 +426,7 @@ void vxJSONArray::CreateEmpty() {
 }
 
 bool vxJSONArray::Remove(uint32_t anIndex) {
-    vxJSON_t* theNode = vxJSON_DetachItemFromArray(mEntry, anIndex);
+    vxJSON_t* theNode = IsArray() ? vxJSON_DetachItemFromArray(mEntry, anIndex) : NULL;
     vxJSON_Delete(theNode);
     return theNode != NULL;
 }

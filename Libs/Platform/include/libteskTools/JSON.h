@@ -264,7 +264,7 @@ VX_API int vxJSON_InsertItemInArray(vxJSON_t* anArray, uint32_t aPosition, vxJSO
 /// Asserts, Fails, Owner, Cost:  as vxJSON_AddItemToObject(); fails where no item is.
 VX_API int vxJSON_ReplaceItemInArray(vxJSON_t* anArray, uint32_t anIndex, vxJSON_t* anItem);
 
-/// Takes the item at a position out of the array.
+/// Takes the item of an array, or the member of an object, at a position out of it.
 ///
 /// Fails:    null where none is.
 /// Owner:    the caller.
