@@ -54,7 +54,7 @@ function(vx_test aName)
     add_executable(${aName} ${aName}.cpp ${ARG_SOURCES})
     target_link_libraries(${aName} PRIVATE vx_test_support ${ARG_LIBRARIES})
     # The tests themselves need no speed: compiling them is what takes the time.
-    target_compile_options(${aName} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O0 -g1>)
+    target_compile_options(${aName} PRIVATE -O0 -g1)
     add_test(NAME ${theFolder}/${aName} COMMAND ${aName})
     set_tests_properties(${theFolder}/${aName} PROPERTIES TIMEOUT 300)
 endfunction()
