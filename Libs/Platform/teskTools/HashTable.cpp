@@ -3,8 +3,7 @@
 // Every value has a node of its own, which ends with its key. A bucket chains one node per key; the
 // further values of a key hang on that node, so that many values of one key never slow another key
 // down. An array of node pointers keeps the order of insertion: removing leaves a hole there, and
-// the array is packed when holes outnumber nodes. The hash starts from a random value per process:
-// keys come from outside, and nobody shall be able to choose ones that fall into one bucket.
+// the array is packed when holes outnumber nodes.
 
 #include <libteskTools/HashTable.h>
 #include <libteskTools/Memory.h>
@@ -12,8 +11,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <random>
 #include <utility>
+
+#include "TextHash.h"
 
 namespace {
 
@@ -56,38 +56,8 @@ struct vxCustomHashTable : vxHashTable {};
 
 namespace {
 
-uint64_t vxRandomStart() {
-    try {
-        std::random_device theDevice;
-        return (static_cast<uint64_t>(theDevice()) << 32) | theDevice();
-    } catch (...) {
-        return static_cast<uint64_t>(reinterpret_cast<uintptr_t>(&vxRandomStart));
-    }
-}
-
-uint64_t vxMix(uint64_t aState, uint64_t aWord) {
-    const uint64_t theProduct = (aState ^ aWord) * 0x9E3779B97F4A7C15u;
-    return theProduct ^ (theProduct >> 32);
-}
-
-uint32_t vxHashText(const char* aText, size_t aLength) {
-    static const uint64_t sStart = vxRandomStart();
-    uint64_t theState = sStart ^ aLength;
-    while (aLength >= sizeof(uint64_t)) {
-        uint64_t theWord;
-        memcpy(&theWord, aText, sizeof(theWord));
-        theState = vxMix(theState, theWord);
-        aText += sizeof(theWord);
-        aLength -= sizeof(theWord);
-    }
-    uint64_t theRest = 0;
-    memcpy(&theRest, aText, aLength);
-    theState = vxMix(vxMix(theState, theRest), sStart);
-    return static_cast<uint32_t>(theState ^ (theState >> 29));
-}
-
 vxKey vxMakeKey(const char* aText, size_t aLength) {
-    return {aText, aLength, vxHashText(aText, aLength)};
+    return {aText, aLength, vxTextHash(aText, aLength)};
 }
 
 vxKey vxMakeKey(const char* aText) {

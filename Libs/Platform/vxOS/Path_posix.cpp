@@ -11,6 +11,7 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -77,6 +78,21 @@ bool vxIsRemovable(dev_t aDevice) {
 const char* vxEnvironment(const char* aName) {
     const char* theValue = getenv(aName);
     return theValue == nullptr || theValue[0] == '\0' ? nullptr : theValue;
+}
+
+// The directory of the user's settings, or nothing.
+std::string vxUserConfigPath() {
+    const char* thePath = vxEnvironment("XDG_CONFIG_HOME");
+    if (thePath != nullptr && vxPath_IsAbsolute(thePath)) {
+        return thePath;
+    }
+    const char* theHome = vxEnvironment("HOME");
+    return theHome == nullptr ? std::string() : std::string(theHome) + "/.config";
+}
+
+bool vxHoldsFile(const std::string& aDirectory, const char* aFileName) {
+    return vxPath_IsAbsolute(aDirectory.c_str()) &&
+           access((aDirectory + "/" + vxNameOrEmpty(aFileName)).c_str(), F_OK) == 0;
 }
 
 // Copies a text with single separators and returns the end of the copy.
@@ -165,6 +181,27 @@ char* vxPath_GetCacheDirPath(void) {
         return vxStrdup((std::string(theHome) + "/.cache").c_str());
     }
     return vxStrdup("/var/cache");
+}
+
+char* vxPath_GetDefaultConfigPath(const char* aFileName) {
+    if (const char* thePath = vxEnvironment("VXCONFIGPATH")) {
+        return vxStrdup(thePath);
+    }
+    const std::string theUsers = vxUserConfigPath();
+    if (vxHoldsFile(theUsers, aFileName)) {
+        return vxStrdup(theUsers.c_str());
+    }
+    const char* theSystems = vxEnvironment("XDG_CONFIG_DIRS");
+    const std::string theList = theSystems != nullptr ? theSystems : "/etc/xdg";
+    for (size_t thePos = 0; thePos < theList.size();) {
+        const size_t theEnd = std::min(theList.find(':', thePos), theList.size());
+        const std::string thePath = theList.substr(thePos, theEnd - thePos);
+        if (vxHoldsFile(thePath, aFileName)) {
+            return vxStrdup(thePath.c_str());
+        }
+        thePos = theEnd + 1;
+    }
+    return vxStrdup("/etc");
 }
 
 char* vxPath_GetApplicationName(void) {

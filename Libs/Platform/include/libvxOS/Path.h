@@ -48,6 +48,15 @@ VX_API char* vxPath_GetTempDirPath(void);
 /// Threads:  any, as long as none changes the environment.
 VX_API char* vxPath_GetCacheDirPath(void);
 
+/// Returns the directory in which a program's configuration file of this name is looked for.
+///
+/// That is VXCONFIGPATH where it is set. Else it is the first directory that holds the file:
+/// XDG_CONFIG_HOME if that is absolute, else ".config" in HOME; then each absolute directory of
+/// XDG_CONFIG_DIRS, which is a list parted by `:`, else "/etc/xdg". Where none holds it, "/etc".
+///
+/// Threads:  any, as long as none changes the environment.
+VX_API char* vxPath_GetDefaultConfigPath(const char* aFileName);
+
 /// Returns the file name of the running program, without its directory.
 ///
 /// Fails:    the name under which it was started, where the system does not tell.
