@@ -189,6 +189,18 @@ FIELDS_IN_ORDER(vxDirEntry, mName, mfDir, mfHidden);
 FIELDS_IN_ORDER(vxDir, mPathName, mTraverser, mState, mError);
 FIELDS_IN_ORDER(vxTextFile, mFile, mBuffer, mMaxLineLength, mLineLength, mfNeedLF, mfLineTooBig);
 
+// Configuration
+FIELDS_IN_ORDER(vxConfig, mConfigFile);
+SIZE_ON_32_BITS(vxConfig, 8);
+SIZE_ON_32_BITS(vxConfigConfig, 8);
+FIELDS_IN_ORDER(vxConfigMapperInfo, mOptionName, mSectionName, mKeyName, mEntryType, mDefaultValue);
+SIZE_ON_32_BITS(vxConfigMapperInfo, 20);
+FIELDS_IN_ORDER(vxConfigMapper, mInfo, mPropertyList, mSectionPrefix);
+SIZE_ON_32_BITS(vxConfigMapper, 20);
+FIELDS_IN_ORDER(vxConfigManager, mConfigConfigFileName, mReadOnlyPath, mReadWritePath,
+                mfConfigConfigOK, mfConfigDefaultFallback, mConfigHashTable, mMutex);
+FIELDS_IN_ORDER(vxManagedConfig, mConfig, mConfigFileName, mConfigManager);
+
 /// Returns the slot that a pointer to a virtual operation names, counted from 0.
 template <typename Operation>
 int SlotOf(Operation anOperation) {

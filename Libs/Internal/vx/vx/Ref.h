@@ -44,6 +44,24 @@ public:
         mRefCount.fetch_add(1);
     }
 
+    /// Adds a reference unless there is none; false then.
+    ///
+    /// For tables that know objects without holding them: an object whose last reference is gone, but
+    /// which has not left the table yet, cannot come back to life. `aPtr` is as above.
+    bool RetainIfHeld(void* aPtr) {
+        int32_t theCount = mRefCount.load(std::memory_order_relaxed);
+        while (theCount > 0) {
+            if (mRefCount.compare_exchange_weak(theCount, theCount + 1)) {
+                static_cast<void>(aPtr);
+                if (this == sDebugReference) {
+                    DumpDebugReference(this, true);
+                }
+                return true;
+            }
+        }
+        return false;
+    }
+
     /// Drops a reference; dropping the last one calls NotifyRefCountIsNull().
     void Release(void* aPtr) {
         static_cast<void>(aPtr);
