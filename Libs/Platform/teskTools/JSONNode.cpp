@@ -172,8 +172,8 @@ bool vxLendName(vxJSON_t* aNode, const vxJSON_t* aOther) {
         vxName(aNode) != nullptr) {
         return false;
     }
-    vxSetNameBlock(aNode, vxName(aOther));
-    vxSetBadBit(aNode, kvxNameIsBad, (aOther->mHead & kvxNameIsBad) != 0);
+    *reinterpret_cast<const char**>(aNode + 1) = vxName(aOther);
+    aNode->mHead |= aOther->mHead & kvxNameIsBad;
     return true;
 }
 

@@ -75,7 +75,7 @@ uint32_t vxHash(const vxJSONTable* aTable, const char* aName, size_t aLength) {
         theFirst = vxLoad<uint8_t>(aName) << 8 | vxLoad<uint8_t>(aName + theLeft / 2);
         theLast = vxLoad<uint8_t>(aName + theLeft - 1);
     }
-    theHash = vxFold(theFirst ^ theHash, theLast ^ kSecond ^ aLength << 32);
+    theHash = vxFold(theFirst ^ theHash, theLast ^ kSecond ^ static_cast<uint64_t>(aLength) << 32);
     return static_cast<uint32_t>(theHash ^ (theHash >> 32));
 }
 
