@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr uint32_t kvxMaxKept = 32;
+[[maybe_unused]] constexpr uint32_t kvxMaxKept = 32;
 constexpr size_t kvxSingleSize = sizeof(vxJSON_t) + sizeof(const char*);
 
 enum vxThreadState : uint32_t { kUnused, kInUse, kEnded };
@@ -63,20 +63,24 @@ bool vxMayKeep() {
 }
 
 /// Single nodes that hold no text all have the room that another one needs.
-bool vxIsSingle(const vxJSON_t* aNode) {
-    return vxPlace(aNode) == vxJSONPlace::kSlot && vxKind(aNode) != vxJSONKind::kString;
+bool vxIsKept(const vxJSON_t* aNode) {
+#ifdef VX_JSON_PLAIN_CELLS
+    static_cast<void>(aNode);
+    return false;
+#else
+    return vxPlace(aNode) == vxJSONPlace::kSlot && vxKind(aNode) != vxJSONKind::kString &&
+           sCells.mKeptCount < kvxMaxKept && vxMayKeep();
+#endif
 }
 
 void vxFreeBlock(vxJSON_t* aNode) {
-#ifndef VX_JSON_PLAIN_CELLS
-    if (vxIsSingle(aNode) && sCells.mKeptCount < kvxMaxKept && vxMayKeep()) {
-        aNode->mHead = vxWord(sCells.mKept);
-        sCells.mKept = aNode;
-        ++sCells.mKeptCount;
+    if (!vxIsKept(aNode)) {
+        free(aNode);
         return;
     }
-#endif
-    free(aNode);
+    aNode->mHead = vxWord(sCells.mKept);
+    sCells.mKept = aNode;
+    ++sCells.mKeptCount;
 }
 
 }  // namespace
