@@ -69,59 +69,95 @@ char* vxReadPart(const char* aStart, const char* anEnd, char* aTarget, bool afDe
     return aTarget;
 }
 
-/// Reads the parts of a text into an empty list; parts without a byte are none.
-void vxReadParts(vxURI* anURI, const char* aText, bool afDecodePlus) {
-    const size_t theLength = strlen(aText);
-    const size_t theMaxCount = static_cast<size_t>(std::count(aText, aText + theLength, '&')) + 1;
-    // Each part needs at most two NULs in place of its separators.
-    anURI->mQueryTexts = static_cast<char*>(vxMalloc(theLength + 2 * theMaxCount));
+/// Parts without a byte are none.
+size_t vxCountParts(const char* aText, const char* anEnd) {
+    size_t theCount = 0;
+    char theLast = '&';
+    for (; aText != anEnd; ++aText) {
+        theCount += theLast == '&' && *aText != '&' ? 1 : 0;
+        theLast = *aText;
+    }
+    return theCount;
+}
+
+/// Gives a record without parts room for some; false when there is no memory.
+bool vxMakeRoom(vxURI* anURI, size_t aTextsSize, size_t aPartCount) {
+    anURI->mQueryTexts = static_cast<char*>(vxMalloc(aTextsSize));
     anURI->mQueryParts =
-        static_cast<vxURIQueryPart*>(vxMalloc(theMaxCount * sizeof(vxURIQueryPart)));
+        static_cast<vxURIQueryPart*>(vxMalloc(aPartCount * sizeof(vxURIQueryPart)));
     if (anURI->mQueryTexts == NULL || anURI->mQueryParts == NULL) {
         vxDropParts(anURI);
+        return false;
+    }
+    return true;
+}
+
+/// Reads the parts of a text into a record that has none.
+void vxReadParts(vxURI* anURI, const char* aText, bool afDecodePlus) {
+    const size_t theLength = strlen(aText);
+    const char* const theEnd = aText + theLength;
+    const size_t theCount = vxCountParts(aText, theEnd);
+    // Each part needs at most two NULs in place of its separators.
+    if (theCount == 0 || !vxMakeRoom(anURI, theLength + 2 * theCount, theCount)) {
         return;
     }
     char* theTarget = anURI->mQueryTexts;
-    const char* const theEnd = aText + theLength;
-    for (const char* theStart = aText; theStart < theEnd;) {
-        const char* theStop = std::find(theStart, theEnd, '&');
-        if (theStop != theStart) {
-            theTarget = vxReadPart(theStart, theStop, theTarget, afDecodePlus,
+    while (anURI->mQueryPartCount < theCount) {
+        const char* theStop = std::find(aText, theEnd, '&');
+        if (theStop != aText) {
+            theTarget = vxReadPart(aText, theStop, theTarget, afDecodePlus,
                                    &anURI->mQueryParts[anURI->mQueryPartCount++]);
         }
-        theStart = theStop + 1;
+        aText = theStop + 1;
     }
 }
 
-/// Writes the parts of a record so that they can be read again.
-char* vxWriteParts(const vxURI* anURI) {
-    size_t theSize = 1;
-    for (size_t i = 0; i < anURI->mQueryPartCount; ++i) {
-        theSize +=
-            3 * (strlen(anURI->mQueryParts[i].mName) + strlen(anURI->mQueryParts[i].mValue)) + 2;
+size_t vxTextsSize(const vxURI* anURI) {
+    if (anURI->mQueryPartCount == 0) {
+        return 0;
     }
-    char* theText = static_cast<char*>(vxMalloc(theSize));
-    if (theText == NULL) {
-        return NULL;
+    const char* theLast = anURI->mQueryParts[anURI->mQueryPartCount - 1].mValue;
+    return static_cast<size_t>(theLast - anURI->mQueryTexts) + strlen(theLast) + 1;
+}
+
+/// Copies the parts of another record behind those of a record that has room for them.
+void vxCopyParts(const vxURI* aSource, vxURI* aTarget) {
+    char* const theTexts = aTarget->mQueryTexts + vxTextsSize(aTarget);
+    std::copy_n(aSource->mQueryTexts, vxTextsSize(aSource), theTexts);
+    for (size_t i = 0; i < aSource->mQueryPartCount; ++i) {
+        const vxURIQueryPart& thePart = aSource->mQueryParts[i];
+        aTarget->mQueryParts[aTarget->mQueryPartCount++] = {
+            theTexts + (thePart.mName - aSource->mQueryTexts),
+            theTexts + (thePart.mValue - aSource->mQueryTexts)};
     }
-    char* theTarget = theText;
-    const auto theWrite = [&theTarget](const char* aText) {
-        constexpr char kDigits[] = "0123456789ABCDEF";
-        for (; *aText != '\0'; ++aText) {
-            const unsigned char theByte = static_cast<unsigned char>(*aText);
-            *theTarget++ = '%';
-            *theTarget++ = kDigits[theByte >> 4];
-            *theTarget++ = kDigits[theByte & 15];
+}
+
+/// Makes the parts of a record those of two others; its own are not freed.
+void vxJoinParts(const vxURI* aFirst, const vxURI* aSecond, vxURI* aTarget) {
+    const size_t theCount = aFirst->mQueryPartCount + aSecond->mQueryPartCount;
+    aTarget->mQueryPartCount = 0;
+    if (theCount != 0 &&
+        vxMakeRoom(aTarget, vxTextsSize(aFirst) + vxTextsSize(aSecond), theCount)) {
+        vxCopyParts(aFirst, aTarget);
+        vxCopyParts(aSecond, aTarget);
+    }
+}
+
+/// Moves the parts of a record to one that has none.
+void vxTakeParts(vxURI* aSource, vxURI* aTarget) {
+    aTarget->mQueryParts = aSource->mQueryParts;
+    aTarget->mQueryPartCount = aSource->mQueryPartCount;
+    aTarget->mQueryTexts = aSource->mQueryTexts;
+}
+
+const vxURIQueryPart* vxFindPart(const vxURI* anURI, const char* aName) {
+    const size_t theCount = aName == NULL ? 0 : vxURI_GetQueryPartCount(anURI);
+    for (size_t i = 0; i < theCount; ++i) {
+        if (strcmp(anURI->mQueryParts[i].mName, aName) == 0) {
+            return &anURI->mQueryParts[i];
         }
-    };
-    for (size_t i = 0; i < anURI->mQueryPartCount; ++i) {
-        theWrite(anURI->mQueryParts[i].mName);
-        *theTarget++ = '=';
-        theWrite(anURI->mQueryParts[i].mValue);
-        *theTarget++ = '&';
     }
-    *theTarget = '\0';
-    return theText;
+    return NULL;
 }
 
 /// Reads path, query and fragment from `aText` on.
@@ -226,11 +262,8 @@ vxURI* vxURI_Clone(const vxURI* anURI) {
     theCopy->mPath = vxStrdup(anURI->mPath);
     theCopy->mQuery = vxStrdup(anURI->mQuery);
     theCopy->mFragment = vxStrdup(anURI->mFragment);
-    char* theParts = vxWriteParts(anURI);
-    if (theParts != NULL) {
-        vxReadParts(theCopy, theParts, false);
-    }
-    free(theParts);
+    const vxURI theNone = {};
+    vxJoinParts(anURI, &theNone, theCopy);
     return theCopy;
 }
 
@@ -246,43 +279,25 @@ void vxURI_SetQueryFromPost(vxURI* anURI, const char* aText, bool afReplace, boo
     if (anURI == NULL) {
         return;
     }
-    const char* theText = aText == NULL ? "" : aText;
-    if (afReplace || anURI->mQueryPartCount == 0) {
-        vxDropParts(anURI);
-        vxReadParts(anURI, theText, afDecodePlus);
-        return;
+    // The text may be a part of the record, so that the old parts go last.
+    vxURI theNew = {};
+    vxReadParts(&theNew, aText == NULL ? "" : aText, afDecodePlus);
+    vxURI theBoth = {};
+    if (!afReplace) {
+        vxJoinParts(anURI, &theNew, &theBoth);
+        vxDropParts(&theNew);
     }
-    // The parts that stay are written in front, with the blanks of the new ones made unmistakable.
-    char* theOld = vxWriteParts(anURI);
-    const size_t theOldLength = theOld == NULL ? 0 : strlen(theOld);
-    const size_t theLength = strlen(theText);
-    char* theBoth = static_cast<char*>(vxMalloc(theOldLength + theLength + 1));
-    if (theOld != NULL && theBoth != NULL) {
-        memcpy(theBoth, theOld, theOldLength);
-        memcpy(theBoth + theOldLength, theText, theLength + 1);
-        vxDropParts(anURI);
-        vxReadParts(anURI, theBoth, afDecodePlus);
-    }
-    free(theBoth);
-    free(theOld);
+    vxDropParts(anURI);
+    vxTakeParts(afReplace ? &theNew : &theBoth, anURI);
 }
 
 bool vxURI_HasQueryPart(const vxURI* anURI, const char* aName) {
-    for (size_t i = 0; i < vxURI_GetQueryPartCount(anURI); ++i) {
-        if (strcmp(anURI->mQueryParts[i].mName, aName) == 0) {
-            return true;
-        }
-    }
-    return false;
+    return vxFindPart(anURI, aName) != NULL;
 }
 
 char* vxURI_GetQueryPart(const vxURI* anURI, const char* aName) {
-    for (size_t i = 0; i < vxURI_GetQueryPartCount(anURI); ++i) {
-        if (strcmp(anURI->mQueryParts[i].mName, aName) == 0) {
-            return vxStrdup(anURI->mQueryParts[i].mValue);
-        }
-    }
-    return NULL;
+    const vxURIQueryPart* thePart = vxFindPart(anURI, aName);
+    return thePart == NULL ? NULL : vxStrdup(thePart->mValue);
 }
 
 size_t vxURI_GetQueryPartCount(const vxURI* anURI) {

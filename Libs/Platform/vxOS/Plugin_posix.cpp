@@ -1,6 +1,6 @@
 // Plug-ins over dlopen. Symbols are resolved at once, so that a plug-in that lacks one fails when it
 // is loaded and not in the middle of its work, and are kept local, so that two plug-ins may use the
-// same names.
+// same names. The loader takes an empty path for the program itself, which is none.
 
 #include <libteskTools/Memory.h>
 #include <libvxLog/Log.h>
@@ -11,6 +11,10 @@
 #include <cstdlib>
 
 vxOSPluginHandle vxPlugin_Load(const char* aPath) {
+    if (aPath == NULL || *aPath == '\0') {
+        VXLOG(VXLOGLEVEL_ERROR, VXLOG_M_PLUGIN, "A plug-in needs a path\n");
+        return NULL;
+    }
     void* theHandle = dlopen(aPath, RTLD_NOW | RTLD_LOCAL);
     if (theHandle == NULL) {
         const char* theReason = dlerror();
@@ -20,7 +24,7 @@ vxOSPluginHandle vxPlugin_Load(const char* aPath) {
 }
 
 vxPluginFunc_Generic vxPlugin_GetSymbol(vxOSPluginHandle aPlugin, const char* aName) {
-    if (aPlugin == NULL) {
+    if (aPlugin == NULL || aName == NULL) {
         return NULL;
     }
     return reinterpret_cast<vxPluginFunc_Generic>(dlsym(aPlugin, aName));

@@ -20,6 +20,9 @@ struct vxOSSingleInstanceChecker {
 
 namespace {
 
+// A file name has 255 bytes; "vx-" and ".lock" stand around the key.
+constexpr size_t kvxSingleInstance_MaxKeyLength = 255 - 8;
+
 std::string vxRuntimeDirectory() {
     for (const char* theName : {"XDG_RUNTIME_DIR", "TMPDIR"}) {
         const char* theValue = getenv(theName);
@@ -32,7 +35,7 @@ std::string vxRuntimeDirectory() {
 
 bool vxKeyIsFileName(const char* aKey) {
     return aKey != NULL && *aKey != 0 && strcmp(aKey, ".") != 0 && strcmp(aKey, "..") != 0 &&
-           strchr(aKey, '/') == NULL && strlen(aKey) < 240;
+           strchr(aKey, '/') == NULL && strlen(aKey) <= kvxSingleInstance_MaxKeyLength;
 }
 
 int vxLockWithoutWaiting(int aFD) {

@@ -40,6 +40,7 @@ bool vxPluginHandler::Load(const vxCString& aPath) {
     }
     mFilePath = aPath;
     mFileName = vxPathName::MakeFilePath(aPath).GetFileName();
+    Forget();
     mPluginHandle = vxPlugin_Load(aPath);
     if (mPluginHandle == NULL) {
         return false;
@@ -66,6 +67,9 @@ bool vxPluginHandler::Resolve() {
 }
 
 bool vxPluginHandler::Load(void (**aFunctions)(), const char* aName) {
+    if (mPluginHandle != NULL) {
+        Unload();
+    }
     std::copy(aFunctions, aFunctions + mFunctionCount, mFunction);
     mFileName = aName;
     mfStatic = true;
@@ -80,7 +84,11 @@ void vxPluginHandler::Unload() {
     if (!mfStatic && mPluginHandle != NULL) {
         vxPlugin_Unload(mPluginHandle);
     }
-    mfLoaded = false;
     mPluginHandle = NULL;
+    Forget();
+}
+
+void vxPluginHandler::Forget() {
+    mfLoaded = false;
     std::fill(mFunction, mFunction + mFunctionCount, vxPluginFunc_Generic());
 }

@@ -31,16 +31,18 @@ public:
     /// Asserts:  mPluginHandle == NULL: load once; the loaded plug-in stays then. And that no name is
     ///           null or empty; such an entry is missing then.
     /// Fails:    false when the file cannot be loaded or lacks an entry point; every missing one is
-    ///           logged, and nothing stays loaded.
+    ///           logged, the file is unloaded as by Unload(), and no entry point stays.
     bool Load(const vxCString& aPath);
 
-    /// Takes `mFunctionCount` functions of the program itself; always true.
+    /// Takes functions of the program itself, as many as there are names; always true.
+    ///
+    /// A file that is loaded is unloaded first.
     bool Load(void (**aFunctions)(), const char* aName);
 
     /// Calls Finalize(), unloads the file and forgets its entry points, whether one is loaded or not.
     void Unload();
 
-    /// Returns the path that the file was loaded from; empty for linked-in functions.
+    /// Returns the path of the last file that was to be loaded; linked-in functions leave it alone.
     const vxCString& GetFullPath() const { return mFilePath; }
 
     /// Returns the file's name without directory and extension, or the name given.
@@ -55,6 +57,7 @@ public:
 
 private:
     bool Resolve();
+    void Forget();
 
     const char** mFunctionNameList;   // borrowed
     vxPluginFunc_Generic* mFunction;  // owned; one for each name

@@ -12,7 +12,6 @@ struct vxPtrList;
 ///
 ///     class CodecLoader : public vxPluginLoader {
 ///     public:
-///         ~CodecLoader() override { UnloadPlugins(); }
 ///         vxPluginHandler* NewPluginHandler() override { return new CodecHandler; }
 ///     };
 ///     theLoader.LoadPlugins("codec_*", false, false);   // codec_flac.so, codec_opus.so, ...
@@ -36,10 +35,10 @@ public:
 
     /// Loads the plug-ins whose file name is the pattern with the platform's extension.
     ///
-    /// The pattern has the wildcards of vxDir. Entries come in the directory's order. A handler that
-    /// cannot be made is reported and its file passed over.
+    /// The pattern has the wildcards of vxDir. Entries come in the directory's order; hidden ones and
+    /// directories count, and a directory does not load.
     ///
-    /// Asserts:  thePluginHandler != NULL.
+    /// Asserts:  thePluginHandler != NULL; the file does not load then.
     /// Fails:    -1 as soon as a plug-in does not load, when `afFailOnError`; those loaded before stay.
     ///           Otherwise the number of plug-ins loaded, which `afStopAfterFirst` keeps to 1; 0 when
     ///           the directory cannot be opened.

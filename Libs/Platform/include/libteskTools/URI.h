@@ -53,11 +53,12 @@ VX_API vxURI* vxURI_Clone(const vxURI* anURI);
 VX_API void vxURI_TruncatePathBegin(vxURI* anURI, size_t aCount);
 
 /// Reads arguments from a form body; `afReplace` drops those that were there, `afDecodePlus` takes
-/// '+' for a blank. A null text holds none.
+/// '+' for a blank. A null text holds none. `mQuery` keeps what the URI was written with.
 VX_API void vxURI_SetQueryFromPost(vxURI* anURI, const char* aText, bool afReplace,
                                    bool afDecodePlus);
 
-// The first of several parts of one name counts. A null record has no parts.
+// The first of several parts of one name counts. A null record has no parts, and no part has a null
+// name.
 
 VX_API bool vxURI_HasQueryPart(const vxURI* anURI, const char* aName);
 

@@ -14,12 +14,15 @@ typedef void (*vxPluginFunc_Generic)(void);
 ///
 /// `aPath` should hold a '/': a bare name is looked up on the loader's own search path.
 ///
-/// Fails:    null; the loader's own text is logged at error level in VXLOG_M_PLUGIN.
+/// Fails:    null, also for a null or empty path; the loader's own text is logged at error level in
+///           VXLOG_M_PLUGIN.
 /// Owner:    the caller, who unloads it with vxPlugin_Unload().
 /// Threads:  any.
 VX_API vxOSPluginHandle vxPlugin_Load(const char* aPath);
 
-/// Returns an entry point by its symbol name; null when there is none or the handle is null.
+/// Returns an entry point by its symbol name; null when there is none, and for a null handle or name.
+///
+/// Libraries that the plug-in stands on are searched behind the plug-in itself.
 VX_API vxPluginFunc_Generic vxPlugin_GetSymbol(vxOSPluginHandle aPlugin, const char* aName);
 
 /// Unloads a plug-in; every pointer into it is dead afterwards. Null does nothing.

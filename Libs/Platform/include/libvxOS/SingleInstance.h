@@ -9,9 +9,10 @@ typedef struct vxOSSingleInstanceChecker vxOSSingleInstanceChecker;
 
 /// Claims `aKey` for this process, or finds that another one holds it.
 ///
-/// The claim is a lock on a file in the user's runtime directory; it ends with the process,
-/// however that ends. Two claims of one process on one key stand in each other's way too. A key
-/// that is empty, "." or "..", or holds a '/' is refused.
+/// The claim is a lock on a file in the directory XDG_RUNTIME_DIR, else TMPDIR, else /tmp; it ends
+/// with the process, however that ends. A child that was forked meanwhile holds it too, until it
+/// ends or runs another program. Two claims of one process on one key stand in each other's way. A
+/// key that is null, empty, "." or "..", has more than 247 bytes or holds a '/' is refused.
 ///
 /// Fails:    null when the key is refused; otherwise see vxSingleInstanceChecker_Error().
 /// Owner:    the caller, who gives it up with vxSingleInstanceChecker_Delete().
