@@ -5,6 +5,7 @@
 // so that private fields can be named. Slots are read from pointers to members.
 
 #include <gtest/gtest.h>
+#include <libteskTools/RC4.h>
 #include <vx/vx.h>
 
 #include <cstddef>
@@ -201,6 +202,20 @@ FIELDS_IN_ORDER(vxConfigManager, mConfigConfigFileName, mReadOnlyPath, mReadWrit
                 mfConfigConfigOK, mfConfigDefaultFallback, mConfigHashTable, mMutex);
 FIELDS_IN_ORDER(vxManagedConfig, mConfig, mConfigFileName, mConfigManager);
 
+// Plug-ins and request paths
+FIELDS_IN_ORDER(vxPluginHandler, mFunctionNameList, mFunction, mPluginHandle, mFileName, mFilePath,
+                mFunctionCount, mfStatic, mfLoaded);
+SIZE_ON_32_BITS(vxPluginHandler, 40);
+SIZE_ON_32_BITS(vxPluginLoader, 8);
+SIZE_ON_32_BITS(vxURIPathParser, 12);
+
+// Processes
+SIZE_ON_32_BITS(vxSingleInstanceChecker, 4);
+
+// Obfuscation
+FIELDS_IN_ORDER(vxRC4Key, theState, x, y);
+static_assert(sizeof(vxRC4Key) == 258, "258 bytes on every target");
+
 /// Returns the slot that a pointer to a virtual operation names, counted from 0.
 template <typename Operation>
 int SlotOf(Operation anOperation) {
@@ -234,6 +249,19 @@ TEST(LayoutTest, EntriesSetThemselvesBehindTheDestructor) {
     EXPECT_EQ(SlotOf(&vxJSONEntry::IsRoot), 3);
     EXPECT_EQ(SlotOf(static_cast<void (vxJSONDocument::*)(vxJSON_t*)>(&vxJSONDocument::SetEntry)),
               4);
+}
+
+TEST(LayoutTest, PluginHandlersFinalizeBehindTheDestructor) {
+    EXPECT_EQ(SlotOf(&vxPluginHandler::Finalize), 2);
+}
+
+TEST(LayoutTest, PluginLoadersHaveTheirOperationsBehindTheDestructor) {
+    EXPECT_EQ(SlotOf(&vxPluginLoader::GetPluginsPath), 2);
+    EXPECT_EQ(SlotOf(&vxPluginLoader::LoadPlugins), 3);
+    EXPECT_EQ(SlotOf(&vxPluginLoader::LoadPluginsStatic), 4);
+    EXPECT_EQ(SlotOf(&vxPluginLoader::UnloadPlugins), 5);
+    EXPECT_EQ(SlotOf(&vxPluginLoader::IsPluginActive), 6);
+    EXPECT_EQ(SlotOf(&vxPluginLoader::NewPluginHandler), 7);
 }
 
 TEST(LayoutTest, ConsoleAppletsAddTheirOperationsBehindTheInheritedOnes) {

@@ -1,9 +1,26 @@
 #include <gmock/gmock.h>
+#include <libteskTools/Base64.h>
 #include <vx/Obfuscate.h>
 
+#include <cstdint>
 #include <string>
 
+#include "support/Forward.h"
 #include "support/Reports.h"
+
+namespace {
+
+bool sfNoText = false;  // the encoder finds no memory
+
+}  // namespace
+
+size_t vxBase64_Encode(const void* aBytes, size_t aLength, char** aResult) {
+    if (sfNoText) {
+        *aResult = nullptr;
+        return 0;
+    }
+    return VXTEST_REAL(vxBase64_Encode)(aBytes, aLength, aResult);
+}
 
 namespace {
 
@@ -51,6 +68,17 @@ TEST(ObfuscateTest, WrongKeysAndMalformedTextsGiveSomethingWithoutAReport) {
     vxObfuscate::From_B64RC4("====", "Key");
     EXPECT_THAT(theReports.Assertions(), testing::IsEmpty());
     EXPECT_THAT(theReports.LogTexts(), testing::IsEmpty());
+}
+
+TEST(ObfuscateTest, AnEncoderWithoutMemoryIsFatal) {
+    vxtest::Reports theReports;
+    sfNoText = true;
+    const vxCString theResult = vxObfuscate::To_B64RC4("P\x9F lost", "Key");
+    sfNoText = false;
+    EXPECT_STREQ(theResult, "");
+    ASSERT_EQ(theReports.FatalErrors().size(), 1U);
+    EXPECT_EQ(theReports.FatalErrors()[0].mResource, "memory:malloc");
+    EXPECT_EQ(theReports.FatalErrors()[0].mSize, 1U);
 }
 
 TEST(ObfuscateTest, EveryTextWithoutAZeroInItsCipherComesBack) {
