@@ -7,6 +7,7 @@
 #include "vx/Api.h"
 #include "vx/Mutex.h"
 
+/// See <libteskTools/HashTable.h>.
 typedef struct vxCustomHashTable vxCustomHashTable;
 
 /// Counts the activities of a program's modules, so that the program can tell how long it has been

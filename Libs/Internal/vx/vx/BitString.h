@@ -145,8 +145,11 @@ public:
     /// Returns the number of bytes of which at least one bit has been read or skipped.
     size_t GetByteOffset() const { return (mInitialBufferSize - mBufferSize) / 8; }
 
-    /// Numbers in a byte order of their own; the pointers need no alignment.
+    /// Reads a number of three bytes, the highest first.
     static uint32_t Get3(const uint8_t* aBytes);
+
+    /// Reads or writes a number in a byte order of its own; the pointer needs no alignment.
+    /// @{
     static int32_t BigEndianToint32(const uint8_t* aBytes);
     static uint32_t BigEndianTouint32(const uint8_t* aBytes);
     static int16_t BigEndianToint16(const uint8_t* aBytes);
@@ -158,6 +161,9 @@ public:
     static vxuint64 LittleEndianTouint64(const uint8_t* aBytes);
     static void uint32ToLittleEndian(uint32_t aValue, uint8_t* aBytes);
     static void uint16ToLittleEndian(uint16_t aValue, uint8_t* aBytes);
+    /// @}
+
+    /// Tells whether this machine stores the highest byte of a number first.
     static bool IsBigEndianPlatform();
 
     /// Returns a color of four bytes with its last three bytes reversed: bytes 0, 3, 2, 1 from the

@@ -35,6 +35,7 @@ public:
 
     ~vxCLIApplet() override;
 
+    /// Returns the set of the component's commands, never null, to declare them in.
     vxRef<vxCLICommandSet> GetCommandSet() const { return mCLICommandSet; }
 
 private:

@@ -26,11 +26,13 @@ class vxCLIManager;
 /// Threads:  one at a time.
 class VX_EXPORT vxCLICommand : public vxRefCounted {
 public:
+    /// A valid command without a name, for the manager to fill.
     vxCLICommand(const vxRef<vxCLIManager>& aManager, const vxCString& anInput);
     ~vxCLICommand() override;
     vxCLICommand(const vxCLICommand&) = delete;
     vxCLICommand& operator=(const vxCLICommand&) = delete;
 
+    /// Was the line understood? Else GetError() says why not.
     bool IsValid() const { return mError.IsEmpty(); }
     /// Returns one line without a line feed that begins with "ERROR: ", or the empty text.
     vxCString GetError() const { return mError; }
@@ -42,6 +44,7 @@ public:
     bool ModuleIs(const char* aName) const;
     /// Is it that command, under any of its names? Case counts; null is no name.
     bool CommandIs(const char* aName) const;
+    /// Is it that command of that module? See ModuleIs() and CommandIs().
     bool Is(const char* aModuleName, const char* aCommandName) const {
         return ModuleIs(aModuleName) && CommandIs(aCommandName);
     }
@@ -62,14 +65,21 @@ public:
     /// Did the line's first word begin with `!`?
     bool IsShortcut() const { return mfShortcutCommand; }
 
-    // A mark for the console front end; the library gives it no meaning.
+    /// A mark for the console front end, false at first; the library gives it no meaning.
+    /// @{
     bool IsSecured() const { return mSecured; }
     void SetSecured(bool afSecured) { mSecured = afSecured; }
+    /// @}
 
-    // Set by the manager.
+    /// Says what the line names; called by the manager. A null set has no module names.
     void SetInfo(const vxRef<vxCLICommandSet>& aSet, const vxCString& aModuleWord,
                  const vxCSVStringList& aCommandNames, bool afShortcut);
+
+    /// Makes the command invalid, or valid by an empty text; called by the manager.
     void SetError(const vxCString& anError) { mError = anError; }
+
+    /// Sets the typed parameters, retained vxCLIParameter; called by the manager.
+    ///
     /// Owner:    the command, which replaces and frees an older array.
     void SetParameters(vxArray* aParameters);
 

@@ -40,19 +40,26 @@ public:
     ///           that has a conflicting command; other names of the call are still declared.
     void Add(const vxCString& aCommandNames, const vxCString& aDescription, const vxCString& aHelp);
 
+    /// Is a command declared under exactly this name? Null is no name.
     bool HasCommand(const char* aCommandName) const;
 
     /// Returns the number of declared entries; each name and each overload counts.
     size_t GetCommandCount() const;
 
+    /// Are the commands typed without a module name?
     bool IsInternal() const { return mfInternal; }
+
+    /// Returns the names of the module, trimmed; none for an internal set.
     const vxCSVStringList& GetModuleNameList() const { return mModuleNameList; }
 
     /// Returns all declaration errors, as lines; empty when all is well.
     vxCString GetError() const { return mError; }
 
+    /// What the program attaches to the set; null at first.
+    /// @{
     void SetUserData(const vxRef<vxUserData>& aUserData) { mUserData = aUserData; }
     vxRef<vxUserData> GetUserData() const { return mUserData; }
+    /// @}
 
     /// Returns one line per name and overload, sorted by bytes.
     ///
@@ -74,9 +81,11 @@ public:
                       const vxCString& aModuleWord, vxCString& aText, vxCSVStringList& aCommands,
                       vxCString& anError);
 
-    /// Returns the first name under which a manager registered the set.
+    /// The first name under which a manager registered the set; empty until then.
+    /// @{
     const vxCString& _GetMainModuleName() const { return mMainModuleName; }
     void _SetMainModuleName(const vxCString& aName) { mMainModuleName = aName; }
+    /// @}
 
 private:
     void AddName(const vxCString& aCommandNames, const vxCString& aName,

@@ -10,7 +10,8 @@
 class vxCLIParameterChecker;
 class vxCountedDataBuffer;
 
-// Types of a console parameter. 1 to 9 are the number types.
+/// Types of a console parameter. 1 to 9 are the number types.
+/// @{
 constexpr int kvxInteractiveParameterType_None = 0;
 constexpr int kvxInteractiveParameterType_UInt8 = 1;
 constexpr int kvxInteractiveParameterType_Int8 = 2;
@@ -26,6 +27,7 @@ constexpr int kvxInteractiveParameterType_Char = 11;
 constexpr int kvxInteractiveParameterType_Bool = 12;
 constexpr int kvxInteractiveParameterType_Litteral = 13;
 constexpr int kvxInteractiveParameterType_Base64 = 14;
+/// @}
 
 /// One typed value of a console command.
 ///
@@ -44,10 +46,12 @@ public:
     explicit vxCLIParameter(const vxCString& aValue);
     ~vxCLIParameter() override;
 
-    // Setting the type and the matching value; the other value fields stay.
+    /// Sets the type and the matching value; the other value fields stay.
+    /// @{
     void SetValue(int aType, double aValue);
     void SetValue(int aType, const vxCString& aValue);
     void SetValue(int aType, const vxRef<vxCountedDataBuffer>& aBuffer);
+    /// @}
 
     /// Takes type and default of an optional parameter that was not typed. A base64 parameter has no
     /// default: its buffer stays null.
@@ -55,6 +59,7 @@ public:
     /// Asserts:  theCLIParameterChecker != NULL; only the mark is set then.
     void SetMissing(const vxCLIParameterChecker* theCLIParameterChecker);
 
+    /// Returns the type, kvxInteractiveParameterType_*.
     int GetType() const { return mType; }
     /// Was the parameter left out, so that this is the declared default?
     bool IsMissing() const { return mfMissing; }
@@ -62,8 +67,14 @@ public:
     /// Compares a string or literal with a text; false for every other type.
     bool Is(const char* aText, bool afCaseSensitive) const;
 
-    // Each asserts: mType == kvxInteractiveParameterType_<Name>. Integers are the double truncated
-    // toward zero and cut to the limits of their type. There is none for signed 64-bit numbers.
+    /// Returns the value of a parameter of this type.
+    ///
+    /// Integers are the double truncated toward zero and cut to the limits of their type. There is no
+    /// getter for signed 64-bit numbers.
+    ///
+    /// Asserts:  mType == kvxInteractiveParameterType_UInt8 and so on, by the getter; the number is
+    ///           converted all the same.
+    /// @{
     bool GetBool() const;
     uint8_t GetUInt8() const;
     uint16_t GetUInt16() const;
@@ -73,11 +84,22 @@ public:
     int16_t GetInt16() const;
     int32_t GetInt32() const;
     double GetDouble() const;
+    /// @}
+
     /// Returns the first byte of the text, or 0.
+    ///
+    /// Asserts:  mType == kvxInteractiveParameterType_Char.
     char GetChar() const;
+
     /// Returns the text of a string or literal.
+    ///
+    /// Asserts:  (mType == kvxInteractiveParameterType_Str) || (mType ==
+    ///           kvxInteractiveParameterType_Litteral).
     vxCString GetString() const;
+
     /// Returns the typed bytes, which are not decoded; null where an optional one was not typed.
+    ///
+    /// Asserts:  mType == kvxInteractiveParameterType_Base64.
     vxRef<vxCountedDataBuffer> GetDataBuffer() const;
 
     /// Makes an array that releases the parameters appended to it; append them retained.
@@ -85,9 +107,11 @@ public:
     /// Owner:    the caller.
     static vxArray* NewArray();
 
-    // What the type of each getter leaves to it, unchecked: for code that goes by GetType().
+    /// Returns a value field whatever the type is: for code that goes by GetType().
+    /// @{
     double _GetNumber() const { return mValue; }
     const vxCString& _GetText() const { return mValueStr; }
+    /// @}
 
 private:
     int mType;

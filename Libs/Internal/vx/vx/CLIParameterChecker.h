@@ -43,12 +43,15 @@ public:
     /// optional: `(count[1,10])`.
     vxCString GetHelp() const;
 
+    /// Returns what was declared; the name of a literal is its text without the quotes.
+    /// @{
     const vxCString& GetName() const { return mParameterName; }
     int GetType() const { return mType; }
     bool IsOptional() const { return mfOptional; }
     bool IsFreeForm() const { return mfFreeForm; }
     double GetDefaultNumber() const { return mDefaultValueNumber; }
     const vxCString& GetDefaultString() const { return mDefaultValueStr; }
+    /// @}
 
 private:
     bool ValidateNumber(const vxCString& aText, vxCLIParameter* aParameter);

@@ -7,36 +7,36 @@
 
 /// Kinds of rows in a description table.
 enum vxCommandLineEntryType : int {
-    vxCommandLineEntryType_Switch = 0,     // `-v`
-    vxCommandLineEntryType_Option = 1,     // `-p 8080`
-    vxCommandLineEntryType_Parameter = 2,  // positional
-    vxCommandLineEntryType_None = 3        // ends the table
+    vxCommandLineEntryType_Switch = 0,     ///< `-v`
+    vxCommandLineEntryType_Option = 1,     ///< `-p 8080`
+    vxCommandLineEntryType_Parameter = 2,  ///< positional
+    vxCommandLineEntryType_None = 3        ///< ends the table
 };
 
 /// Types of values.
 enum vxCommandLineParameterType : int {
     vxCommandLineParameter_String = 0,
-    vxCommandLineParameter_Number = 1,  // decimal, signed, 32 bits
-    vxCommandLineParameter_None = 2     // switches
+    vxCommandLineParameter_Number = 1,  ///< decimal, signed, 32 bits
+    vxCommandLineParameter_None = 2     ///< switches
 };
 
 /// Bits of a row's flags.
 enum vxCommandLineFlag {
     vxCommandLineFlag_None = 0,
-    vxCommandLineFlag_MandatoryOption = 1,    // must be given
-    vxCommandLineFlag_ParameterOptional = 2,  // the positional parameter may be left out
-    vxCommandLineFlag_ParameterMultiple = 4,  // the last one takes all remaining arguments
-    vxCommandLineFlag_HelpOption = 8,         // the switch stops parsing and asks for help
-    vxCommandLineFlag_NeedSeparator = 16      // the value may not be glued to the name
+    vxCommandLineFlag_MandatoryOption = 1,    ///< must be given
+    vxCommandLineFlag_ParameterOptional = 2,  ///< the positional parameter may be left out
+    vxCommandLineFlag_ParameterMultiple = 4,  ///< the last one takes all remaining arguments
+    vxCommandLineFlag_HelpOption = 8,         ///< the switch stops parsing and asks for help
+    vxCommandLineFlag_NeedSeparator = 16      ///< the value may not be glued to the name
 };
 
 /// One row of a program's static description table.
 struct vxCommandLineDescription {
-    vxCommandLineEntryType mKind;
-    const char* mOptionName;           // of switches and options; letters, digits, `_` and `?`
-    const char* mDescription;          // of a positional parameter: also its name in messages
-    vxCommandLineParameterType mType;  // of options and parameters
-    int mFlags;                        // vxCommandLineFlag bits
+    vxCommandLineEntryType mKind;      ///< None ends the table
+    const char* mOptionName;           ///< of switches and options; letters, digits, `_` and `?`
+    const char* mDescription;          ///< of a positional parameter: also its name in messages
+    vxCommandLineParameterType mType;  ///< of options and parameters
+    int mFlags;                        ///< vxCommandLineFlag bits
 };
 
 struct vxCommandLineParserData;
@@ -57,6 +57,8 @@ public:
     /// Returns the leading letters, digits, `_` and `?` of a text; none of a null one.
     static vxCString GetOptionName(const char* aText);
 
+    /// Returns what it was declared with; texts are never null.
+    /// @{
     vxCommandLineEntryType GetKind() const { return mKind; }
     const char* GetName() const { return mOptionName; }
     /// Has the name at least one byte, and only those that a name may have?
@@ -64,6 +66,7 @@ public:
     const char* GetDescription() const { return mDescription; }
     vxCommandLineParameterType GetType() const { return mType; }
     bool HasFlag(vxCommandLineFlag aFlag) const { return (mFlags & aFlag) != 0; }
+    /// @}
 
     /// Was it given in the last parse?
     bool HasValue() const { return mfHasValue; }
@@ -72,14 +75,23 @@ public:
     /// Clears that mark; an old value stays readable.
     void Reset() { mfHasValue = false; }
 
+    /// Returns the last value set, 0 at first.
+    ///
     /// Asserts:  mType == vxCommandLineParameter_Number.
     int32_t GetInt32Value() const;
+
+    /// Returns the last value set, the empty text at first.
+    ///
     /// Asserts:  mType == vxCommandLineParameter_String.
     const vxCString& GetStringValue() const;
 
-    // Each stores the value, asserts as its getter does, and marks the option as given.
+    /// Stores the value and marks the option as given.
+    ///
+    /// Asserts:  as its getter; the value is stored all the same.
+    /// @{
     void SetInt32Value(int32_t aValue);
     void SetStringValue(const char* aValue);
+    /// @}
 
 private:
     friend struct vxCommandLineParserData;
@@ -121,9 +133,11 @@ public:
     /// Declares nothing and has no arguments.
     vxCommandLineParser();
     /// As SetCommandLine() and SetDescription().
+    /// @{
     vxCommandLineParser(const vxCommandLineDescription* aTable, int anArgc, char** anArgv);
     vxCommandLineParser(const vxCommandLineDescription* aTable, const vxCString& aCommandLine,
                         bool afHasProgramName);
+    /// @}
     ~vxCommandLineParser();
     vxCommandLineParser(const vxCommandLineParser&) = delete;
     vxCommandLineParser& operator=(const vxCommandLineParser&) = delete;

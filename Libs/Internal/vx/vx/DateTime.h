@@ -8,9 +8,12 @@
 #include "vx/UInt64.h"
 
 /// Years whose dates and times an instant can hold in every zone.
+/// @{
 constexpr int kvxDateTime_YearMinInRange = 1970;
 constexpr int kvxDateTime_YearMaxInRange = 2037;
+/// @}
 
+/// Months of a year.
 constexpr int kvxMonthPerYear = 12;
 
 /// An instant: seconds since 1970-01-01 00:00:00 UTC and a sub-second part, read and set in local
@@ -33,6 +36,7 @@ constexpr int kvxMonthPerYear = 12;
 /// Threads:  one at a time for one value. Local time is that of vxTime_localtime().
 class VX_EXPORT vxDateTime {
 public:
+    /// Months from 1; Inv_Month, 0, is none.
     enum Month { Inv_Month, Jan, Feb, Mar, Apr, May, Jun, Jul, Aug, Sep, Oct, Nov, Dec };
 
     /// Stands for the current year in IsLeapYear() and GetNumberOfDays().
@@ -41,6 +45,7 @@ public:
     /// Makes an invalid value.
     constexpr vxDateTime() noexcept : mTime{-1, -1} {}
 
+    /// Takes both words as they are: a sub-second part of -1 makes the value invalid.
     constexpr vxDateTime(const vxtimeval& aTime) noexcept : mTime(aTime) {}
 
     /// Seconds since 1970; a count beyond 32 bits makes the value invalid.
@@ -65,6 +70,8 @@ public:
         Set(aDay, aMonth, aYear, anHour, aMinute, aSecond, aMilliSeconds);
     }
 
+    /// As Set() with the same argument.
+    /// @{
     vxDateTime& operator=(long aSeconds) {
         mTime = FromSeconds(aSeconds);
         return *this;
@@ -74,7 +81,9 @@ public:
         Set(aFields);
         return *this;
     }
+    /// @}
 
+    /// Takes both words as they are: a sub-second part of -1 makes the value invalid.
     void Set(const vxtimeval& aTime) { mTime = aTime; }
 
     /// Seconds since 1970, without a sub-second part; a count beyond 32 bits makes the value
@@ -85,8 +94,10 @@ public:
     /// depend on that. SetMillisecond() sets it.
     ///
     /// Negative counts, and those whose seconds exceed 31 bits, make the value invalid.
+    /// @{
     void Set(long long aMilliseconds);
     void Set(const vxuint64& aMilliseconds);
+    /// @}
 
     /// Local fields, which may be out of range (see vxTime_mktime()); a time that seconds cannot
     /// hold makes the value invalid.
@@ -127,9 +138,12 @@ public:
     /// Tells whether there is a time. Only the sub-second part is looked at.
     bool IsValid() const { return mTime.tv_usec != -1; }
 
-    /// Local fields. FetchTM() gets them all for the price of one.
+    /// Returns a local field: the full year, months from 1, hours to 23.
     ///
-    /// Asserts:  IsValid().
+    /// FetchTM() gets them all for the price of one.
+    ///
+    /// Asserts:  IsValid(); the field is that of the second before 1970 then.
+    /// @{
     int GetYear() const { return CheckedFields().tm_year + 1900; }
     Month GetMonth() const { return static_cast<Month>(CheckedFields().tm_mon + 1); }
     unsigned short GetDay() const { return static_cast<unsigned short>(CheckedFields().tm_mday); }
@@ -137,6 +151,10 @@ public:
     unsigned short GetMinute() const { return static_cast<unsigned short>(CheckedFields().tm_min); }
     unsigned short GetSecond() const { return static_cast<unsigned short>(CheckedFields().tm_sec); }
 
+    /// @}
+
+    /// Returns the milliseconds of the sub-second part.
+    ///
     /// Asserts:  IsValid().
     unsigned short GetMillisecond() const;
 
@@ -144,15 +162,20 @@ public:
     /// it.
     void SetYear(int aYear);
 
-    /// Set one local field and keep the others; a day that the month lacks carries over, and so do
+    /// Sets one local field and keeps the others; a day that the month lacks carries over, and so do
     /// other numbers that are out of range.
+    /// @{
     void SetMonth(Month aMonth);
     void SetDay(unsigned short aDay);
     void SetHour(unsigned short anHour);
     void SetMinute(unsigned short aMinute);
     void SetSecond(unsigned short aSecond);
 
-    /// Asserts:  IsValid(); the sub-second part is set all the same.
+    /// @}
+
+    /// Sets the sub-second part.
+    ///
+    /// Asserts:  IsValid(); it is set all the same.
     void SetMillisecond(unsigned short aMilliSeconds);
 
     /// Fetches all local fields; false when the platform cannot convert the time.
@@ -164,15 +187,18 @@ public:
     /// Returns the milliseconds since 1970, or kvxuint64_Max when invalid.
     vxuint64 GetValue() const;
 
+    /// Tells whether February has 29 days in a full year, by the Gregorian rule.
     static bool IsLeapYear(int aYear);
 
     /// Returns the length of a month, counted from 0 here: GetNumberOfDays(1, 2015) is February's.
     ///
     /// Asserts:  aMonth < kvxMonthPerYear; an index out of range yields 31.
+    /// @{
     static unsigned short GetNumberOfDays(int aMonth, int aYear);
     static unsigned short GetNumberOfDays(Month aMonth, int aYear) {
         return GetNumberOfDays(static_cast<int>(aMonth), aYear);
     }
+    /// @}
 
     /// Moves the instant so that its local fields read as the UTC time did; a moment that cannot be
     /// moved becomes the start of 1970.
@@ -217,15 +243,17 @@ public:
     ///           the value becomes invalid.
     bool ParseRFC1123(const vxCString& aText);
 
-    /// Compare seconds, then sub-second parts.
+    /// Compares seconds, then sub-second parts.
     ///
     /// Asserts:  IsValid() && aDateTime.IsValid(); invalid values compare as they stand.
+    /// @{
     bool operator<(const vxDateTime& aDateTime) const { return Compare(aDateTime) < 0; }
     bool operator<=(const vxDateTime& aDateTime) const { return Compare(aDateTime) <= 0; }
     bool operator>(const vxDateTime& aDateTime) const { return Compare(aDateTime) > 0; }
     bool operator>=(const vxDateTime& aDateTime) const { return Compare(aDateTime) >= 0; }
     bool operator==(const vxDateTime& aDateTime) const { return Compare(aDateTime) == 0; }
     bool operator!=(const vxDateTime& aDateTime) const { return Compare(aDateTime) != 0; }
+    /// @}
 
     /// Compares local year, month and day.
     bool IsSameDate(const vxDateTime& aDateTime) const;

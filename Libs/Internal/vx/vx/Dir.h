@@ -34,6 +34,7 @@ class VX_EXPORT vxDir {
 public:
     // Directories by name; true on success.
 
+    /// Is there a directory of this name, or a symbolic link to one?
     static bool Exists(const char* aPath);
 
     /// Removes an empty directory; true also when there is nothing of this name.
@@ -85,11 +86,13 @@ public:
     /// finds nothing and sets Error().
     bool Open(const char* aPath);
 
+    /// Ends the walk and clears the error; afterwards there is no directory.
     void Close();
 
     /// Goes back to before the first entry and clears the error; nothing without a directory.
     void Rewind();
 
+    /// Is there a directory to walk? It may turn out not to be readable.
     bool IsOpened() const { return mState != kvxDirState_Close; }
 
     /// Starts the walk anew and gives its first entry that pattern and filter let through.

@@ -88,6 +88,7 @@ public:
     /// Fails:    false, logged, for instance when what was written could not be stored.
     bool Close();
 
+    /// Is there an open file?
     bool IsOpened() const { return mFD != kvxFileFDInvalid; }
 
     /// Returns the code of the last operation that failed, a kvxFileError*, or 0.

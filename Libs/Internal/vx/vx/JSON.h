@@ -16,13 +16,13 @@ class vxMPackDictionary;
 enum {
     kvxJSONDocumentRoot_Object = 0,
     kvxJSONDocumentRoot_Array = 1,
-    kvxJSONDocumentRoot_None = 2  // nothing
+    kvxJSONDocumentRoot_None = 2  ///< nothing
 };
 
 /// What a part of a path is.
 enum {
-    kvxJSONPathKind_Array = 1,   // a name followed by an index
-    kvxJSONPathKind_Object = 2,  // a name
+    kvxJSONPathKind_Array = 1,   ///< a name followed by an index
+    kvxJSONPathKind_Object = 2,  ///< a name
     kvxJSONPathKind_Invalid = 3
 };
 
@@ -43,11 +43,18 @@ enum { kvxJSONPathParsing_Object = 0, kvxJSONPathParsing_Index = 1 };
 /// Threads:  one at a time for a tree that is changed; any number may read one that is not.
 class VX_EXPORT vxJSONEntry {
 public:
+    /// An invalid entry.
     vxJSONEntry() noexcept : mEntry(NULL), mfIsOrphan(false) {}
+
     /// A view on a node, or an invalid entry for null.
     explicit vxJSONEntry(vxJSON_t* anEntry) noexcept : mEntry(anEntry), mfIsOrphan(false) {}
+
+    /// One more view on the node; mfIsOrphan is copied with it, and nothing is freed.
+    /// @{
     vxJSONEntry(const vxJSONEntry&) noexcept = default;
     vxJSONEntry& operator=(const vxJSONEntry&) noexcept = default;
+    /// @}
+
     virtual ~vxJSONEntry();
 
     /// Points to another node; frees the one before if the entry owns it.
@@ -58,8 +65,10 @@ public:
     /// Tells whether this is a document, where paths may begin with "$".
     virtual bool IsRoot() const { return false; }
 
-    // Kind
-
+    /// Tells the kind of the node: an invalid entry, or one of another kind, gives false.
+    ///
+    /// IsNULL() asks for the value "null" of JSON, IsValid() whether there is a node at all.
+    /// @{
     bool IsValid() const { return mEntry != NULL; }
     bool IsNULL() const { return Is(kvxJSON_NULL); }
     bool IsBool() const { return Is(kvxJSON_True | kvxJSON_False); }
@@ -69,10 +78,13 @@ public:
     bool IsString() const { return Is(kvxJSON_String); }
     bool IsArray() const { return Is(kvxJSON_Array); }
     bool IsObject() const { return Is(kvxJSON_Object); }
+    /// @}
 
-    // Typed reading. A node of another kind, or an integer outside the type's range, gives false and
-    // leaves the target alone. No double counts as an integer.
-
+    /// Reads a value of exactly this type; no double counts as an integer.
+    ///
+    /// Fails:    false for a node of another kind and an integer outside the type's range; the target
+    ///           is left alone.
+    /// @{
     bool FetchBool(bool* aValue) const;
     bool FetchUInt8(uint8_t* aValue) const;
     bool FetchUInt16(uint16_t* aValue) const;
@@ -82,17 +94,25 @@ public:
     bool FetchInt16(int16_t* aValue) const;
     bool FetchInt32(int32_t* aValue) const;
     bool FetchInt64(int64_t* aValue) const;
+    /// @}
 
     /// Stores the value of a number of any kind and returns true in every case.
     ///
     /// Callers set a default first and read over it, so nothing but a number changes the target.
     bool FetchDouble(double* aValue) const;
 
+    /// Reads a string.
+    ///
+    /// Fails:    false for a node of another kind; the target is left alone.
     bool FetchString(vxCString& aValue) const;
 
     /// Makes the target a view on this node.
+    ///
+    /// Fails:    false for a node of another kind; the target is left alone.
+    /// @{
     bool FetchObject(vxJSONObject& anObject) const;
     bool FetchArray(vxJSONArray& anArray) const;
+    /// @}
 
     /// Gives the document a copy of this object or array, by way of its text.
     ///
@@ -101,21 +121,25 @@ public:
     bool FetchDocument(vxJSONDocument& aDocument) const;
 
     /// Returns a view on this node, or logs a warning and returns an invalid one.
+    /// @{
     vxJSONObject AsObject() const;
     vxJSONArray AsArray() const;
+    /// @}
 
-    // Writing members of an object: each replaces the first member of that name, or adds one.
-    //
-    // Asserts:  vxJSON_Is(mEntry, kvxJSON_Object); nothing is written then.
-
+    /// Writes a member of an object: replaces the first of that name, or adds one.
+    ///
+    /// Another entry is copied; an invalid one writes nothing.
+    ///
+    /// Asserts:  vxJSON_Is(mEntry, kvxJSON_Object); nothing is written then.
+    /// @{
     void SetNull(const char* aName);
     void Set(const char* aName, bool afValue);
     void Set(const char* aName, const char* aValue);
     void Set(const char* aName, double aValue);
     void Set(const char* aName, uint64_t aValue);
     void Set(const char* aName, int64_t aValue);
-    /// Sets a copy; an invalid entry sets nothing.
     void Set(const char* aName, const vxJSONEntry& anEntry);
+    /// @}
 
     // Children
 
@@ -130,6 +154,7 @@ public:
     /// Returns the number of items or members; 0 for other nodes.
     uint32_t GetCount() const { return vxJSON_GetArraySize(mEntry); }
 
+    /// Tells whether this is an object with a member of that name.
     bool Contains(const char* aName) const { return vxJSON_ContainsItem(mEntry, aName) != 0; }
 
     // The node itself
@@ -183,10 +208,11 @@ public:
     /// Fails:    false, and the entry is invalid.
     bool FromMPackBuffer(const uint8_t* aBuffer, const vxRef<vxMPackDictionary>& aDictionary);
 
-    vxJSON_t* mEntry;  // null: invalid
-    bool mfIsOrphan;   // the handle owns the node, which is part of no other tree
+    vxJSON_t* mEntry;  ///< null: invalid
+    bool mfIsOrphan;   ///< the handle owns the node, which is part of no other tree
 
 protected:
+    /// Tells whether the node is of one of these kinds, kvxJSON_* combined.
     bool Is(unsigned aMask) const { return vxJSON_Is(mEntry, aMask) != 0; }
 
 private:
@@ -200,26 +226,35 @@ class VX_EXPORT vxJSONPair : public vxJSONEntry {
 public:
     /// A null value.
     explicit vxJSONPair(const char* aName);
+
+    /// A value of the argument's kind; a text is copied.
+    /// @{
     vxJSONPair(const char* aName, bool afValue);
     vxJSONPair(const char* aName, uint32_t aValue);
     vxJSONPair(const char* aName, uint64_t aValue);
     vxJSONPair(const char* aName, int32_t aValue);
     vxJSONPair(const char* aName, double aValue);
     vxJSONPair(const char* aName, const char* aValue);
+    /// @}
 
     /// Takes the node out of the handle, which is invalid afterwards.
     ///
     /// Asserts:  anObject.mEntry != NULL, anArray.mEntry != NULL; the pair is invalid then.
+    /// @{
     vxJSONPair(const char* aName, vxJSONObject& anObject);
     vxJSONPair(const char* aName, vxJSONArray& anArray);
+    /// @}
 
     /// Copies the document's tree.
     ///
     /// Asserts:  aDocument.mEntry != NULL; the pair is invalid then.
     vxJSONPair(const char* aName, const vxJSONDocument& aDocument);
 
+    /// Takes the node over; the source is invalid afterwards.
+    /// @{
     vxJSONPair(vxJSONPair& aPair) noexcept;
     vxJSONPair(vxJSONPair&& aPair) noexcept;
+    /// @}
     vxJSONPair& operator=(const vxJSONPair&) = delete;
     ~vxJSONPair() override;
 
@@ -237,11 +272,17 @@ private:
 ///           node: let only one of them keep mfIsOrphan.
 class VX_EXPORT vxJSONObject : public vxJSONEntry {
 public:
+    /// An invalid handle.
     vxJSONObject() noexcept = default;
     /// A view.
     explicit vxJSONObject(vxJSON_t* anEntry) noexcept : vxJSONEntry(anEntry) {}
+
+    /// One more view on the node; what the target owned before is not freed.
+    /// @{
     vxJSONObject(const vxJSONObject&) noexcept = default;
     vxJSONObject& operator=(const vxJSONObject&) noexcept = default;
+    /// @}
+
     ~vxJSONObject() override;
 
     /// Creates an empty object if there is no node.
@@ -266,15 +307,19 @@ public:
 
     /// Returns a view on the member of that name, of whatever kind it is; adds an empty object or
     /// array if there is none.
+    /// @{
     vxJSONObject AddObject(const char* aName);
     vxJSONArray AddArray(const char* aName);
+    /// @}
 
     /// Reads a text and puts its root at the end, in the place of all members of that name.
     ///
     /// Returns a view on it. A text whose root is no object, or no array, changes nothing and gives
     /// an invalid view.
+    /// @{
     vxJSONObject AddRawJSONObject(const char* aName, const char* aText);
     vxJSONArray AddRawJSONArray(const char* aName, const char* aText);
+    /// @}
 
 private:
     bool IsReady();
@@ -293,11 +338,17 @@ private:
 /// Owner:    as vxJSONObject.
 class VX_EXPORT vxJSONArray : public vxJSONEntry {
 public:
+    /// An invalid handle.
     vxJSONArray() noexcept = default;
     /// A view.
     explicit vxJSONArray(vxJSON_t* anEntry) noexcept : vxJSONEntry(anEntry) {}
+
+    /// One more view on the node; what the target owned before is not freed.
+    /// @{
     vxJSONArray(const vxJSONArray&) noexcept = default;
     vxJSONArray& operator=(const vxJSONArray&) noexcept = default;
+    /// @}
+
     ~vxJSONArray() override;
 
     /// Creates an empty array if there is no node.
@@ -309,16 +360,21 @@ public:
     /// Frees the item at a position. False if there is none.
     bool Remove(uint32_t anIndex);
 
+    /// Inserts a value of the argument's kind; a text is copied.
+    /// @{
     void Insert(bool afValue, uint32_t aPosition);
     void Insert(double aValue, uint32_t aPosition);
     void Insert(uint64_t aValue, uint32_t aPosition);
     void Insert(int64_t aValue, uint32_t aPosition);
     void Insert(const char* aValue, uint32_t aPosition);
     void InsertNull(uint32_t aPosition);
+    /// @}
 
     /// Inserts an empty container and returns a view on it.
+    /// @{
     vxJSONObject InsertObject(uint32_t aPosition);
     vxJSONArray InsertArray(uint32_t aPosition);
+    /// @}
 
     /// Moves the entry's node in; the entry is invalid afterwards. A node that belongs to a tree is
     /// reported and stays where it is.
@@ -360,6 +416,8 @@ public:
     vxJSONDocument(const vxJSONDocument& aDocument);
     vxJSONDocument& operator=(const vxJSONDocument&) = delete;
 
+    /// Frees the tree.
+    ///
     /// Asserts:  mfIsOrphan.
     ~vxJSONDocument() override;
 
@@ -413,6 +471,9 @@ public:
         return vxJSONMPackDictionary_GetStringAtIndex(mDictionary, anIndex);
     }
 
+    /// Returns the dictionary for the operations of the platform.
+    ///
+    /// Owner:    this object.
     vxJSONMPackDictionary_t* GetJSONMPackDictionary() const { return mDictionary; }
 
 private:
@@ -428,25 +489,29 @@ private:
 /// is allowed only there; "$[0]", and a "$" at the end, are ordinary names.
 class VX_EXPORT vxJSONPath {
 public:
-    // Writing. The member is set in its object; a path that ends with an index replaces that item,
-    // or, with `afCreate`, appends one where the index equals the count. With `afCreate`, objects
-    // and arrays that are missing on the way are added, and so is the member; without, it fails.
-    //
-    // Each returns whether the value was written. A walk that fails may leave what it created.
-
+    /// Writes a value and returns whether it was written.
+    ///
+    /// The member is set in its object; a path that ends with an index replaces that item, or, with
+    /// `afCreate`, appends one where the index equals the count. With `afCreate`, objects and arrays
+    /// that are missing on the way are added, and so is the member; without, it fails.
+    ///
+    /// Another entry is written as a copy, a list as an array of strings, which replaces no item of an
+    /// array, but can be appended.
+    ///
+    /// Fails:    false; what was created on the way may stay.
+    /// @{
     static bool Set(const vxJSONEntry& anEntry, const char* aPath, uint64_t aValue, bool afCreate);
     static bool Set(const vxJSONEntry& anEntry, const char* aPath, int64_t aValue, bool afCreate);
     static bool Set(const vxJSONEntry& anEntry, const char* aPath, double aValue, bool afCreate);
     static bool Set(const vxJSONEntry& anEntry, const char* aPath, bool afValue, bool afCreate);
     static bool Set(const vxJSONEntry& anEntry, const char* aPath, const char* aValue,
                     bool afCreate);
-    /// Writes a copy.
     static bool Set(const vxJSONEntry& anEntry, const char* aPath, const vxJSONEntry& aValue,
                     bool afCreate);
-    /// Writes an array of strings; it replaces no item of an array, but can be appended.
     static bool Set(const vxJSONEntry& anEntry, const char* aPath, const vxCSVStringList& aList,
                     bool afCreate);
     static bool SetNull(const vxJSONEntry& anEntry, const char* aPath, bool afCreate);
+    /// @}
 
     /// Writes a text into a member that exists, keeping its kind.
     ///
@@ -457,8 +522,10 @@ public:
     /// Makes the result a view on the addressed node. False if there is none.
     static bool FetchEntry(const vxJSONEntry& anEntry, const char* aPath, vxJSONEntry& aResult);
 
-    // FetchEntry(), followed by the typed read of vxJSONEntry.
-
+    /// Reads the addressed node as the operation of this name in vxJSONEntry does.
+    ///
+    /// Fails:    false where there is no such node, or the typed read fails; the target is left alone.
+    /// @{
     static bool FetchObject(const vxJSONEntry& anEntry, const char* aPath, vxJSONObject& aResult);
     static bool FetchArray(const vxJSONEntry& anEntry, const char* aPath, vxJSONArray& aResult);
     static bool FetchString(const vxJSONEntry& anEntry, const char* aPath, vxCString& aResult);
@@ -468,6 +535,7 @@ public:
     static bool FetchUInt32(const vxJSONEntry& anEntry, const char* aPath, uint32_t* aResult);
     static bool FetchDouble(const vxJSONEntry& anEntry, const char* aPath, double* aResult);
     static bool FetchUInt16(const vxJSONEntry& anEntry, const char* aPath, uint16_t* aResult);
+    /// @}
 
     /// Writes what became of a path between two trees into a third, at the same path.
     ///

@@ -7,8 +7,8 @@ struct vxArray;
 
 /// A named text of a message.
 struct vxJSONMessageParam {
-    vxCString mKey;
-    vxCString mValue;
+    vxCString mKey;    ///< its name
+    vxCString mValue;  ///< its text
 };
 
 /// Builds and reads a small JSON message: a function's name, a status, and named texts.
@@ -29,10 +29,17 @@ public:
     vxJSONMessageBuilder(const vxJSONMessageBuilder&) = delete;
     vxJSONMessageBuilder& operator=(const vxJSONMessageBuilder&) = delete;
 
+    /// The name of the function.
+    /// @{
     void SetFuncName(const vxCString& aName) { mFuncName = aName; }
     const vxCString& GetFuncName() const { return mFuncName; }
+    /// @}
+
+    /// The status: did the function succeed?
+    /// @{
     void SetStatus(bool afStatus) { mStatus = afStatus; }
     bool GetStatus() const { return mStatus; }
+    /// @}
 
     /// Appends a parameter; nobody looks whether the key is there already.
     void AddParameter(const vxCString& aKey, const vxCString& aValue);

@@ -5,7 +5,7 @@
 
 /// What a path name names.
 enum {
-    kvxPathKind_Unknown = 0,  // nothing: the path is invalid
+    kvxPathKind_Unknown = 0,  ///< nothing: the path is invalid
     kvxPathKind_File = 1,
     kvxPathKind_Dir = 2
 };
@@ -45,13 +45,20 @@ public:
     vxPathName(const char* aDir, const char* aFullName);
 
     /// Copies share their texts; the text that c_str() keeps stays behind.
+    /// @{
     vxPathName(const vxPathName& aPath);
     vxPathName& operator=(const vxPathName& aPath);
+    /// @}
 
+    /// As the constructor with these arguments, for a `File` where there is only one.
+    /// @{
     static vxPathName MakeFilePath(const char* aPath);
     static vxPathName MakeFilePath(const char* aDir, const char* aFullName);
     static vxPathName MakeFilePath(const char* aDir, const char* aFileName,
                                    const char* anExtension);
+    /// @}
+
+    /// The directory of that name, with or without a separator at its end.
     static vxPathName MakeDirPath(const char* aPath);
 
     /// The path that `aRelative` means inside the directory `anAnchor`, simplified.
@@ -60,8 +67,10 @@ public:
     /// first directory of a relative anchor, is invalid.
     ///
     /// Asserts:  anAnchorPath.IsDirPath().
+    /// @{
     static vxPathName MakeCombinedFilePath(const vxPathName& anAnchor, const char* aRelative);
     static vxPathName MakeCombinedDirPath(const vxPathName& anAnchor, const char* aRelative);
+    /// @}
 
     /// The directory for short-lived files, as vxPath_GetTempDirPath() gives it.
     static vxPathName MakeTempDirPath();
@@ -75,13 +84,17 @@ public:
 
     // Questions about a path as text
 
+    /// Does it begin at the root? See vxPath_IsAbsolute().
     static bool IsAbsolute(const char* aPath);
 
     /// Does it lie on a medium or drive that users take out?
     static bool IsPathOnRemovableDrive(const char* aPath);
 
+    /// Is there a directory, or a file, of this name?
+    /// @{
     static bool DirExists(const vxCString& aPath);
     static bool FileExists(const vxCString& aPath);
+    /// @}
 
     /// Returns the path with single separators, that of a directory with one at its end; empty when
     /// the platform has no answer. See vxPath_Normalize().
@@ -102,8 +115,14 @@ public:
     /// Replaces file name and extension; a name without a dot has no extension.
     void SetFullName(const char* aName);
 
+    /// Replaces one part of the name, dots in it included, and keeps the other.
+    ///
+    /// A directory becomes a file by it; a file that loses both parts becomes its directory. An
+    /// invalid path stays invalid.
+    /// @{
     void SetFileName(const char* aName);
     void SetExtension(const char* anExtension);
+    /// @}
 
     /// Drops file name and extension: a file becomes the directory that holds it.
     void ToDirPath();
@@ -114,11 +133,12 @@ public:
     /// added. Without a directory yet, this is SetPath().
     void AppendPathPart(const char* aPart);
 
-    /// Resolves `.` and `..` in the directory and makes its separators single, by the text alone.
+    /// Resolves dots and double dots in the directory and makes its separators single, by the text
+    /// alone.
     ///
     /// A `..` that climbs above the root of an absolute path, or above the first directory of a
     /// relative one, makes the path invalid. Where a directory before a `..` is a symbolic link, the
-    /// result leads elsewhere. Beware that "./" becomes "/", the root: a relative directory of which
+    /// result leads elsewhere. Beware that `./` becomes `/`, the root: a relative directory of which
     /// nothing remains has no other form here.
     void SimplifyPath();
 
@@ -129,9 +149,12 @@ public:
 
     /// Returns kvxPathKind_*.
     int GetKind() const { return mPathKind; }
+    /// Tells what the path names: anything, a directory, a file.
+    /// @{
     bool IsValid() const { return mPathKind != kvxPathKind_Unknown; }
     bool IsDirPath() const { return mPathKind == kvxPathKind_Dir; }
     bool IsFilePath() const { return mPathKind == kvxPathKind_File; }
+    /// @}
 
     /// Returns the directory, with its separator at the end.
     vxCString GetPath() const { return mPath; }
@@ -149,8 +172,10 @@ public:
     vxCString GetFullPath() const;
 
     /// Returns the full path as a text that stays until the next call or change.
+    /// @{
     const char* c_str() const;
     operator const char*() const { return c_str(); }
+    /// @}
 
     /// Returns the name of the last directory, empty for the root.
     vxCString GetDirName() const;

@@ -48,6 +48,7 @@ public:
     /// Returns the file's name without directory and extension, or the name given.
     const vxCString& GetFileName() const { return mFileName; }
 
+    /// Are there functions to call, of a file or of the program itself?
     bool IsLoaded() const { return mfLoaded; }
 
     /// Returns an entry point; null when it is not loaded or the index is beyond the last.

@@ -59,8 +59,12 @@ public:
     /// Owner:    the loader.
     virtual vxPluginHandler* NewPluginHandler() = 0;
 
-    /// Returns the number of handlers, and one of them; null beyond the last.
+    /// Returns the number of handlers.
     unsigned int GetPluginCount() const;
+
+    /// Returns a handler, in the order of loading; null beyond the last.
+    ///
+    /// Owner:    the loader.
     vxPluginHandler* GetPlugin(unsigned int anIndex) const;
 
 protected:

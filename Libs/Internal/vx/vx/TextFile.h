@@ -25,6 +25,7 @@ public:
     vxTextFile(const vxTextFile&) = delete;
     vxTextFile& operator=(const vxTextFile&) = delete;
 
+    /// Could the file be opened?
     bool IsOpened() const { return mFile.IsOpened(); }
 
     /// Starts again with the first line; nothing without a file.

@@ -40,6 +40,7 @@ public:
         return mDuration <= theElapsed ? 0 : mDuration - theElapsed;
     }
 
+    /// Has the time run out?
     bool IsExpired() const { return Remaining() == 0; }
 
     /// Returns the tick counter.

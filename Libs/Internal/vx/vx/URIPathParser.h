@@ -34,9 +34,15 @@ public:
     vxURIPathParser& operator=(const vxURIPathParser&) = delete;
 
     /// Replaces the record by another one, or by that of another path.
+    ///
+    /// Owner:    the parser.
+    /// @{
     void Set(vxURI* anURI);
     void Set(const char* aPath, bool afDecode);
+    /// @}
 
+    /// Returns a copy of the record, null if there is none.
+    ///
     /// Owner:    the caller, who releases the copy with vxURI_Delete().
     vxURI* CloneURI() const { return vxURI_Clone(mURI); }
 
@@ -52,6 +58,7 @@ public:
     /// Replaces the arguments by those of a form body.
     void SetQuery(const char* aQuery) { vxURI_SetQueryFromPost(mURI, aQuery, true, true); }
 
+    /// Is there an argument of that name?
     bool HasQueryPart(const char* aName) const { return vxURI_HasQueryPart(mURI, aName); }
 
     /// Reads an argument; false and the default where it is absent.
@@ -61,6 +68,7 @@ public:
     bool FetchQueryPartAsUInt32(const char* aName, unsigned int& aValue,
                                 unsigned int aDefaultValue) const;
 
+    /// Returns the number of arguments, of which several may have one name.
     unsigned int GetQueryPartCount() const;
 
     /// Reads an argument by its place; false beyond the last.

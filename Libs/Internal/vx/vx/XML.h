@@ -21,11 +21,17 @@ enum vxXMLNodeType {
 /// Threads:  one at a time.
 class VX_EXPORT vxXMLProperty {
 public:
+    /// An attribute with an empty name and value.
     vxXMLProperty() : mNext(NULL) {}
+
+    /// A detached attribute; the value is plain text, which writers escape.
     vxXMLProperty(const vxCString& aName, const vxCString& aValue)
         : mName(aName), mValue(aValue), mNext(NULL) {}
 
+    /// Returns the name.
     const vxCString& GetName() const { return mName; }
+
+    /// Returns the value as plain text.
     const vxCString& GetValue() const { return mValue; }
 
     /// Returns the attribute behind this one, or null.
@@ -87,9 +93,13 @@ public:
 
     ~vxXMLNode();
 
+    /// Returns what the node is.
     vxXMLNodeType GetType() const { return mType; }
+    /// Returns the name; that of a text is "text" by convention.
     const vxCString& GetName() const { return mName; }
+    /// Returns the text of a text or comment; an element without children may have one.
     const vxCString& GetContent() const { return mContent; }
+    /// Returns the element that holds this node, or null.
     vxXMLNode* GetParent() const { return mParent; }
     /// Returns the first child, or null.
     vxXMLNode* GetChildren() const { return mChildren; }
@@ -100,13 +110,18 @@ public:
     /// Returns the top of the tree.
     vxXMLNode* GetRoot();
 
+    /// Replaces type, name or content; children and attributes stay, whatever the type.
+    /// @{
     void SetType(vxXMLNodeType aType) { mType = aType; }
     void SetName(const vxCString& aName) { mName = aName; }
     void SetContent(const vxCString& aContent) { mContent = aContent; }
+    /// @}
 
-    /// Returns the caller's pointer, which the node copies and never frees.
+    /// The caller's pointer, which the node copies and never frees; null at first.
+    /// @{
     void* GetUserData() const { return mUserData; }
     void SetUserData(void* aUserData) { mUserData = aUserData; }
+    /// @}
 
     /// Compares byte for byte.
     bool NameIs(const vxCString& aName) const { return mName == aName; }
@@ -129,15 +144,26 @@ public:
     bool RemoveChild(vxXMLNode* aChild);
 
     /// Appends an attribute; nobody looks whether the name is there already.
+    ///
+    /// Owner:    this node, also of those linked behind it.
+    /// Cost:     linear in the number of attributes.
+    /// @{
     void AddProperty(const vxCString& aName, const vxCString& aValue);
     void AddProperty(vxXMLProperty* aProperty);
+    /// @}
 
     /// Deletes the first attribute of a name; false if there is none.
     bool DeleteProperty(const vxCString& aName);
 
-    // The first attribute of exactly this name counts.
+    /// Tells whether there is an attribute of exactly this name.
     bool HasProperty(const vxCString& aName) const;
+
+    /// Reads the first attribute of exactly this name; the target may be null.
+    ///
+    /// Fails:    false if there is none; the target is left alone.
     bool GetPropertyValue(const vxCString& aName, vxCString* aValue) const;
+
+    /// Returns the value of the first attribute of exactly this name, or the default.
     vxCString GetPropertyValue(const vxCString& aName, const vxCString& aDefault) const;
 
     /// Returns the value as a number in base 10, blanks around it aside; else the default.
@@ -211,18 +237,30 @@ class VX_EXPORT vxXMLDocument {
 public:
     /// An empty document of version "1.0" in "utf-8".
     vxXMLDocument();
+    /// Copies the whole tree.
+    /// @{
     vxXMLDocument(const vxXMLDocument& aDocument);
     vxXMLDocument& operator=(const vxXMLDocument& aDocument);
+    /// @}
     virtual ~vxXMLDocument();
 
+    /// Returns a copy with its whole tree.
+    ///
     /// Owner:    the caller, who deletes the copy.
     vxXMLDocument* Clone() const;
 
     /// Deletes the old root and takes the new one.
     void SetRoot(vxXMLNode* aRoot);
+    /// Returns the root, or null.
+    ///
+    /// Owner:    the document.
     vxXMLNode* GetRoot() const { return mRoot; }
+    /// The version that the declaration names; nothing depends on it.
+    /// @{
     const vxCString& GetVersion() const { return mVersion; }
     void SetVersion(const vxCString& aVersion) { mVersion = aVersion; }
+    /// @}
+    /// Returns the encoding that the declaration names.
     const vxCString& GetContentEncoding() const { return mEncoding; }
 
     /// Has it a root?

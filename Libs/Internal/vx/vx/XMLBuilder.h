@@ -35,10 +35,13 @@ public:
     /// Opens an element, to which attributes may be added until something else is written.
     void StartTag(const char* aName);
 
+    /// Writes an attribute into the start tag that is open.
+    ///
     /// Asserts:  mfTagStarted; nothing is written then.
+    /// @{
     void AddAttribute(const char* aName, const char* aValue);
-    /// Asserts:  mfTagStarted; nothing is written then.
     void AddUInt32Attribute(const char* aName, uint32_t aValue);
+    /// @}
 
     /// Closes the innermost element of StartTag(), as an empty one when nothing was written into it.
     ///
@@ -58,16 +61,20 @@ public:
     /// written; 0 is no limit. An empty text gives an empty element.
     void AddTag(const char* aName, const char* aText, uint32_t aMaxLength, bool afDoubleEscape);
 
+    /// Writes a whole element around a number in decimal.
     void AddUInt32Tag(const char* aName, uint32_t aValue);
 
     /// Writes a whole element around bytes as they are.
     void AddRawTag(const char* aName, const void* aData, uint32_t aSize);
 
+    /// Writes a whole element without content.
     void AddEmptyTag(const char* aName);
 
     /// Writes an escaped text.
+    /// @{
     void AddText(const char* aText);
     void AddText(const vxCString& aText);
+    /// @}
 
     /// Writes a text as it is.
     void AddRaw(const char* aText);

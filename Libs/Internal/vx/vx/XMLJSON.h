@@ -18,8 +18,11 @@ class vxXMLNode;
 /// Threads:  one at a time.
 class VX_EXPORT vxXMLToJSON {
 public:
+    /// Starts at a node; without one, SetXMLStartNode() is to name it.
+    /// @{
     vxXMLToJSON();
     explicit vxXMLToJSON(const vxXMLNode* aNode);
+    /// @}
     virtual ~vxXMLToJSON() = default;
 
     /// Sets the node to start at instead of the one given at construction, also when it is null.

@@ -11,17 +11,17 @@ class vxXMLDocument;
 
 /// What a parser refuses to go beyond; texts come from outside.
 struct vxXMLParserLimits {
-    size_t mMaxDepth = 1000;                  // elements within each other
-    size_t mMaxAttributes = 256;              // of one element
-    size_t mMaxTextSize = 16 * 1024 * 1024;   // bytes of one text, attribute value or name
-    size_t mMaxFileSize = 256 * 1024 * 1024;  // bytes of a file
+    size_t mMaxDepth = 1000;                  ///< elements within each other
+    size_t mMaxAttributes = 256;              ///< of one element
+    size_t mMaxTextSize = 16 * 1024 * 1024;   ///< bytes of one text, attribute value or name
+    size_t mMaxFileSize = 256 * 1024 * 1024;  ///< bytes of a file
 };
 
 /// Codes of the errors that a parser gives; a file that cannot be read gives the code of the file.
 enum {
-    kvxXMLParserError_Syntax = 1,      // no well-formed XML
-    kvxXMLParserError_Limit = 2,       // well-formed so far, but beyond a limit
-    kvxXMLParserError_Unsupported = 3  // an internal subset, another encoding or version
+    kvxXMLParserError_Syntax = 1,      ///< no well-formed XML
+    kvxXMLParserError_Limit = 2,       ///< well-formed so far, but beyond a limit
+    kvxXMLParserError_Unsupported = 3  ///< an internal subset, another encoding or version
 };
 
 /// Reads XML 1.0 text in UTF-8 into a tree.
@@ -52,11 +52,17 @@ enum {
 /// Cost:     linear in the text.
 class VX_EXPORT vxXMLParser {
 public:
+    /// A parser with the limits that vxXMLParserLimits begins with.
     vxXMLParser() = default;
+
+    /// A parser with limits of its own.
     explicit vxXMLParser(const vxXMLParserLimits& aLimits) : mLimits(aLimits) {}
 
+    /// The limits of the parses to come.
+    /// @{
     void SetLimits(const vxXMLParserLimits& aLimits) { mLimits = aLimits; }
     const vxXMLParserLimits& GetLimits() const { return mLimits; }
+    /// @}
 
     /// Replaces the document by the tree of a text.
     ///

@@ -9,6 +9,7 @@
 
 VX_C_BEGIN
 
+/// A growing sequence of pointers that may own what they point to.
 typedef struct vxArray vxArray;
 
 /// Releases one element.

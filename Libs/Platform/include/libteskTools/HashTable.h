@@ -20,6 +20,7 @@ typedef bool (*vxHashTable_ForEachFunc)(void* aUserData, const char* aKey, void*
 
 // The plain table: keys are bytes with a length, each key has one value.
 
+/// A table whose keys are bytes with a length.
 typedef struct vxHashTable vxHashTable;
 
 /// Creates an empty table; with a null free function it borrows its values.
@@ -60,6 +61,7 @@ VX_API bool vxHashTable_ForEach(vxHashTable* aTable, vxHashTable_ForEachFunc aFu
 // The custom table: keys are texts, values pointers or 32-bit numbers, and one key may have several
 // values.
 
+/// A table whose keys are texts, and may have several values.
 typedef struct vxCustomHashTable vxCustomHashTable;
 
 /// Creates an empty table of pointers; with a null free function it borrows them.
@@ -111,6 +113,7 @@ VX_API bool vxCustomHashTable_Lookup(const vxCustomHashTable* aTable, const char
 VX_API void* vxCustomHashTable_LookupAt(const vxCustomHashTable* aTable, const char* aKey,
                                         size_t anIndex);
 
+/// Tells whether a key has at least one value.
 VX_API bool vxCustomHashTable_HasKey(const vxCustomHashTable* aTable, const char* aKey);
 
 /// Visits all entries as vxHashTable_ForEach() does; a key with several values is visited for each.

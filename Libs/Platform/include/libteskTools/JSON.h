@@ -22,16 +22,18 @@
 #include <libteskTools/Types.h>
 
 /// The kind of a node, as bits: a node has exactly one, a question may ask for several.
+/// @{
 #define kvxJSON_False 0x0001
 #define kvxJSON_True 0x0002
 #define kvxJSON_NULL 0x0004
 #define kvxJSON_String 0x0008
 #define kvxJSON_Array 0x0010
 #define kvxJSON_Object 0x0020
-#define kvxJSON_Number 0x0040        // unsigned integer
-#define kvxJSON_SignedNumber 0x0080  // signed integer
-#define kvxJSON_Double 0x0100        // floating-point number
+#define kvxJSON_Number 0x0040        ///< unsigned integer
+#define kvxJSON_SignedNumber 0x0080  ///< signed integer
+#define kvxJSON_Double 0x0100        ///< floating-point number
 #define kvxJSON_Numeric (kvxJSON_Number | kvxJSON_SignedNumber | kvxJSON_Double)
+/// @}
 
 /// The position that stands for the end of an array.
 #define kvxJSON_Append 0xFFFFFFFFu
@@ -41,7 +43,10 @@
 
 VX_C_BEGIN
 
+/// A node: a value with what lies below it.
 typedef struct vxJSON_t vxJSON_t;
+
+/// The words that MPack writes as numbers.
 typedef struct vxJSONMPackDictionary_t vxJSONMPackDictionary_t;
 
 // ---- Text
@@ -132,7 +137,10 @@ VX_API const char* vxJSONMPackDictionary_GetStringAtIndex(
 
 // ---- Nodes
 
-/// Each creates a root of its kind; the caller frees it with vxJSON_Delete() or links it.
+/// Creates a root of this kind.
+///
+/// Owner:    the caller, who frees it with vxJSON_Delete() or links it.
+/// @{
 VX_API vxJSON_t* vxJSON_CreateObject(void);
 VX_API vxJSON_t* vxJSON_CreateArray(void);
 VX_API vxJSON_t* vxJSON_CreateNull(void);
@@ -140,8 +148,11 @@ VX_API vxJSON_t* vxJSON_CreateBool(int aValue);
 VX_API vxJSON_t* vxJSON_CreateDouble(double aValue);
 VX_API vxJSON_t* vxJSON_CreateInt64(int64_t aValue);
 VX_API vxJSON_t* vxJSON_CreateUInt64(uint64_t aValue);
+/// @}
 
-/// Copies the text; a null text counts as empty.
+/// Creates a string from a copy of the text; a null text counts as empty.
+///
+/// Owner:    as vxJSON_CreateObject().
 VX_API vxJSON_t* vxJSON_CreateString(const char* aText);
 
 /// Copies a subtree, with the name of its top node, into a tree of its own; null gives null.

@@ -14,6 +14,7 @@
 
 VX_C_BEGIN
 
+/// A list of pointers.
 typedef struct vxPtrList vxPtrList;
 
 /// One place in a list. It stays valid, and other nodes keep their place, until it is removed.
@@ -66,10 +67,19 @@ VX_API vxPtrListNode* vxPtrList_GetNodeAt(const vxPtrList* aList, size_t anIndex
 /// Returns the first node holding that pointer, or null.
 VX_API vxPtrListNode* vxPtrList_Find(const vxPtrList* aList, const void* aPtr);
 
+/// Returns the node at the end that the name says, or null for an empty list.
+/// @{
 VX_API vxPtrListNode* vxPtrList_GetFirstNode(const vxPtrList* aList);
 VX_API vxPtrListNode* vxPtrList_GetLastNode(const vxPtrList* aList);
+/// @}
+
+/// Returns the node beside a node, or null at the end.
+/// @{
 VX_API vxPtrListNode* vxPtrListNode_GetNext(const vxPtrListNode* aNode);
 VX_API vxPtrListNode* vxPtrListNode_GetPrevious(const vxPtrListNode* aNode);
+/// @}
+
+/// Returns the pointer at a node.
 VX_API void* vxPtrListNode_GetPtr(const vxPtrListNode* aNode);
 
 /// Visits the pointers in order until the callback answers false; the result is the last answer,

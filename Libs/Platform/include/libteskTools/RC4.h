@@ -6,9 +6,9 @@ VX_C_BEGIN
 
 /// The state of an RC4 stream: the permutation and its two indexes.
 typedef struct vxRC4Key {
-    unsigned char theState[256];
-    unsigned char x;
-    unsigned char y;
+    unsigned char theState[256];  ///< the permutation
+    unsigned char x;              ///< index that every byte moves by one
+    unsigned char y;              ///< index that the permutation moves
 } vxRC4Key;
 
 /// Prepares a stream from `aLength` bytes of key, by RC4's key schedule.

@@ -5,6 +5,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/// Stands around declarations that have C linkage in C++, too.
+/// @{
 #ifdef __cplusplus
 #define VX_C_BEGIN extern "C" {
 #define VX_C_END }
@@ -12,6 +14,7 @@
 #define VX_C_BEGIN
 #define VX_C_END
 #endif
+/// @}
 
 /// Marks a declaration as visible outside its shared library.
 #define VX_API __attribute__((visibility("default")))

@@ -10,8 +10,8 @@ VX_C_BEGIN
 
 /// An unsigned 64-bit number: `mHigh` * 2^32 + `mLow`.
 typedef struct vxULongLong {
-    uint32_t mLow;
-    uint32_t mHigh;
+    uint32_t mLow;   ///< low 32 bits
+    uint32_t mHigh;  ///< high 32 bits
 } vxULongLong;
 
 /// Sets both words.

@@ -10,22 +10,22 @@ VX_C_BEGIN
 
 /// An argument of a query, decoded.
 typedef struct vxURIQueryPart {
-    char* mName;
-    char* mValue;  // empty where there is no '='
+    char* mName;   ///< never null
+    char* mValue;  ///< empty where there is no '='
 } vxURIQueryPart;
 
 /// A parsed URI. Texts are owned, and null where the URI lacks them.
 typedef struct vxURI {
-    char* mScheme;
-    char* mUserInfo;
-    char* mHostName;
-    uint16_t mPort;  // 0: none
-    char* mPath;
-    char* mQuery;  // as written, without the '?'
-    char* mFragment;
-    vxURIQueryPart* mQueryParts;  // in order
-    size_t mQueryPartCount;
-    char* mQueryTexts;  // the block that the parts point into
+    char* mScheme;                ///< without the ":"
+    char* mUserInfo;              ///< without the "@"
+    char* mHostName;              ///< without the port
+    uint16_t mPort;               ///< 0: none
+    char* mPath;                  ///< with "%" where nobody asked to decode it
+    char* mQuery;                 ///< as written, without the '?'
+    char* mFragment;              ///< without the "#"
+    vxURIQueryPart* mQueryParts;  ///< in order
+    size_t mQueryPartCount;       ///< of mQueryParts
+    char* mQueryTexts;            ///< the block that the parts point into
 } vxURI;
 
 /// Parses a path with what may follow it: "/path?query#fragment".
@@ -57,16 +57,17 @@ VX_API void vxURI_TruncatePathBegin(vxURI* anURI, size_t aCount);
 VX_API void vxURI_SetQueryFromPost(vxURI* anURI, const char* aText, bool afReplace,
                                    bool afDecodePlus);
 
-// The first of several parts of one name counts. A null record has no parts, and no part has a null
-// name.
-
+/// Tells whether the query has a part of that name.
+///
+/// A null record has no parts, and no part has a null name.
 VX_API bool vxURI_HasQueryPart(const vxURI* anURI, const char* aName);
 
-/// Returns the value of a part, or null.
+/// Returns the value of the first part of that name, or null.
 ///
 /// Owner:    the caller, who releases the text with free().
 VX_API char* vxURI_GetQueryPart(const vxURI* anURI, const char* aName);
 
+/// Returns the number of parts, 0 for a null record.
 VX_API size_t vxURI_GetQueryPartCount(const vxURI* anURI);
 
 /// Stores copies of a part's name and value; false beyond the last part.

@@ -3,15 +3,19 @@
 #include <libteskTools/Types.h>
 
 /// Levels of a record. A module's level lets records of that level and below through.
+/// @{
 #define VXLOGLEVEL_NONE 0
 #define VXLOGLEVEL_ERROR 1
 #define VXLOGLEVEL_WARNING 2
 #define VXLOGLEVEL_INFO 3
 #define VXLOGLEVEL_DEBUG 4
+/// @}
 
 /// Number of the part of a program that logs. Programs number theirs from 256.
 typedef uint16_t vxLogModule;
 
+/// The parts of the library that log; VXLOG_M_DEFAULT is for what belongs to none.
+/// @{
 #define VXLOG_M_DEFAULT 0
 #define VXLOG_M_QUERY 8
 #define VXLOG_M_SELECT 25
@@ -20,6 +24,7 @@ typedef uint16_t vxLogModule;
 #define VXLOG_M_FILE 42
 #define VXLOG_M_THREADING 44
 #define VXLOG_M_JSON 144
+/// @}
 
 /// Stands for every module where a level is set.
 #define kvxLogAllModules ((vxLogModule)0xFFFF)

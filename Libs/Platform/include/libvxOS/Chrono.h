@@ -6,7 +6,7 @@ VX_C_BEGIN
 
 /// A stopwatch on the monotonic clock: the moment it was started, in nanoseconds.
 typedef struct vxChrono {
-    uint64_t mStart;
+    uint64_t mStart;  ///< nanoseconds; 0: never started
 } vxChrono;
 
 /// Sets a stopwatch to never started; it then measures nothing.

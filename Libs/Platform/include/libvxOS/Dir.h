@@ -8,10 +8,10 @@
 
 /// Which entries a walk yields; to be combined.
 enum {
-    vxDIR_FILES = 0x0001,   // everything that is not a directory
-    vxDIR_DIRS = 0x0002,    // directories, and symbolic links to directories
-    vxDIR_HIDDEN = 0x0004,  // also those whose name begins with a dot
-    vxDIR_DOTDOT = 0x0008,  // the entry "..", whatever the other bits say
+    vxDIR_FILES = 0x0001,   ///< everything that is not a directory
+    vxDIR_DIRS = 0x0002,    ///< directories, and symbolic links to directories
+    vxDIR_HIDDEN = 0x0004,  ///< also those whose name begins with a dot
+    vxDIR_DOTDOT = 0x0008,  ///< the entry "..", whatever the other bits say
     vxDIR_DEFAULT = vxDIR_FILES | vxDIR_DIRS | vxDIR_HIDDEN
 };
 
@@ -20,9 +20,9 @@ enum { kvxDirTraverserStatus_NoError = 0, kvxDirTraverserStatus_Error = 1 };
 
 /// One entry of a directory.
 typedef struct vxDirEntry {
-    const char* mName;  // never null, without directory
-    int mfDir;          // non-zero for a directory or a symbolic link to one
-    int mfHidden;       // non-zero if the name begins with a dot
+    const char* mName;  ///< never null, without directory
+    int mfDir;          ///< non-zero for a directory or a symbolic link to one
+    int mfHidden;       ///< non-zero if the name begins with a dot
 } vxDirEntry;
 
 /// A walk over the entries of one directory.

@@ -11,10 +11,14 @@
 
 /// An open file, or kvxFileFDInvalid; every operation answers kvxFileErrorUnknown to the latter.
 typedef intptr_t vxFileFD;
+
+/// Stands for no open file.
 #define kvxFileFDInvalid ((vxFileFD)-1)
 
 /// A position or size in bytes, signed and of 64 bits on every target.
 typedef int64_t vxFileOffset;
+
+/// Stands for a position or size that is not known.
 #define kvxFileOffsetInvalid ((vxFileOffset)-1)
 
 /// How a file is opened; to be combined. At least one of Read and Write is needed.
@@ -22,10 +26,10 @@ enum {
     vxFileOpenMode_Read = 0x01,
     vxFileOpenMode_Write = 0x02,
     vxFileOpenMode_ReadWrite = 0x03,
-    vxFileOpenMode_Exclusive = 0x04,  // with Create: fail if the file is there already
-    vxFileOpenMode_Append = 0x08,     // every write goes to the end of the file
-    vxFileOpenMode_Create = 0x10,     // make the file if it is not there
-    vxFileOpenMode_Truncate = 0x20    // with Write: start with an empty file
+    vxFileOpenMode_Exclusive = 0x04,  ///< with Create: fail if the file is there already
+    vxFileOpenMode_Append = 0x08,     ///< every write goes to the end of the file
+    vxFileOpenMode_Create = 0x10,     ///< make the file if it is not there
+    vxFileOpenMode_Truncate = 0x20    ///< with Write: start with an empty file
 };
 
 /// What a position is counted from.
@@ -37,11 +41,11 @@ enum { vxFileAccessMode_Read = 1, vxFileAccessMode_Write = 2, vxFileAccessMode_R
 
 /// Results below 0; 0 is success.
 enum {
-    kvxFileErrorUnknown = -1,  // every other reason
+    kvxFileErrorUnknown = -1,  ///< every other reason
     kvxFileErrorReadOnlyFileSystem = -2,
     kvxFileErrorNotFound = -3,
     kvxFileErrorAlreadyExists = -4,
-    kvxFileErrorNoSpace = -5  // device or quota is full
+    kvxFileErrorNoSpace = -5  ///< device or quota is full
 };
 
 VX_C_BEGIN

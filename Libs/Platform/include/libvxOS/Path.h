@@ -7,18 +7,18 @@
 
 /// Which form a normalized path has. On POSIX the native form is the generic one.
 enum {
-    kvxPathNormalizeMode_Generic = 0x00,      // separators are `/`
-    kvxPathNormalizeMode_NativeSlash = 0x01,  // separators are the system's
-    kvxPathNormalizeMode_NativeForm = 0x02,   // what else the system writes its own way
+    kvxPathNormalizeMode_Generic = 0x00,      ///< separators are `/`
+    kvxPathNormalizeMode_NativeSlash = 0x01,  ///< separators are the system's
+    kvxPathNormalizeMode_NativeForm = 0x02,   ///< what else the system writes its own way
     kvxPathNormalizeMode_Native = 0x03
 };
 
 /// What a path lies on.
 enum {
-    kvxPathType_Unknown = 0,  // nothing has this name
-    kvxPathType_Remote = 1,   // another machine's file system
+    kvxPathType_Unknown = 0,  ///< nothing has this name
+    kvxPathType_Remote = 1,   ///< another machine's file system
     kvxPathType_Fixed = 2,
-    kvxPathType_Removable = 3  // a medium or drive that users take out
+    kvxPathType_Removable = 3  ///< a medium or drive that users take out
 };
 
 VX_C_BEGIN

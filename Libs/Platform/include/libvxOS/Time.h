@@ -11,16 +11,16 @@ VX_C_BEGIN
 
 /// A date and time in calendar fields.
 typedef struct vxtm {
-    int32_t tm_sec;    // 0 to 60
-    int32_t tm_min;    // 0 to 59
-    int32_t tm_hour;   // 0 to 23
-    int32_t tm_mday;   // 1 to 31
-    int32_t tm_mon;    // 0 to 11
-    int32_t tm_year;   // years since 1900
-    int32_t tm_isdst;  // daylight-saving time: 1 yes, 0 no, -1 not known
-    int32_t tm_wday;   // days since Sunday
-    int32_t tm_yday;   // days since January 1
-    int32_t tm_msec;   // milliseconds, 0 to 999
+    int32_t tm_sec;    ///< 0 to 60
+    int32_t tm_min;    ///< 0 to 59
+    int32_t tm_hour;   ///< 0 to 23
+    int32_t tm_mday;   ///< 1 to 31
+    int32_t tm_mon;    ///< 0 to 11
+    int32_t tm_year;   ///< years since 1900
+    int32_t tm_isdst;  ///< daylight-saving time: 1 yes, 0 no, -1 not known
+    int32_t tm_wday;   ///< days since Sunday
+    int32_t tm_yday;   ///< days since January 1
+    int32_t tm_msec;   ///< milliseconds, 0 to 999
 } vxtm;
 
 /// Fills `aTime` with the time since 1970; the seconds stay at the largest value from 2038 on.
