@@ -211,6 +211,7 @@ SIZE_ON_32_BITS(vxURIPathParser, 12);
 
 // Processes
 SIZE_ON_32_BITS(vxSingleInstanceChecker, 4);
+FIELDS_IN_ORDER(vxBenchMark, mFile, mFileName, mChrono, mLogModule);
 
 // Obfuscation
 FIELDS_IN_ORDER(vxRC4Key, theState, x, y);

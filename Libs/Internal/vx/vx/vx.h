@@ -5,6 +5,7 @@
 #include "vx/ActivityManager.h"
 #include "vx/Applet.h"
 #include "vx/BeforeNextSpace.h"
+#include "vx/BenchMark.h"
 #include "vx/BitString.h"
 #include "vx/CLIApplet.h"
 #include "vx/CLICommand.h"
