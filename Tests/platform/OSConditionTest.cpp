@@ -143,6 +143,41 @@ TEST_F(OSConditionTest, EverySignalWakesOneMoreOfTheWaitingThreads) {
     EXPECT_EQ(theTickets, 0);
 }
 
+TEST_F(OSConditionTest, OneSignalEndsOneOfTwoWaits) {
+    vxtest::Latch theFirstWaits(1);
+    vxtest::Latch theSecondWaits(1);
+    bool theFirstIsBack = false;
+    int theResult = -1;
+    std::thread theFirst([&] {
+        vxMutex_Lock(mMutex);
+        theFirstWaits.CountDown();
+        EXPECT_EQ(vxCondition_Wait(mCondition, mMutex), 0);
+        theFirstIsBack = true;
+        vxMutex_Unlock(mMutex);
+    });
+    theFirstWaits.Wait();
+    std::thread theSecond([&] {
+        vxMutex_Lock(mMutex);  // free only while the first sleeps
+        theSecondWaits.CountDown();
+        theResult = vxCondition_WaitTimeout(mCondition, mMutex, 50);
+        vxMutex_Unlock(mMutex);
+    });
+    theSecondWaits.Wait();
+    vxMutex_Lock(mMutex);
+    vxCondition_Signal(mCondition);
+    vxMutex_Unlock(mMutex);
+    theSecond.join();
+    vxMutex_Lock(mMutex);
+    if (theResult == 0) {
+        EXPECT_FALSE(theFirstIsBack);
+        vxCondition_Signal(mCondition);
+    } else {
+        EXPECT_EQ(theResult, ETIMEDOUT);
+    }
+    vxMutex_Unlock(mMutex);
+    theFirst.join();
+}
+
 TEST_F(OSConditionTest, TwoThreadsHandATurnBackAndForthWithoutLosingOne) {
     constexpr int kRounds = 20000;
     int theTurn = 0;

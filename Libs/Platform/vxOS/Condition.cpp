@@ -1,5 +1,7 @@
 // A waiting thread sleeps on the number of signals that it read while it held the mutex. Every
-// signal changes the number, so one that comes before the thread is asleep keeps it awake.
+// signal changes the number, so one that comes before the thread is asleep keeps it awake. A signal
+// is also given to the waiters, and the first of them that has the mutex again takes it along: each
+// signal ends one wait, whichever thread the kernel woke.
 
 #include <libvxOS/Condition.h>
 
@@ -11,11 +13,28 @@
 
 struct vxOSCondition {
     std::atomic<uint32_t> mSignals{0};        // modulo 2^32
-    std::atomic<uint32_t> mWaiters{0};        // threads between their entry and their wake-up
+    std::atomic<uint32_t> mWaiters{0};        // threads inside a wait
+    std::atomic<uint32_t> mGiven{0};          // signals for waiters that have not left yet
     std::atomic<vxOSMutex*> mMutex{nullptr};  // of the waiters, while there are any
 };
 
 namespace {
+
+/// Gives one more waiter a reason to leave, unless every one has it.
+void vxGive(vxOSCondition* aCondition, uint32_t aWaiters) {
+    if (aCondition->mGiven.load(std::memory_order_relaxed) < aWaiters) {
+        aCondition->mGiven.fetch_add(1, std::memory_order_relaxed);
+    }
+}
+
+/// Takes one signal along; false when others have taken them all. The caller holds the mutex.
+bool vxTake(vxOSCondition* aCondition) {
+    if (aCondition->mGiven.load(std::memory_order_relaxed) == 0) {
+        return false;
+    }
+    aCondition->mGiven.fetch_sub(1, std::memory_order_relaxed);
+    return true;
+}
 
 int vxWait(vxOSCondition* aCondition, vxOSMutex* aMutex, const vxDeadline* aDeadline) {
     if (aCondition == nullptr || aMutex == nullptr) {
@@ -25,20 +44,22 @@ int vxWait(vxOSCondition* aCondition, vxOSMutex* aMutex, const vxDeadline* aDead
         return EPERM;
     }
     aCondition->mMutex.store(aMutex, std::memory_order_relaxed);
-    // A signal either sees this waiter or has changed the number already: both sides use the one
-    // total order.
-    aCondition->mWaiters.fetch_add(1);
-    const uint32_t theSignals = aCondition->mSignals.load();
-    const uint32_t theRepeats = aMutex->mLock.LetGo();
-    int theResult = 0;
-    while (theResult == 0 && aCondition->mSignals.load() == theSignals) {
-        theResult = vxFutex_Wait(&aCondition->mSignals, theSignals, aDeadline);
+    if (aCondition->mWaiters.fetch_add(1) == 0) {
+        aCondition->mGiven.store(0, std::memory_order_relaxed);
     }
-    aMutex->mLock.TakeBack(theRepeats);
+    int theResult;
+    bool theTook;
+    do {
+        const uint32_t theSignals = aCondition->mSignals.load();
+        const uint32_t theRepeats = aMutex->mLock.LetGo();
+        theResult = vxFutex_Wait(&aCondition->mSignals, theSignals, aDeadline);
+        aMutex->mLock.TakeBack(theRepeats);
+        // Also when the time is over: a signal that came before the mutex was back may have no
+        // other thread to wake.
+        theTook = vxTake(aCondition);
+    } while (!theTook && theResult == 0);
     aCondition->mWaiters.fetch_sub(1);
-    // A signal that came after the time was over, but before the mutex was back, may have no other
-    // thread to wake: it counts.
-    return aCondition->mSignals.load() == theSignals ? theResult : 0;
+    return theTook ? 0 : theResult;
 }
 
 }  // namespace
@@ -64,10 +85,13 @@ int vxCondition_Signal(vxOSCondition* aCondition) {
     if (aCondition == nullptr) {
         return EINVAL;
     }
-    aCondition->mSignals.fetch_add(1);
-    if (aCondition->mWaiters.load() == 0) {
+    const uint32_t theWaiters = aCondition->mWaiters.load();
+    if (theWaiters == 0) {
         return 0;
     }
+    // In this order: who sees the new number sees what was given.
+    vxGive(aCondition, theWaiters);
+    aCondition->mSignals.fetch_add(1);
     vxRecursiveLock& theLock = aCondition->mMutex.load(std::memory_order_relaxed)->mLock;
     if (theLock.IsHeld()) {
         // The woken thread would only run into the mutex that the caller still holds.

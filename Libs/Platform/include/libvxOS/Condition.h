@@ -33,8 +33,8 @@ VX_API int vxCondition_Wait(vxOSCondition* aCondition, vxOSMutex* aMutex);
 /// As vxCondition_Wait(), for at most `aMSTimeout` milliseconds of the monotonic clock. Every value
 /// is a time, also 0xFFFFFFFF: 49.7 days.
 ///
-/// Fails:    ETIMEDOUT when the time is over; otherwise as vxCondition_Wait(). The mutex is held
-///           again in either case.
+/// Fails:    ETIMEDOUT when the time is over and no signal is left for this thread; otherwise as
+///           vxCondition_Wait(). The mutex is held again in either case.
 VX_API int vxCondition_WaitTimeout(vxOSCondition* aCondition, vxOSMutex* aMutex,
                                    uint32_t aMSTimeout);
 
