@@ -108,6 +108,19 @@ TEST(ActivityManagerTest, ChangesWhileIdleDoNotRestartTheDuration) {
     EXPECT_EQ(theManager.GetInactivityDuration(), 5U);
 }
 
+TEST(ActivityManagerTest, ActivityWhileTheDurationIsTakenDoesNotTurnItAround) {
+    vxtest::ScriptedClock theClock(0, {100, 0});
+    vxActivityManager theManager;
+    theClock.Advance(5000);
+    theClock.AfterNextTime([&] {
+        theClock.Advance(2000);
+        theManager.IncrementModuleActivity("player");
+        theManager.DecrementModuleActivity("player");
+    });
+    EXPECT_EQ(theManager.GetInactivityDuration(), 5U);
+    EXPECT_EQ(theManager.GetInactivityDuration(), 0U);
+}
+
 TEST(ActivityManagerTest, NamesAreCopied) {
     vxActivityManager theManager;
     std::string theName = "player";

@@ -7,6 +7,7 @@
 #include <libvxOS/Thread.h>
 
 #include <atomic>
+#include <utility>
 
 #include "support/Forward.h"
 
@@ -58,6 +59,25 @@ vxtimeval ScriptedClock::GetTime() const {
     return mTime;
 }
 
+void ScriptedClock::AfterNextTime(std::function<void()> anAction) {
+    std::lock_guard<std::mutex> theLock(mMutex);
+    mAfterNextTime = std::move(anAction);
+}
+
+vxtimeval ScriptedClock::TakeTime() {
+    vxtimeval theTime;
+    std::function<void()> theAction;
+    {
+        std::lock_guard<std::mutex> theLock(mMutex);
+        theTime = mTime;
+        theAction.swap(mAfterNextTime);
+    }
+    if (theAction) {
+        theAction();
+    }
+    return theTime;
+}
+
 void ScriptedClock::Sleep(uint32_t aMS) {
     std::lock_guard<std::mutex> theLock(mMutex);
     mSleeps.push_back(aMS);
@@ -79,8 +99,8 @@ uint32_t vxTime_GetTickCount(void) {
 }
 
 void vxMonoliticTime_GetTime(vxtimeval* aTime) {
-    if (const vxtest::ScriptedClock* theClock = sClock) {
-        *aTime = theClock->GetTime();
+    if (vxtest::ScriptedClock* theClock = sClock) {
+        *aTime = theClock->TakeTime();
         return;
     }
     VXTEST_REAL(vxMonoliticTime_GetTime)(aTime);

@@ -6,6 +6,7 @@
 #include <libvxOS/TimeVal.h>
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <vector>
 
@@ -30,6 +31,13 @@ public:
     uint32_t GetTick() const;
     vxtimeval GetTime() const;
 
+    /// Runs `anAction` once, behind the next reading of the monotonic time: what another thread
+    /// might do before the reader goes on.
+    void AfterNextTime(std::function<void()> anAction);
+
+    /// Reads the monotonic time for the platform.
+    vxtimeval TakeTime();
+
     /// Moves both clocks on by the duration of the sleep, and remembers it.
     void Sleep(uint32_t aMS);
 
@@ -43,6 +51,7 @@ private:
     uint32_t mTick;
     vxtimeval mTime;
     std::vector<uint32_t> mSleeps;
+    std::function<void()> mAfterNextTime;
 };
 
 }  // namespace vxtest

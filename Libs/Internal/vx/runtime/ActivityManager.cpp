@@ -104,8 +104,9 @@ uint32_t vxActivityManager::GetInactivityDuration() const {
     if (mfActivity.load()) {
         return 0;
     }
-    const vxtimeval theNow = vxNow();
+    // In this order: a module that is active in between must not move the beginning behind the end.
     const vxtimeval theSince = vxFromWord(mTimeVal.load());
+    const vxtimeval theNow = vxNow();
     vxtimeval theDuration;
     vxTimeVal_Substract(&theDuration, &theNow, &theSince);
     return static_cast<uint32_t>(theDuration.tv_sec);
