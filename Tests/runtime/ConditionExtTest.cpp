@@ -42,6 +42,7 @@ TEST(ConditionExtTest, TimeoutKeepsNoSignal) {
     vxConditionExt theCondition(&theMutex, false);
     vxMutexLocker theLock(&theMutex);
     theLocks.mWaitResult = ETIMEDOUT;
+    theLocks.mInWait = [&] { theCondition.Signal(); };
     EXPECT_EQ(theCondition.WaitTimeout(5), ETIMEDOUT);
     EXPECT_EQ(theCondition.Wait(), ETIMEDOUT);
     EXPECT_EQ(theCondition.WaitTimeout(0xFFFFFFFF), ETIMEDOUT);

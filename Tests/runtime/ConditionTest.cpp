@@ -96,6 +96,21 @@ TEST(ConditionTest, ErrorsOfThePlatformAreHandedOut) {
     EXPECT_EQ(theCondition.Wait(), 0);
 }
 
+TEST(ConditionTest, WaitTakesASignalThatCameDuringItWhateverItsResult) {
+    vxtest::ScriptedLocks theLocks;
+    theLocks.mWaitResult = ETIMEDOUT;
+    vxCondition theCondition;
+    theLocks.mInWait = [&] { theCondition.Signal(); };
+    EXPECT_EQ(theCondition.WaitTimeout(5), ETIMEDOUT);
+    EXPECT_EQ(theCondition.WaitTimeout(6), ETIMEDOUT);
+    EXPECT_THAT(theLocks.mWaits, ElementsAre("WaitTimeout 5", "WaitTimeout 6"));
+
+    vxCondition theManual(true, false);
+    theLocks.mInWait = [&] { theManual.Signal(); };
+    EXPECT_EQ(theManual.WaitTimeout(7), ETIMEDOUT);
+    EXPECT_EQ(theManual.WaitTimeout(8), 0);
+}
+
 TEST(ConditionTest, TimedWaitLastsAtLeastAsLongAsAsked) {
     vxCondition theCondition;
     const auto theStart = std::chrono::steady_clock::now();

@@ -4,9 +4,13 @@
 
 #include <unistd.h>
 
+#include <atomic>
 #include <thread>
 #include <type_traits>
+#include <vector>
 
+#include "support/Forward.h"
+#include "support/Latch.h"
 #include "support/Reports.h"
 #include "support/ScriptedLocks.h"
 
@@ -15,6 +19,24 @@ namespace {
 using testing::EndsWith;
 
 static_assert(!std::is_copy_constructible_v<vxSelect>);
+
+std::atomic<vxtest::Latch*> sInsideSelect{nullptr};
+
+}  // namespace
+
+// Stands in front of the system's, and says that a thread is inside a wait.
+extern "C" __attribute__((visibility("default"))) int pselect(int aCount, fd_set* aReadSet,
+                                                              fd_set* aWriteSet,
+                                                              fd_set* anExceptSet,
+                                                              const timespec* aTimeout,
+                                                              const sigset_t* aMask) {
+    if (vxtest::Latch* theLatch = sInsideSelect) {
+        theLatch->CountDown();
+    }
+    return VXTEST_REAL(pselect)(aCount, aReadSet, aWriteSet, anExceptSet, aTimeout, aMask);
+}
+
+namespace {
 
 TEST(SelectTest, SignalIsKeptForTheNextSelect) {
     vxSelect theSelect;
@@ -55,6 +77,29 @@ TEST(SelectTest, SignalFromAnotherThreadEndsTheWait) {
     EXPECT_EQ(theSelect.Select(NULL, NULL, NULL, 0, NULL, &theTriggered), 0);
     EXPECT_TRUE(theTriggered);
     theOther.join();
+}
+
+TEST(SelectTest, TerminateEndsEverySelectUnderWay) {
+    constexpr int kThreads = 2;
+    vxtest::Latch theInside(kThreads);
+    sInsideSelect = &theInside;
+    vxSelect theSelect;
+    ASSERT_EQ(theSelect.Setup(), 0);
+    std::vector<std::thread> theThreads;
+    for (int i = 0; i < kThreads; ++i) {
+        theThreads.emplace_back([&theSelect] {
+            bool theTriggered = false;
+            EXPECT_EQ(theSelect.Select(NULL, NULL, NULL, 0, NULL, &theTriggered), 0);
+            EXPECT_TRUE(theTriggered);
+        });
+    }
+    theInside.Wait();
+    theSelect.Terminate();
+    for (std::thread& theThread : theThreads) {
+        theThread.join();
+    }
+    sInsideSelect = nullptr;
+    EXPECT_LT(theSelect.Select(NULL, NULL, NULL, 0, NULL, NULL), 0);
 }
 
 TEST(SelectTest, FailedSetupIsLoggedAndLeavesNothing) {

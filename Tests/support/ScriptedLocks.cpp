@@ -12,6 +12,13 @@ namespace {
 
 vxtest::ScriptedLocks* sLocks = nullptr;
 
+int vxAnswerWait() {
+    if (sLocks->mInWait) {
+        sLocks->mInWait();
+    }
+    return *sLocks->mWaitResult;
+}
+
 }  // namespace
 
 namespace vxtest {
@@ -74,7 +81,7 @@ int vxCondition_Wait(vxOSCondition* aCondition, vxOSMutex* aMutex) {
     if (sLocks != nullptr) {
         sLocks->mWaits.push_back("Wait");
         if (sLocks->mWaitResult) {
-            return *sLocks->mWaitResult;
+            return vxAnswerWait();
         }
     }
     return VXTEST_REAL(vxCondition_Wait)(aCondition, aMutex);
@@ -84,7 +91,7 @@ int vxCondition_WaitTimeout(vxOSCondition* aCondition, vxOSMutex* aMutex, uint32
     if (sLocks != nullptr) {
         sLocks->mWaits.push_back("WaitTimeout " + std::to_string(aMSTimeout));
         if (sLocks->mWaitResult) {
-            return *sLocks->mWaitResult;
+            return vxAnswerWait();
         }
     }
     return VXTEST_REAL(vxCondition_WaitTimeout)(aCondition, aMutex, aMSTimeout);

@@ -3,6 +3,7 @@
 // A platform whose locks fail on demand. Linking it replaces the operations below in the whole test
 // program; they are forwarded where nothing is scripted.
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,6 +28,7 @@ struct ScriptedLocks {
     std::optional<int> mSignalResult;
     std::optional<int> mWaitResult;
 
+    std::function<void()> mInWait;    // what happens during a wait that is answered
     std::vector<std::string> mWaits;  // of conditions: "Wait" or "WaitTimeout 20", oldest first
 };
 
