@@ -137,6 +137,17 @@ SIZE_ON_32_BITS(vxJSONArray, 12);
 SIZE_ON_32_BITS(vxJSONDocument, 12);
 SIZE_ON_32_BITS(vxJSONPair, 12);
 SIZE_ON_32_BITS(vxMPackDictionary, 12);
+FIELDS_IN_ORDER(vxJSONMessageParam, mKey, mValue);
+FIELDS_IN_ORDER(vxJSONMessageBuilder, mFuncName, mStatus, mJSONParams);
+
+// XML
+FIELDS_IN_ORDER(vxXMLProperty, mName, mValue, mNext);
+FIELDS_IN_ORDER(vxXMLNode, mType, mName, mContent, mProperties, mParent, mChildren, mNext,
+                mUserData);
+FIELDS_IN_ORDER(vxXMLDocument, mVersion, mEncoding, mRoot);
+FIELDS_IN_ORDER(vxXMLBuilder, mBuffer, mTagArray, mfTagStarted);
+FIELDS_IN_ORDER(vxXMLToJSON, mXMLNode, mXMLStartNode, mfXMLStartNode);
+SIZE_ON_32_BITS(vxXMLToJSON, 16);
 
 // Console
 FIELDS_IN_ORDER(vxCLIParameter, mType, mValue, mValueStr, mfMissing, mDataBuffer);
@@ -263,6 +274,10 @@ TEST(LayoutTest, PluginLoadersHaveTheirOperationsBehindTheDestructor) {
     EXPECT_EQ(SlotOf(&vxPluginLoader::UnloadPlugins), 5);
     EXPECT_EQ(SlotOf(&vxPluginLoader::IsPluginActive), 6);
     EXPECT_EQ(SlotOf(&vxPluginLoader::NewPluginHandler), 7);
+}
+
+TEST(LayoutTest, ConvertersConvertInTheFirstSlot) {
+    EXPECT_EQ(SlotOf(&vxXMLToJSON::ConvertTo), 0);
 }
 
 TEST(LayoutTest, ConsoleAppletsAddTheirOperationsBehindTheInheritedOnes) {

@@ -51,6 +51,48 @@ TEST(JSONMessageBuilderTest, ABooleanIsNoStatus) {
     EXPECT_STREQ(theBuilder.GetParameter("z"), "null");
 }
 
+TEST(JSONMessageBuilderTest, TheTextIsIndented) {
+    vxJSONMessageBuilder theBuilder;
+    theBuilder.SetStatus(true);
+    EXPECT_STREQ(theBuilder.ToJSON(),
+                 "{\n    \"function_name\": \"\",\n    \"status\": \"true\",\n"
+                 "    \"parameters\": {}\n}");
+}
+
+TEST(JSONMessageBuilderTest, EachMemberOfAWrongKindIsLogged) {
+    struct Case {
+        const char* mText;
+        std::vector<std::string> mLogs;
+    };
+    const Case kCases[] = {
+        {R"({"function_name":"f","status":"false","parameters":{}})", {}},
+        {R"({"function_name":5,"status":"true","parameters":{}})", {kFuncName}},
+        {R"({"function_name":"f","status":null,"parameters":{}})", {kStatus}},
+        {R"({"function_name":"f","status":"true","parameters":[]})", {kParameters}},
+        {R"({"Function_name":"f","Status":"true","Parameters":{}})",
+         {kFuncName, kStatus, kParameters}},
+        {R"(["function_name"])", {kFuncName, kStatus, kParameters}},
+    };
+    for (const Case& theCase : kCases) {
+        SCOPED_TRACE(theCase.mText);
+        vxtest::Reports theReports;
+        const vxJSONMessageBuilder theBuilder(theCase.mText);
+        EXPECT_EQ(theReports.LogTexts(), theCase.mLogs);
+    }
+}
+
+TEST(JSONMessageBuilderTest, ParametersAreReadInOrderWithTheirRawValues) {
+    vxJSONMessageBuilder theBuilder;
+    theBuilder.AddParameter("z", "old");
+    theBuilder.Set(R"({"function_name":"f","status":"true","parameters":)"
+                   R"({"z":"new","a":"q\"","d":1.5,"b":false,"o":{"x":[1]},"a":"again"}})");
+    EXPECT_STREQ(theBuilder.GetParameter("z"), "old");
+    EXPECT_STREQ(theBuilder.GetParameter("a"), "q\"");
+    const vxJSONDocument theDocument(theBuilder.ToJSON());
+    EXPECT_STREQ(theDocument["parameters"].ToString(false),
+                 R"({"z":"new","a":"again","d":"1.5","b":"false","o":"{\"x\":[1]}"})");
+}
+
 TEST(JSONMessageBuilderTest, TheStatusIsComparedInItsCase) {
     EXPECT_FALSE(vxJSONMessageBuilder(R"({"status": "True"})").GetStatus());
     EXPECT_TRUE(vxJSONMessageBuilder(R"({"status": "true"})").GetStatus());

@@ -23,7 +23,7 @@ std::string Read(const vxJSONEntry& anEntry, const char* aPath) {
 TEST(JSONPathTest, PathsAreReadAsTheyAreScanned) {
     const vxJSONDocument theDocument(
         "{\"a\":{\"b\":{\"c\":1},\"$\":5},\"list\":[10,{\"name\":\"x\",\"b\":2},[7]],\"$\":[3],"
-        "\"\":{\"z\":4},\"with space\":6,\"a]\":8}");
+        "\"\":{\"z\":4},\"with space\":6,\"a]\":8,\"long\":[0,1,2,3,4,5,6,7,8,9,10]}");
     struct Row {
         const char* mPath;
         const char* mResult;
@@ -47,6 +47,9 @@ TEST(JSONPathTest, PathsAreReadAsTheyAreScanned) {
         {"list[0x1].b", "2"},
         {"list[01].b", "2"},
         {"list[+1].b", "2"},
+        {"long[010]", "8"},
+        {"long[08]", "(none)"},
+        {"long[0xA]", "10"},
         {"list[-1]", "(none)"},
         {"list[ 1]", "(none)"},
         {"list[]", "(none)"},

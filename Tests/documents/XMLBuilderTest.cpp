@@ -97,6 +97,51 @@ TEST(XMLBuilderTest, ALimitCountsBytesOfOutputAndCutsNoEntity) {
     }
 }
 
+TEST(XMLBuilderTest, ALimitCountsTheLongerEntitiesOfDoubleEscaping) {
+    EXPECT_STREQ(vxXMLBuilder::Escape("a<b", 3, 8, true), "a");
+    EXPECT_STREQ(vxXMLBuilder::Escape("a<b", 3, 9, true), "a&amp;lt;");
+    EXPECT_STREQ(vxXMLBuilder::Escape("a<b", 3, 10, true), "a&amp;lt;b");
+    vxXMLBuilder theBuilder(0);
+    theBuilder.AddTag("t", "a&b", 4, false);
+    theBuilder.AddTag("t", "a&b", 0, true);
+    theBuilder.AddTag("t", "&", 4, false);
+    EXPECT_STREQ(theBuilder.TakeXML(), "<t>a</t><t>a&amp;amp;b</t><t></t>");
+}
+
+TEST(XMLBuilderTest, TextAndAttributesAreEscapedOnceAndRawTextNever) {
+    vxXMLBuilder theBuilder(0);
+    theBuilder.StartTag("a");
+    theBuilder.AddAttribute("k", "\"'<>&");
+    theBuilder.AddText("\"'<>&");
+    theBuilder.AddText(vxCString("&amp;"));
+    theBuilder.AddRaw("&amp;\"");
+    theBuilder.EndTag();
+    EXPECT_STREQ(
+        theBuilder.TakeXML(),
+        "<a k=\"&quot;&apos;&lt;&gt;&amp;\">&quot;&apos;&lt;&gt;&amp;&amp;amp;&amp;\"</a>");
+}
+
+TEST(XMLBuilderTest, EverythingButAttributesEndsTheStartTag) {
+    vxXMLBuilder theBuilder(0);
+    theBuilder.StartTag("a");
+    theBuilder.AddText("");
+    theBuilder.AddStartTag("b", false);
+    theBuilder.AddRaw("");
+    theBuilder.AddStartTag("c", false);
+    theBuilder.AddText(vxCString());
+    theBuilder.AddStartTag("d", false);
+    theBuilder.CloseStartTag();
+    theBuilder.CloseStartTag();
+    theBuilder.AddStartTag("e", false);
+    theBuilder.AddEmptyTag("f");
+    theBuilder.AddStartTag("g", false);
+    theBuilder.AddTag("h", "", 0, false);
+    theBuilder.AddEndTag("other");
+    theBuilder.AddStartTag("i", false);
+    theBuilder.EndTag();
+    EXPECT_STREQ(theBuilder.TakeXML(), "<a><b><c><d><e><f/><g><h/></other><i/>");
+}
+
 TEST(XMLBuilderTest, EscapeAndAddLeavesAnOpenStartTagOpen) {
     vxXMLBuilder theBuilder(0);
     theBuilder.StartTag("a");

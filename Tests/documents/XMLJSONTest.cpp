@@ -41,6 +41,17 @@ constexpr ConversionCase kConversionCases[] = {
     {"<a><!--c--><b>1</b></a>", R"({"a":{"comment":{},"b":"1"}})"},
     {"<a><b>1</b><c>2</c><b>3</b></a>", R"({"a":{"b":["1","3"],"c":"2"}})"},
     {"<a><b><c>1</c></b><b><c>2</c></b></a>", R"({"a":{"b":[{"c":"1"},{"c":"2"}]}})"},
+    {"<a><b/><b/></a>", R"({"a":{"b":[{}]}})"},
+    {"<a><b/><b/><b>1</b><b/></a>", R"({"a":{"b":[{},"1"]}})"},
+    {"<a><b><c/><c>1</c></b><b/><d>2</d></a>", R"({"a":{"b":[{"c":[{},"1"]}],"d":"2"}})"},
+    {"<a><b>1<c/></b><b>2<c/></b></a>", R"({"a":{"b":["1","2"]}})"},
+    {"<a><b>1</b><B>2</B></a>", R"({"a":{"b":"1","B":"2"}})"},
+    {"<a><!--c--><!--d--></a>", R"({"a":{"comment":[{}]}})"},
+    // Text takes the place of a member named like it, which elements then add to.
+    {"<a><text><b/></text>x</a>", R"({"a":{"text":"x"}})"},
+    {"<a><text><b/></text>x<text>y</text></a>", R"({"a":{"text":["x","y"]}})"},
+    {"<a><text>y</text><text>z</text>x</a>", R"({"a":{"text":"x"}})"},
+    {"<a>x<text>y</text></a>", R"({"a":"x"})"},
 };
 
 TEST(XMLJSONTest, ElementsBecomeMembers) {
@@ -57,6 +68,65 @@ TEST(XMLJSONTest, SiblingsOfTheStartNodeAreConvertedToo) {
     vxJSONDocument theJSON("{\"kept\":1}");
     EXPECT_TRUE(vxXMLToJSON(theParent.GetChildren()).ConvertTo(theJSON));
     EXPECT_STREQ(theJSON.ToString(false), R"({"kept":1,"a":{},"text":"t"})");
+}
+
+TEST(XMLJSONTest, MembersOfTheTargetAreAddedTo) {
+    struct Case {
+        const char* mTarget;
+        const char* mResult;
+    };
+    constexpr Case kCases[] = {
+        {R"({"a":1,"z":2})", R"({"a":[1,{"b":"x"}],"z":2})"},
+        {R"({"a":[1,2]})", R"({"a":[1,2,{"b":"x"}]})"},
+        {R"({"a":{"k":[1]}})", R"({"a":[{"k":[1]},{"b":"x"}]})"},
+        {R"({"a":null})", R"({"a":[null,{"b":"x"}]})"},
+        {R"({"A":1})", R"({"A":1,"a":{"b":"x"}})"},
+    };
+    for (const Case& theCase : kCases) {
+        SCOPED_TRACE(theCase.mTarget);
+        vxXMLNode theNode(vxXMLNodeType_Element, "a", "");
+        theNode.AddChild(new vxXMLNode(vxXMLNodeType_Element, "b", ""));
+        theNode.GetChildren()->AddChild(new vxXMLNode(vxXMLNodeType_Text, "text", "x"));
+        vxJSONDocument theJSON(theCase.mTarget);
+        EXPECT_TRUE(vxXMLToJSON(&theNode).ConvertTo(theJSON));
+        EXPECT_STREQ(theJSON.ToString(false), theCase.mResult);
+    }
+}
+
+TEST(XMLJSONTest, TextIsNamedLikeItsNode) {
+    vxXMLNode theParent(vxXMLNodeType_Element, "p", "");
+    theParent.AddChild(new vxXMLNode(vxXMLNodeType_Text, "note", "one"));
+    theParent.AddChild(new vxXMLNode(vxXMLNodeType_Text, "note", "two"));
+    vxJSONDocument theJSON(R"({"note":[1]})");
+    EXPECT_TRUE(vxXMLToJSON(theParent.GetChildren()).ConvertTo(theJSON));
+    EXPECT_STREQ(theJSON.ToString(false), R"({"note":"two"})");
+}
+
+TEST(XMLJSONTest, WithoutAnyNodeTheTargetIsReset) {
+    vxJSONDocument theJSON("{\"a\":1}");
+    EXPECT_FALSE(vxXMLToJSON().ConvertTo(theJSON));
+    EXPECT_STREQ(theJSON.ToString(false), "{}");
+    EXPECT_EQ(vxXMLToJSON().GetRootNode(), nullptr);
+}
+
+// Every level holds its name twice, so a copy of what the first holds would be made at each.
+TEST(XMLJSONTest, RepeatedNamesAtEveryLevelCostNoCopies) {
+    constexpr int kLevels = 20000;
+    vxXMLNode theTop(vxXMLNodeType_Element, "a", "");
+    vxXMLNode* theNode = &theTop;
+    for (int i = 0; i < kLevels; ++i) {
+        theNode->AddChild(new vxXMLNode(vxXMLNodeType_Element, "a", ""));
+        theNode->AddChild(new vxXMLNode(vxXMLNodeType_Element, "a", ""));
+        theNode = theNode->GetChildren();
+    }
+    vxJSONDocument theJSON(kvxJSONDocumentRoot_Object);
+    EXPECT_TRUE(vxXMLToJSON(&theTop).ConvertTo(theJSON));
+    vxJSONEntry theEntry = theJSON["a"];
+    for (int i = 0; i < kLevels; ++i) {
+        ASSERT_EQ(theEntry["a"].GetCount(), 1U);
+        theEntry = theEntry["a"][0];
+    }
+    EXPECT_STREQ(theEntry.ToString(false), "{}");
 }
 
 TEST(XMLJSONTest, AnExplicitStartNodeCountsAlsoWhenItIsNull) {

@@ -47,6 +47,9 @@ constexpr TextCase kTextCases[] = {
     {"<a><!-- c --><b/></a>", "<a>\n  <!-- c -->\n  <b/>\n</a>\n"},
     {"<n:a-1._b/>", "<n:a-1._b/>\n"},
     {"<\xC3\xA9/>", "<\xC3\xA9/>\n"},
+    {"<a\xC2\xB7\xCC\x80/>", "<a\xC2\xB7\xCC\x80/>\n"},
+    {"<\xF0\x90\x80\x80/>", "<\xF0\x90\x80\x80/>\n"},
+    {"<?xml-stylesheet x?><!DOCTYPE a PUBLIC '-//x//EN' 'y'><a/>", "<a/>\n"},
 };
 
 TEST(XMLParserTest, TextBecomesATree) {
@@ -103,6 +106,34 @@ constexpr TextCase kRefusals[] = {
     {"<?xml version='1.0' encoding='latin1'?><a/>",
      "line 1, column 38: expected the encoding UTF-8"},
     {"<?xml version='2.0'?><a/>", "line 1, column 20: expected version 1.0"},
+    {"<?xml version='1.'?><a/>", "line 1, column 19: expected version 1.0"},
+    {"<?xml version='1.0x'?><a/>", "line 1, column 21: expected version 1.0"},
+    {"<?xml version='1.0'encoding='utf-8'?><a/>", "line 1, column 20: expected \"?>\""},
+    {"<?xml version='1.0' standalone='maybe'?><a/>",
+     "line 1, column 39: expected standalone=\"yes\" or \"no\""},
+    {"<?xml version='1.0' encoding='US-ASCII'?><\xC3\xA9/>",
+     "line 1, column 43: expected a character of us-ascii"},
+    {" <?xml version='1.0'?><a/>", "line 1, column 4: expected a name other than \"xml\""},
+    {"<a><?XML x?></a>", "line 1, column 6: expected a name other than \"xml\""},
+    {"<a><? x?></a>", "line 1, column 6: expected a name"},
+    {"<?p+?><a/>", "line 1, column 4: expected a blank or \"?>\""},
+    {"<?p ?", "line 1, column 6: expected \"?>\""},
+    {"<!-- -- --><a/>", "line 1, column 6: expected \"-->\""},
+    {"<a/><!-- --->", "line 1, column 10: expected \"-->\""},
+    {"<a/><!-- --", "line 1, column 10: expected \"-->\""},
+    {"<!--\x02--><a/>", "line 1, column 5: expected a character that XML allows"},
+    {"<a b='\xEF\xBF\xBF'/>", "line 1, column 7: expected a character that XML allows"},
+    {"<\xC3\x97/>", "line 1, column 2: expected a name"},
+    {"<\xC2\xB7/>", "line 1, column 2: expected a name"},
+    {"<!DOCTYPE a><!DOCTYPE a><a/>", "line 1, column 14: expected a name"},
+    {"<!DOCTYPEa><a/>", "line 1, column 10: expected a blank"},
+    {"<!DOCTYPE 'a'><a/>", "line 1, column 11: expected a name"},
+    {"<!DOCTYPE a b><a/>", "line 1, column 13: expected \">\""},
+    {"<!DOCTYPE a SYSTEM b><a/>", "line 1, column 20: expected a quoted text"},
+    {"<!DOCTYPE a SYSTEM 'b><a/>", "line 1, column 27: expected the closing quote"},
+    {"<!DOCTYPE a PUBLIC 'b'><a/>", "line 1, column 23: expected a blank"},
+    {"<!DOCTYPE a PUBLIC '<' 'c'><a/>",
+     "line 1, column 23: expected a public name of characters that XML allows there"},
     {"<a", "line 1, column 3: expected a blank, \">\" or \"/>\""},
     {"<", "line 1, column 2: expected a name"},
 };
@@ -196,6 +227,9 @@ TEST(XMLParserTest, TheWritersExceptionsAreThese) {
     EXPECT_EQ(ReadAndWritten("<a>&amp;amp;</a>"), "<a>&amp;</a>\n");
     EXPECT_EQ(ReadAndWritten("<a b='x&#10;y&#9;z'/>"), "<a b=\"x\ny\tz\"/>\n");
     EXPECT_EQ(ReadAndWritten("<p>a<b/>c</p>"), "<p>a\n  <b/>c</p>\n");
+    EXPECT_EQ(ReadAndWritten("<p>a<!--b-->c</p>"), "<p>a\n  <!--b-->c</p>\n");
+    EXPECT_EQ(ReadAndWritten("<a>x&#13;y</a>"), "<a>x\ry</a>\n");
+    EXPECT_EQ(ReadAndWritten(ReadAndWritten("<a><b/><![CDATA[ ]]></a>")), "<a>\n  <b/>\n</a>\n");
 }
 
 }  // namespace

@@ -88,19 +88,22 @@ TEST(XMLTest, UnknownNodesAreReportedAndLeftOut) {
 
 TEST(XMLTest, TheFirstFailingPieceStopsTheWriter) {
     const std::unique_ptr<vxXMLNode> theTree(MakeTree());
+    theTree->AddProperty("k", "x&y");
     struct Output {
         int mLeft;
         int mCalls;
     };
-    for (int theLeft = 0; theLeft < 10; ++theLeft) {
+    const vxXMLOutput thePiece = [](void* aContext, const vxCString&) {
+        Output* theState = static_cast<Output*>(aContext);
+        ++theState->mCalls;
+        return theState->mLeft-- > 0;
+    };
+    Output theWhole = {1000, 0};
+    EXPECT_TRUE(theTree->Save(thePiece, &theWhole));
+    EXPECT_GT(theWhole.mCalls, 20);
+    for (int theLeft = 0; theLeft < theWhole.mCalls; ++theLeft) {
         Output theOutput = {theLeft, 0};
-        EXPECT_FALSE(theTree->Save(
-            [](void* aContext, const vxCString&) {
-                Output* theState = static_cast<Output*>(aContext);
-                ++theState->mCalls;
-                return theState->mLeft-- > 0;
-            },
-            &theOutput));
+        EXPECT_FALSE(theTree->Save(thePiece, &theOutput));
         EXPECT_EQ(theOutput.mCalls, theLeft + 1);
     }
 }
@@ -121,6 +124,52 @@ TEST(XMLTest, PiecesJoinToTheWholeText) {
     EXPECT_EQ(theText, kTree);
     EXPECT_THAT(thePieces, testing::Contains(" x=\""));
     EXPECT_THAT(thePieces, testing::Contains("\n  "));
+}
+
+TEST(XMLTest, RunsBetweenEscapedBytesAreSinglePieces) {
+    vxXMLNode theNode(vxXMLNodeType_Element, "e", "");
+    theNode.AddProperty("k", "one two&three\"");
+    vxXMLNode* theChild = Element("c");
+    theChild->AddChild(new vxXMLNode(vxXMLNodeType_Comment, "comment", "<&>\""));
+    theNode.AddChild(theChild);
+    std::vector<std::string> thePieces;
+    EXPECT_TRUE(theNode.Save(
+        [](void* aContext, const vxCString& aText) {
+            static_cast<std::vector<std::string>*>(aContext)->push_back(aText.c_str());
+            return true;
+        },
+        &thePieces));
+    EXPECT_THAT(thePieces, ElementsAre("<", "e", " k=\"", "one two", "&amp;", "three", "&quot;",
+                                       "\"", ">", "\n  ", "<", "c", ">", "\n    ", "<!--", "<&>\"",
+                                       "-->", "\n  ", "</", "c", ">", "\n", "</", "e", ">", "\n"));
+}
+
+TEST(XMLTest, SavingAppendsToTheText) {
+    vxCString theText = "before ";
+    EXPECT_TRUE(vxXMLNode(vxXMLNodeType_Comment, "comment", " c ").SaveStr(theText));
+    EXPECT_STREQ(theText, "before <!-- c -->\n");
+}
+
+TEST(XMLTest, AttributesCanBeAddedAsTheyAre) {
+    vxXMLNode theNode(vxXMLNodeType_Element, "e", "");
+    theNode.AddProperty(new vxXMLProperty("b", "1"));
+    theNode.AddProperty(new vxXMLProperty("a", "2"));
+    theNode.AddProperty("b", "3");
+    EXPECT_EQ(Saved(theNode), "<e b=\"1\" a=\"2\" b=\"3\"/>\n");
+    EXPECT_STREQ(theNode.GetProperties()->GetNext()->GetName(), "a");
+    EXPECT_STREQ(theNode.GetProperties()->GetNext()->GetValue(), "2");
+    EXPECT_TRUE(theNode.DeleteProperty("a"));
+    theNode.AddProperty("c", "4");
+    EXPECT_EQ(Saved(theNode), "<e b=\"1\" b=\"3\" c=\"4\"/>\n");
+}
+
+TEST(XMLTest, TypesHaveTheirValues) {
+    EXPECT_EQ(vxXMLNodeType_Unknown, 0);
+    EXPECT_EQ(vxXMLNodeType_Element, 1);
+    EXPECT_EQ(vxXMLNodeType_Text, 2);
+    EXPECT_EQ(vxXMLNodeType_Comment, 3);
+    EXPECT_EQ(vxXMLNode().GetType(), vxXMLNodeType_Unknown);
+    EXPECT_EQ(vxXMLNode().GetUserData(), nullptr);
 }
 
 TEST(XMLTest, ANodeWithAParentBecomesItsFirstChild) {
@@ -158,6 +207,8 @@ TEST(XMLTest, CopiesAreDeepAndDetached) {
     theTarget = *theTree;
     EXPECT_EQ(Saved(theTarget), kTree);
     EXPECT_EQ(theTarget.GetChildren()->GetParent(), &theTarget);
+    EXPECT_EQ(theTarget.GetChildren()->GetUserData(), &theData);
+    EXPECT_STREQ(theTarget.GetChildren()->GetNext()->GetPropertyValue("x", ""), "y");
     EXPECT_EQ(Saved(*theTree), kTree);
 }
 
@@ -369,7 +420,11 @@ TEST(XMLTest, DocumentsAreCopiedWhole) {
     theTarget = theDocument;
     const vxXMLDocument& theSame = theTarget;
     theTarget = theSame;
+    const vxXMLDocument theCopy(theDocument);
     theDocument.SetRoot(NULL);
+    EXPECT_FALSE(theDocument.IsOk());
+    EXPECT_TRUE(theCopy.IsOk());
+    EXPECT_EQ(Saved(*theCopy.GetRoot()), kTree);
     EXPECT_EQ(Saved(*theClone->GetRoot()), kTree);
     EXPECT_EQ(Saved(*theTarget.GetRoot()), kTree);
 }
@@ -380,10 +435,20 @@ TEST(XMLTest, DocumentsAreSavedIntoFiles) {
     const std::string thePath = testing::TempDir() + "vx-xml-test.xml";
     EXPECT_TRUE(theDocument.Save(vxCString(thePath.c_str()), true));
     EXPECT_TRUE(theDocument.Save(vxCString(thePath.c_str()), false));
-    vxFile theFile(thePath.c_str(), vxFileOpenMode_Read);
-    char theText[200] = {};
-    theFile.Read(theText, sizeof(theText) - 1);
-    EXPECT_STREQ(theText, kTree);
+    const auto theSaved = [&thePath] {
+        vxFile theFile(thePath.c_str(), vxFileOpenMode_Read);
+        char theText[200] = {};
+        theFile.Read(theText, sizeof(theText) - 1);
+        return std::string(theText);
+    };
+    EXPECT_EQ(theSaved(), kTree);
+    {
+        vxFile theOpen(thePath.c_str(), vxFileOpenMode_Write | vxFileOpenMode_Append);
+        EXPECT_TRUE(theDocument.Save(&theOpen, false));
+    }
+    EXPECT_EQ(theSaved(), std::string(kTree) + kTree);
+    vxFile theReader(thePath.c_str(), vxFileOpenMode_Read);
+    EXPECT_FALSE(theDocument.Save(&theReader, false));
     vxFile::Remove(thePath.c_str());
 }
 

@@ -59,14 +59,70 @@ bool vxIsBlankText(const vxCString& aText) {
     return true;
 }
 
-bool vxStartsName(char aChar) {
-    const unsigned char theByte = static_cast<unsigned char>(aChar);
-    return (theByte >= 'a' && theByte <= 'z') || (theByte >= 'A' && theByte <= 'Z') ||
-           theByte == '_' || theByte == ':' || theByte >= 0x80;
+struct vxRange {
+    uint32_t mFirst;
+    uint32_t mLast;
+};
+
+/// The characters that a name may begin with, in rising order.
+constexpr vxRange kvxXML_NameStarts[] = {
+    {':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},
+    {0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
+    {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
+    {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF},
+};
+
+/// Those that it may go on with besides.
+constexpr vxRange kvxXML_NameOthers[] = {
+    {'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040},
+};
+
+template <size_t Count>
+bool vxIsIn(const vxRange (&aRanges)[Count], uint32_t aCode) {
+    for (const vxRange& theRange : aRanges) {
+        if (aCode <= theRange.mLast) {
+            return aCode >= theRange.mFirst;
+        }
+    }
+    return false;
 }
 
-bool vxContinuesName(char aChar) {
-    return vxStartsName(aChar) || (aChar >= '0' && aChar <= '9') || aChar == '-' || aChar == '.';
+/// Decodes the character at the start of valid UTF-8 and stores its number of bytes.
+uint32_t vxCharacterAt(const char* aText, size_t* aSize) {
+    const unsigned char theLead = static_cast<unsigned char>(*aText);
+    *aSize = theLead < 0x80 ? 1 : theLead < 0xE0 ? 2 : theLead < 0xF0 ? 3 : 4;
+    uint32_t theCode = *aSize == 1 ? theLead : theLead & (0x7FU >> *aSize);
+    for (size_t i = 1; i < *aSize; ++i) {
+        theCode = theCode << 6 | (static_cast<unsigned char>(aText[i]) & 0x3F);
+    }
+    return theCode;
+}
+
+/// Returns the end of the name at the start of valid UTF-8; that start where no name is.
+const char* vxEndOfName(const char* aText, const char* anEnd) {
+    const char* thePos = aText;
+    while (thePos != anEnd) {
+        size_t theSize = 0;
+        const uint32_t theCode = vxCharacterAt(thePos, &theSize);
+        if (!vxIsIn(kvxXML_NameStarts, theCode) &&
+            (thePos == aText || !vxIsIn(kvxXML_NameOthers, theCode))) {
+            break;
+        }
+        thePos += theSize;
+    }
+    return thePos;
+}
+
+/// May this character stand in the public name of a document type?
+bool vxIsPublic(char aChar) {
+    return (aChar >= 'a' && aChar <= 'z') || (aChar >= 'A' && aChar <= 'Z') ||
+           (aChar != '\0' && strchr("0123456789 \r\n-'()+,./:=?;!*#@$_%", aChar) != NULL);
+}
+
+/// Is this a version of XML 1, whose documents may all be read as version 1.0?
+bool vxIsVersion1(std::string_view aText) {
+    return aText.size() > 2 && aText.substr(0, 2) == "1." &&
+           aText.find_first_not_of("0123456789", 2) == std::string_view::npos;
 }
 
 /// May this code point stand in a document at all?
@@ -150,10 +206,16 @@ private:
     }
 
     bool CheckEncoding();
+    bool CheckCharacters();
+    bool CheckASCII();
     bool ReadDeclaration();
     bool ReadPseudoAttribute(std::string_view aName, std::string_view* aValue);
     bool ReadProlog();
     bool ReadDoctype();
+    bool ReadLiteral(std::string_view* aText);
+    bool ReadInstruction();
+    bool FindCommentEnd(const char** anEnd);
+    bool SkipName(std::string_view* aName);
     bool SkipUntil(std::string_view anEnd, const char* aExpected);
     bool ReadName(vxCString* aName);
     bool ReadContent();
@@ -183,6 +245,7 @@ private:
     std::string mText;        // of the text node that is being read
     bool mfInText = false;    // there is one
     bool mfHasCData = false;  // it came in part from a CDATA section, and is text even when blank
+    bool mfHasDoctype = false;
     vxCString mVersion = "1.0";
     const vxCString mTextName = "text";
     const vxCString mCommentName = "comment";
@@ -193,8 +256,9 @@ private:
 };
 
 bool vxXMLReader::Read() {
-    return CheckEncoding() && ReadDeclaration() && ReadProlog() && ReadStartTag() &&
-           ReadContent() && ReadProlog() && (AtEnd() || Fail("the end of the document"));
+    return CheckEncoding() && CheckCharacters() && ReadDeclaration() && ReadProlog() &&
+           ReadStartTag() && ReadContent() && ReadProlog() &&
+           (AtEnd() || Fail("the end of the document"));
 }
 
 vxError vxXMLReader::Error() const {
@@ -231,6 +295,30 @@ bool vxXMLReader::CheckEncoding() {
     return true;
 }
 
+// Looks for control characters, and for the last two code points of the first plane. Nothing else that
+// is valid UTF-8 is forbidden.
+bool vxXMLReader::CheckCharacters() {
+    for (const char* i = mPos; i != mEnd; ++i) {
+        const unsigned char theByte = static_cast<unsigned char>(*i);
+        if ((theByte < 0x20 && !vxIsBlank(*i)) ||
+            (theByte == 0xEF && i[1] == '\xBF' && static_cast<unsigned char>(i[2]) >= 0xBE)) {
+            mPos = i;
+            return Fail("a character that XML allows");
+        }
+    }
+    return true;
+}
+
+bool vxXMLReader::CheckASCII() {
+    for (const char* i = mPos; i != mEnd; ++i) {
+        if (static_cast<unsigned char>(*i) >= 0x80) {
+            mPos = i;
+            return Fail("a character of us-ascii");
+        }
+    }
+    return true;
+}
+
 bool vxXMLReader::ReadDeclaration() {
     if (!Looks("<?xml") || mEnd - mPos < 6 || !vxIsBlank(mPos[5])) {
         return true;
@@ -240,19 +328,26 @@ bool vxXMLReader::ReadDeclaration() {
     if (!SkipBlanks() || !ReadPseudoAttribute("version", &theValue)) {
         return Fail("version=\"1.0\"");
     }
-    if (theValue.substr(0, 2) != "1.") {
+    if (!vxIsVersion1(theValue)) {
         return Fail("version 1.0", kvxXMLParserError_Unsupported);
     }
     mVersion = vxCString(theValue.data(), theValue.size());
-    SkipBlanks();
-    if (ReadPseudoAttribute("encoding", &theValue)) {
+    bool theHasBlank = SkipBlanks();
+    if (theHasBlank && ReadPseudoAttribute("encoding", &theValue)) {
         const vxCString theEncoding(theValue.data(), theValue.size());
-        if (theEncoding.CompareNoCase("utf-8") != 0 && theEncoding.CompareNoCase("us-ascii") != 0) {
+        const bool theIsASCII = theEncoding.CompareNoCase("us-ascii") == 0;
+        if (!theIsASCII && theEncoding.CompareNoCase("utf-8") != 0) {
             return Fail("the encoding UTF-8", kvxXMLParserError_Unsupported);
         }
-        SkipBlanks();
+        if (theIsASCII && !CheckASCII()) {
+            return false;
+        }
+        theHasBlank = SkipBlanks();
     }
-    if (ReadPseudoAttribute("standalone", &theValue)) {
+    if (theHasBlank && ReadPseudoAttribute("standalone", &theValue)) {
+        if (theValue != "yes" && theValue != "no") {
+            return Fail("standalone=\"yes\" or \"no\"");
+        }
         SkipBlanks();
     }
     return Skip("?>") || Fail("\"?>\"");
@@ -286,14 +381,16 @@ bool vxXMLReader::ReadProlog() {
     for (;;) {
         SkipBlanks();
         if (Skip("<!--")) {
-            if (!SkipUntil("-->", "\"-->\"")) {
+            const char* theEnd = NULL;
+            if (!FindCommentEnd(&theEnd)) {
                 return false;
             }
+            mPos = theEnd + 3;
         } else if (Skip("<?")) {
-            if (!SkipUntil("?>", "\"?>\"")) {
+            if (!ReadInstruction()) {
                 return false;
             }
-        } else if (mRoot == NULL && Looks("<!DOCTYPE")) {
+        } else if (mRoot == NULL && !mfHasDoctype && Skip("<!DOCTYPE")) {
             if (!ReadDoctype()) {
                 return false;
             }
@@ -304,19 +401,87 @@ bool vxXMLReader::ReadProlog() {
 }
 
 bool vxXMLReader::ReadDoctype() {
-    for (char theQuote = '\0'; !AtEnd(); ++mPos) {
-        if (theQuote != '\0') {
-            theQuote = *mPos == theQuote ? '\0' : theQuote;
-        } else if (*mPos == '"' || *mPos == '\'') {
-            theQuote = *mPos;
-        } else if (*mPos == '[') {
-            return Fail("a DOCTYPE without an internal subset", kvxXMLParserError_Unsupported);
-        } else if (*mPos == '>') {
-            ++mPos;
-            return true;
+    mfHasDoctype = true;
+    std::string_view theText;
+    if (!SkipBlanks()) {
+        return Fail("a blank");
+    }
+    if (!SkipName(&theText)) {
+        return false;
+    }
+    const bool theHasBlank = SkipBlanks();
+    const bool theIsPublic = theHasBlank && Skip("PUBLIC");
+    if (theIsPublic) {
+        if (!ReadLiteral(&theText)) {
+            return false;
+        }
+        for (const char theChar : theText) {
+            if (!vxIsPublic(theChar)) {
+                return Fail("a public name of characters that XML allows there");
+            }
         }
     }
-    return Fail("\">\"");
+    if ((theIsPublic || (theHasBlank && Skip("SYSTEM"))) && !ReadLiteral(&theText)) {
+        return false;
+    }
+    SkipBlanks();
+    if (Looks("[")) {
+        return Fail("a DOCTYPE without an internal subset", kvxXMLParserError_Unsupported);
+    }
+    return Skip(">") || Fail("\">\"");
+}
+
+// Reads a quoted text behind blanks.
+bool vxXMLReader::ReadLiteral(std::string_view* aText) {
+    if (!SkipBlanks()) {
+        return Fail("a blank");
+    }
+    const char theQuote = AtEnd() ? '\0' : *mPos;
+    if (theQuote != '"' && theQuote != '\'') {
+        return Fail("a quoted text");
+    }
+    const char* theStart = ++mPos;
+    if (!SkipUntil(std::string_view(&theQuote, 1), "the closing quote")) {
+        return false;
+    }
+    *aText = std::string_view(theStart, static_cast<size_t>(mPos - theStart - 1));
+    return true;
+}
+
+// Passes over the rest of a processing instruction.
+bool vxXMLReader::ReadInstruction() {
+    const char* theStart = mPos;
+    std::string_view theName;
+    if (!SkipName(&theName)) {
+        return false;
+    }
+    if (vxCString(theName.data(), theName.size()).CompareNoCase("xml") == 0) {
+        mPos = theStart;
+        return Fail("a name other than \"xml\"");
+    }
+    if (!Looks("?>") && !SkipBlanks()) {
+        return Fail("a blank or \"?>\"");
+    }
+    return SkipUntil("?>", "\"?>\"");
+}
+
+// Finds the "-->" of the comment that has begun.
+bool vxXMLReader::FindCommentEnd(const char** anEnd) {
+    const std::string_view theRest(mPos, static_cast<size_t>(mEnd - mPos));
+    const size_t theLength = theRest.find("--");
+    *anEnd = mPos + (theLength == std::string_view::npos ? theRest.size() : theLength);
+    if (*anEnd == mEnd || mEnd - *anEnd < 3 || (*anEnd)[2] != '>') {
+        mPos = *anEnd;
+        return Fail("\"-->\"");
+    }
+    return true;
+}
+
+bool vxXMLReader::SkipName(std::string_view* aName) {
+    const char* theStart = mPos;
+    mPos = vxEndOfName(mPos, mEnd);
+    *aName = std::string_view(theStart, static_cast<size_t>(mPos - theStart));
+    return !aName->empty() || Fail("a name");
 }
 
 bool vxXMLReader::SkipUntil(std::string_view anEnd, const char* aExpected) {
@@ -331,14 +496,10 @@ bool vxXMLReader::SkipUntil(std::string_view anEnd, const char* aExpected) {
 }
 
 bool vxXMLReader::ReadName(vxCString* aName) {
-    if (AtEnd() || !vxStartsName(*mPos)) {
-        return Fail("a name");
+    std::string_view theName;
+    if (!SkipName(&theName)) {
+        return false;
     }
-    const char* theStart = mPos;
-    while (!AtEnd() && vxContinuesName(*mPos)) {
-        ++mPos;
-    }
-    const std::string_view theName(theStart, static_cast<size_t>(mPos - theStart));
     if (theName.size() > mLimits.mMaxTextSize) {
         return Fail("a shorter name", kvxXMLParserError_Limit);
     }
@@ -375,7 +536,7 @@ bool vxXMLReader::ReadMarkup() {
         return FlushText() && ReadComment();
     }
     if (Skip("<?")) {
-        return SkipUntil("?>", "\"?>\"");
+        return ReadInstruction();
     }
     return FlushText() && ReadStartTag();
 }
@@ -470,21 +631,17 @@ bool vxXMLReader::ReadAttributeValue(vxCString* aValue) {
     ++mPos;
     mText.clear();
     while (!AtEnd() && *mPos != theQuote) {
-        const unsigned char theByte = static_cast<unsigned char>(*mPos);
-        if (theByte == '<') {
+        if (*mPos == '<') {
             return Fail("\"&lt;\" in place of \"<\"");
         }
-        if (theByte == '&') {
+        if (*mPos == '&') {
             if (!ReadReference(&mText)) {
                 return false;
             }
             continue;
         }
-        if (!vxIsCharacter(theByte)) {
-            return Fail("a character that XML allows");
-        }
         // A line end of two bytes is one blank.
-        if (theByte != '\r' || mPos + 1 == mEnd || mPos[1] != '\n') {
+        if (*mPos != '\r' || mPos + 1 == mEnd || mPos[1] != '\n') {
             mText += vxIsBlank(*mPos) ? ' ' : *mPos;
         }
         ++mPos;
@@ -525,18 +682,14 @@ bool vxXMLReader::ReadEndTag() {
 bool vxXMLReader::AppendCharacters(const char* anEnd, std::string* aText) {
     while (mPos != anEnd) {
         const char* theRun = mPos;
-        while (mPos != anEnd && vxIsCharacter(static_cast<unsigned char>(*mPos)) && *mPos != '\r') {
-            ++mPos;
-        }
+        const void* theReturn = memchr(mPos, '\r', static_cast<size_t>(anEnd - mPos));
+        mPos = theReturn == NULL ? anEnd : static_cast<const char*>(theReturn);
         aText->append(theRun, mPos);
         if (aText->size() > mLimits.mMaxTextSize) {
             return Fail("a shorter text", kvxXMLParserError_Limit);
         }
         if (mPos == anEnd) {
             return true;
-        }
-        if (*mPos != '\r') {
-            return Fail("a character that XML allows");
         }
         ++mPos;
         if (mPos == mEnd || *mPos != '\n') {
@@ -579,19 +732,12 @@ bool vxXMLReader::ReadCData() {
 }
 
 bool vxXMLReader::ReadComment() {
-    const std::string_view theRest(mPos, static_cast<size_t>(mEnd - mPos));
-    const size_t theLength = theRest.find("--");
-    if (theLength == std::string_view::npos) {
-        mPos = mEnd;
-        return Fail("\"-->\"");
-    }
+    const char* theEnd = NULL;
     std::string theText;
-    if (!AppendCharacters(mPos + theLength, &theText)) {
+    if (!FindCommentEnd(&theEnd) || !AppendCharacters(theEnd, &theText)) {
         return false;
     }
-    if (!Skip("-->")) {
-        return Fail("\"-->\"");
-    }
+    mPos += 3;
     AppendChild(new vxXMLNode(vxXMLNodeType_Comment, mCommentName,
                               vxCString(theText.data(), theText.size())));
     return true;

@@ -483,7 +483,7 @@ private:
 /// Reads and writes deep members by path: "a.b.c", "list[2].name", "$.a".
 ///
 /// A path is a sequence of names, separated by dots. A name may be followed by one index in
-/// brackets: decimal, or hexadecimal behind "0x". Whatever single character follows the closing
+/// brackets: decimal, hexadecimal behind "0x", or octal behind "0". Whatever single character follows the closing
 /// bracket counts as the dot, so "a[1]xb" reads like "a[1].b", and "a[1][2]" is no path into an
 /// array of arrays. The walk starts at an object, never at an array. "$" stands for the document and
 /// is allowed only there; "$[0]", and a "$" at the end, are ordinary names.

@@ -23,7 +23,6 @@ public:
     vxXMLToJSON();
     explicit vxXMLToJSON(const vxXMLNode* aNode);
     /// @}
-    virtual ~vxXMLToJSON() = default;
 
     /// Sets the node to start at instead of the one given at construction, also when it is null.
     void SetXMLStartNode(const vxXMLNode* aNode);
@@ -37,7 +36,11 @@ public:
     /// the same.
     ///
     /// Fails:    false without a start node; the target is reset then.
+    /// Cost:     linear in the tree, and in a member of the target whose name comes again.
     virtual bool ConvertTo(vxJSONEntry& aTarget) const;
+
+    /// Stands behind ConvertTo(), which programs know as the first virtual operation.
+    virtual ~vxXMLToJSON() = default;
 
 private:
     const vxXMLNode* mXMLNode;

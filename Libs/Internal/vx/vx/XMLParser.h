@@ -38,8 +38,9 @@ enum {
 ///
 /// What was read can be written again, and is the same XML, with these exceptions, for which the
 /// writer is the reason: a text that holds "&amp;" literally loses it to "&", line ends and tabs in
-/// attribute values become blanks when they are read again, and elements beside text get line breaks
-/// around them.
+/// attribute values become blanks when they are read again, and a carriage return in a text a line
+/// end; elements and comments beside text get line breaks around them; a section of blanks beside
+/// elements is dropped when it is read again.
 ///
 ///     vxXMLDocument theDocument;
 ///     vxError theError;
