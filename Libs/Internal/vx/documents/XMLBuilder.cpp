@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -15,52 +16,60 @@ const char* vxText(const char* aText) {
     return aText == NULL ? "" : aText;
 }
 
-/// The entity of a byte, or null for a byte that stands for itself.
-const char* vxEntityOf(char aChar, bool afDouble) {
-    switch (aChar) {
-        case '"':
-            return afDouble ? "&amp;quot;" : "&quot;";
-        case '\'':
-            return afDouble ? "&amp;apos;" : "&apos;";
-        case '<':
-            return afDouble ? "&amp;lt;" : "&lt;";
-        case '>':
-            return afDouble ? "&amp;gt;" : "&gt;";
-        case '&':
-            return afDouble ? "&amp;amp;" : "&amp;";
-        default:
-            return NULL;
+struct vxEntity {
+    char mChar;
+    std::string_view mSingle;
+    std::string_view mDouble;
+};
+
+constexpr vxEntity kvxXML_Entities[] = {
+    {'"', "&quot;", "&amp;quot;"}, {'\'', "&apos;", "&amp;apos;"}, {'<', "&lt;", "&amp;lt;"},
+    {'>', "&gt;", "&amp;gt;"},     {'&', "&amp;", "&amp;amp;"},
+};
+
+/// For every byte its place among the entities, from 1; 0 for one that stands for itself.
+struct vxEntityTable {
+    constexpr vxEntityTable() : mPlace() {
+        uint8_t thePlace = 0;
+        for (const vxEntity& theEntity : kvxXML_Entities) {
+            mPlace[static_cast<unsigned char>(theEntity.mChar)] = ++thePlace;
+        }
     }
-}
+    constexpr uint8_t PlaceOf(char aChar) const {
+        return mPlace[static_cast<unsigned char>(aChar)];
+    }
+
+    uint8_t mPlace[256];
+};
+
+constexpr vxEntityTable kvxXML_EntityTable;
 
 /// Escapes into a buffer: runs of plain bytes as blocks, and entities whole or not at all.
 void vxEscape(vxGrowingBuffer& aBuffer, const char* aText, size_t aLength, size_t aMaxLength,
               bool afDouble) {
-    const size_t theLimit = aMaxLength == 0 ? static_cast<size_t>(-1) : aMaxLength;
+    size_t theRoom = aMaxLength == 0 ? static_cast<size_t>(-1) : aMaxLength;
     const char* const theEnd = aText + aLength;
-    const char* theRun = aText;
-    const char* thePos = aText;
-    size_t theOutput = 0;
-    for (; thePos != theEnd; ++thePos) {
-        const char* theEntity = vxEntityOf(*thePos, afDouble);
-        if (theEntity == NULL) {
-            if (theOutput == theLimit) {
-                break;
-            }
-            ++theOutput;
-            continue;
+    for (const char* thePos = aText; thePos != theEnd; ++thePos) {
+        const char* const theRun = thePos;
+        const char* const theRunEnd =
+            static_cast<size_t>(theEnd - thePos) < theRoom ? theEnd : thePos + theRoom;
+        while (thePos != theRunEnd && kvxXML_EntityTable.PlaceOf(*thePos) == 0) {
+            ++thePos;
         }
-        aBuffer.Append(theRun, static_cast<size_t>(thePos - theRun));
-        theRun = thePos;
-        const size_t theLength = strlen(theEntity);
-        if (theLength > theLimit - theOutput) {
-            break;
+        const size_t theLength = static_cast<size_t>(thePos - theRun);
+        aBuffer.Append(theRun, theLength);
+        theRoom -= theLength;
+        if (thePos == theRunEnd) {
+            return;
         }
-        aBuffer.Append(theEntity, theLength);
-        theOutput += theLength;
-        theRun = thePos + 1;
+        const vxEntity& theEntity = kvxXML_Entities[kvxXML_EntityTable.PlaceOf(*thePos) - 1];
+        const std::string_view theText = afDouble ? theEntity.mDouble : theEntity.mSingle;
+        if (theText.size() > theRoom) {
+            return;
+        }
+        aBuffer.Append(theText.data(), theText.size());
+        theRoom -= theText.size();
     }
-    aBuffer.Append(theRun, static_cast<size_t>(thePos - theRun));
 }
 
 /// Makes a text of a buffer's bytes.
@@ -211,7 +220,8 @@ vxCString vxXMLBuilder::TakeXML() {
 
 vxCString vxXMLBuilder::Escape(const char* aText, uint32_t aLength, uint32_t aMaxLength,
                                bool afDoubleEscape) {
-    vxGrowingBuffer theBuffer(0);
+    const bool theIsLimited = aMaxLength != 0 && aMaxLength < aLength;
+    vxGrowingBuffer theBuffer(aText == NULL ? 0 : theIsLimited ? aMaxLength : aLength);
     if (aText != NULL) {
         vxEscape(theBuffer, aText, aLength, aMaxLength, afDoubleEscape);
     }
