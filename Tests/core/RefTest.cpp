@@ -72,6 +72,28 @@ public:
 
 }  // namespace
 
+TEST(RefTest, AHeldObjectGetsOneReferenceMoreAndAnUnheldOneNone) {
+    int theDestroyed = 0;
+    Probe theUnheld;
+    EXPECT_FALSE(theUnheld.RetainIfHeld(nullptr));
+    EXPECT_EQ(theUnheld._GetRefCount(), 0);
+
+    vxRef<Probe> theRef = new Probe(&theDestroyed);
+    EXPECT_TRUE(theRef->RetainIfHeld(nullptr));
+    EXPECT_EQ(theRef->_GetRefCount(), 2);
+    theRef->Release(nullptr);
+    theRef = 0;
+    EXPECT_EQ(theDestroyed, 1);
+}
+
+TEST(RefTest, AnObjectWhoseLastReferenceIsGoneCannotBeHeldAgain) {
+    Recycled theObject;
+    theObject.Retain(nullptr);
+    theObject.Release(nullptr);
+    EXPECT_FALSE(theObject.RetainIfHeld(nullptr));
+    EXPECT_EQ(theObject.mReturned, 1);
+}
+
 TEST(RefTest, AFreshObjectHasNoReferences) {
     Probe theProbe;
     EXPECT_EQ(theProbe._GetRefCount(), 0);

@@ -13,8 +13,10 @@
 #include <cstring>
 #include <string>
 
+#include "support/Environment.h"
 #include "support/TempDir.h"
 
+using vxtest::Environment;
 using vxtest::TempDir;
 
 namespace {
@@ -43,33 +45,6 @@ std::string Text(char* aText) {
     free(aText);
     return theText;
 }
-
-// Sets an environment variable, or removes it if null, for a scope.
-class Environment {
-public:
-    Environment(const char* aName, const char* aValue) : mName(aName) {
-        const char* theOld = getenv(aName);
-        mHadValue = theOld != nullptr;
-        mOld = mHadValue ? theOld : "";
-        Set(aValue);
-    }
-    ~Environment() { Set(mHadValue ? mOld.c_str() : nullptr); }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-
-private:
-    void Set(const char* aValue) {
-        if (aValue == nullptr) {
-            unsetenv(mName);
-        } else {
-            setenv(mName, aValue, 1);
-        }
-    }
-
-    const char* mName;
-    bool mHadValue;
-    std::string mOld;
-};
 
 }  // namespace
 
@@ -290,4 +265,49 @@ TEST(OSPathTest, ALinkIsOneWhereverItLeads) {
     EXPECT_FALSE(vxPath_IsLink("/"));
     EXPECT_FALSE(vxPath_IsLink(""));
     EXPECT_FALSE(vxPath_IsLink(nullptr));
+}
+
+TEST(OSPathTest, SettingsLieWhereTheEnvironmentSays) {
+    const Environment theGiven("VXCONFIGPATH", "/flash/settings");
+    const Environment theUsers("XDG_CONFIG_HOME", "/somewhere");
+
+    EXPECT_EQ(Text(vxPath_GetDefaultConfigPath("ConfigPath.ini")), "/flash/settings");
+}
+
+TEST(OSPathTest, SettingsLieInTheFirstUsualDirectoryThatHasTheFile) {
+    const TempDir theDir;
+    const Environment theGiven("VXCONFIGPATH", "");
+    const Environment theUsers("XDG_CONFIG_HOME", theDir.MakeDir("user").c_str());
+    const Environment theSystems(
+        "XDG_CONFIG_DIRS",
+        ("relative::" + theDir.MakeDir("one") + ":" + theDir.MakeDir("two")).c_str());
+
+    EXPECT_EQ(Text(vxPath_GetDefaultConfigPath("x.ini")), "/etc");
+    theDir.Write("two/x.ini");
+    EXPECT_EQ(Text(vxPath_GetDefaultConfigPath("x.ini")), theDir / "two");
+    theDir.Write("one/x.ini");
+    EXPECT_EQ(Text(vxPath_GetDefaultConfigPath("x.ini")), theDir / "one");
+    theDir.Write("user/x.ini");
+    EXPECT_EQ(Text(vxPath_GetDefaultConfigPath("x.ini")), theDir / "user");
+    EXPECT_EQ(Text(vxPath_GetDefaultConfigPath("y.ini")), "/etc");
+}
+
+TEST(OSPathTest, SettingsOfAUserLieBelowHomeUnlessAnAbsolutePathIsGiven) {
+    const TempDir theDir;
+    theDir.MakeDir(".config");
+    theDir.Write(".config/x.ini");
+    const Environment theGiven("VXCONFIGPATH", nullptr);
+    const Environment theUsers("XDG_CONFIG_HOME", "relative");
+    const Environment theHome("HOME", theDir.Path().c_str());
+
+    EXPECT_EQ(Text(vxPath_GetDefaultConfigPath("x.ini")), theDir / ".config");
+}
+
+TEST(OSPathTest, SettingsWithoutAnyHomeLieInEtc) {
+    const Environment theGiven("VXCONFIGPATH", nullptr);
+    const Environment theUsers("XDG_CONFIG_HOME", nullptr);
+    const Environment theHome("HOME", nullptr);
+    const Environment theSystems("XDG_CONFIG_DIRS", nullptr);
+
+    EXPECT_EQ(Text(vxPath_GetDefaultConfigPath("no such file.ini")), "/etc");
 }

@@ -88,6 +88,12 @@ __attribute__((visibility("default"))) int fsync(int aFD) {
     return theStep.mErrno != 0 ? Fail(theStep.mErrno) : theCall(aFD);
 }
 
+__attribute__((visibility("default"))) int rename(const char* anOld, const char* aNew) {
+    static const auto theCall = RealCall<int (*)(const char*, const char*)>("rename");
+    const vxtest::IOStep theStep = TakeStep(&vxtest::ScriptedIO::mRenames);
+    return theStep.mErrno != 0 ? Fail(theStep.mErrno) : theCall(anOld, aNew);
+}
+
 // The name under which a library with 64-bit offsets calls open().
 __attribute__((visibility("default"))) int open64(const char* aPath, int aFlags, ...) {
     static const auto theCall = RealCall<int (*)(const char*, int, mode_t)>("open64");

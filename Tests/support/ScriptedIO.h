@@ -36,6 +36,7 @@ public:
     std::vector<IOStep> mWrites;
     std::vector<IOStep> mCloses;
     std::vector<IOStep> mSyncs;
+    std::vector<IOStep> mRenames;
     size_t mReadCount = 0;           // calls so far
     size_t mInvalidDescriptors = 0;  // calls with a descriptor below 0
 };
