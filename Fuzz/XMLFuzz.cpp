@@ -2,10 +2,10 @@
 // of the writer's exceptions are at play, writing settles after one round.
 
 #include <vx/Error.h>
+#include <vx/JSON.h>
 #include <vx/XML.h>
 #include <vx/XMLJSON.h>
 #include <vx/XMLParser.h>
-#include <vx/JSON.h>
 
 #include "Input.h"
 
