@@ -291,6 +291,8 @@ vxJSONPair::vxJSONPair(vxJSONPair& aPair) noexcept : vxJSONEntry(aPair) {
     aPair.mEntry = NULL;
 }
 
+// A copy moves the node already.
+// NOLINTNEXTLINE(performance-move-constructor-init,cert-oop11-cpp)
 vxJSONPair::vxJSONPair(vxJSONPair&& aPair) noexcept : vxJSONPair(aPair) {}
 
 vxJSONPair::~vxJSONPair() {
@@ -551,6 +553,8 @@ vxJSONDocument::vxJSONDocument(const char* aText) {
     }
 }
 
+// The base is not copied: its node belongs to the other document.
+// NOLINTNEXTLINE(bugprone-copy-constructor-init,readability-redundant-member-init)
 vxJSONDocument::vxJSONDocument(const vxJSONDocument& aDocument) : vxJSONEntry() {
     vxJSONDocument::SetEntry(vxJSON_Clone(aDocument.mEntry));
 }
