@@ -113,7 +113,9 @@ void vxCLIManager::Remove(const vxRef<vxCLICommandSet>& aCommandSet) {
     if (aCommandSet.IsNull()) {
         return;
     }
-    const vxRef<vxCLICommandSet> theSet = aCommandSet;  // the table may hold the last other handle
+    // The table may hold the last other handle, and this one may be part of what goes with it.
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+    const vxRef<vxCLICommandSet> theSet = aCommandSet;
     if (theSet->IsInternal()) {
         vxArray_Remove(mInternalCommandArray, theSet.Get());
         return;
@@ -198,7 +200,7 @@ vxRef<vxCLICommandSet> vxCLIManager::Lookup(const vxCString& anInput, Line& aLin
         aLine.mRest = anInput;
         return GetModule(mActiveModuleName);
     }
-    const vxRef<vxCLICommandSet> theInternal = GetInternalCommandSet(aLine.mWord);
+    vxRef<vxCLICommandSet> theInternal = GetInternalCommandSet(aLine.mWord);
     if (theInternal.IsNull()) {
         return GetModule(aLine.mWord);
     }
