@@ -1,13 +1,28 @@
-// The RC4 stream, byte by byte: each byte depends on the swap before it. The indexes live in
-// registers while a run is processed.
+// The RC4 stream. Each byte depends on the swap before it, so that nothing runs side by side; the
+// indexes live in registers while a run is processed, and eight bytes at a time spare the counting.
 
 #include <libteskTools/RC4.h>
 
-#include <utility>
+namespace {
+
+constexpr size_t kvxRC4_Run = 8;  // bytes between two looks at the length
+
+/// Takes a step of the stream and enciphers one byte by it.
+inline void vxStep(unsigned char* aState, unsigned& x, unsigned& y, unsigned char& aByte) {
+    x = (x + 1) & 0xFF;
+    const unsigned theFirst = aState[x];
+    y = (y + theFirst) & 0xFF;
+    const unsigned theSecond = aState[y];
+    aState[x] = static_cast<unsigned char>(theSecond);
+    aState[y] = static_cast<unsigned char>(theFirst);
+    aByte = static_cast<unsigned char>(aByte ^ aState[(theFirst + theSecond) & 0xFF]);
+}
+
+}  // namespace
 
 void vxRC4_PrepareKey(const void* aKey, size_t aLength, vxRC4Key* aState) {
-    const unsigned char* theKey = static_cast<const unsigned char*>(aKey);
-    unsigned char* theState = aState->theState;
+    const unsigned char* const theKey = static_cast<const unsigned char*>(aKey);
+    unsigned char* const theState = aState->theState;
     for (unsigned i = 0; i < 256; ++i) {
         theState[i] = static_cast<unsigned char>(i);
     }
@@ -17,28 +32,28 @@ void vxRC4_PrepareKey(const void* aKey, size_t aLength, vxRC4Key* aState) {
         return;
     }
     unsigned theOther = 0;
-    size_t theKeyIndex = 0;
+    const unsigned char* theKeyByte = theKey;
     for (unsigned i = 0; i < 256; ++i) {
-        theOther = (theOther + theState[i] + theKey[theKeyIndex]) & 0xFF;
-        std::swap(theState[i], theState[theOther]);
-        theKeyIndex = theKeyIndex + 1 == aLength ? 0 : theKeyIndex + 1;
+        const unsigned char theFirst = theState[i];
+        theOther = (theOther + theFirst + *theKeyByte) & 0xFF;
+        theState[i] = theState[theOther];
+        theState[theOther] = theFirst;
+        theKeyByte = theKeyByte + 1 == theKey + aLength ? theKey : theKeyByte + 1;
     }
 }
 
 void vxRC4_Process(void* aBytes, size_t aLength, vxRC4Key* aState) {
     unsigned char* theBytes = static_cast<unsigned char*>(aBytes);
-    unsigned char* theState = aState->theState;
+    unsigned char* const theState = aState->theState;
     unsigned x = aState->x;
     unsigned y = aState->y;
+    for (; aLength >= kvxRC4_Run; aLength -= kvxRC4_Run, theBytes += kvxRC4_Run) {
+        for (size_t i = 0; i < kvxRC4_Run; ++i) {
+            vxStep(theState, x, y, theBytes[i]);
+        }
+    }
     for (size_t i = 0; i < aLength; ++i) {
-        x = (x + 1) & 0xFF;
-        const unsigned char theFirst = theState[x];
-        y = (y + theFirst) & 0xFF;
-        const unsigned char theSecond = theState[y];
-        theState[x] = theSecond;
-        theState[y] = theFirst;
-        theBytes[i] = static_cast<unsigned char>(
-            theBytes[i] ^ theState[(static_cast<unsigned>(theFirst) + theSecond) & 0xFF]);
+        vxStep(theState, x, y, theBytes[i]);
     }
     aState->x = static_cast<unsigned char>(x);
     aState->y = static_cast<unsigned char>(y);
