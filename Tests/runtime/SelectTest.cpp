@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/epoll.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -24,7 +25,7 @@ std::atomic<vxtest::Latch*> sInsideSelect{nullptr};
 
 }  // namespace
 
-// Stands in front of the system's, and says that a thread is inside a wait.
+// These stand in front of the system's, and say that a thread is inside a wait.
 extern "C" __attribute__((visibility("default"))) int pselect(int aCount, fd_set* aReadSet,
                                                               fd_set* aWriteSet,
                                                               fd_set* anExceptSet,
@@ -34,6 +35,14 @@ extern "C" __attribute__((visibility("default"))) int pselect(int aCount, fd_set
         theLatch->CountDown();
     }
     return VXTEST_REAL(pselect)(aCount, aReadSet, aWriteSet, anExceptSet, aTimeout, aMask);
+}
+
+extern "C" __attribute__((visibility("default"))) int epoll_wait(int aWatch, epoll_event* anEvents,
+                                                                 int aCount, int aTimeout) {
+    if (vxtest::Latch* theLatch = sInsideSelect) {
+        theLatch->CountDown();
+    }
+    return VXTEST_REAL(epoll_wait)(aWatch, anEvents, aCount, aTimeout);
 }
 
 namespace {
