@@ -47,6 +47,7 @@
 #include "vx/Saturate.h"
 #include "vx/Select.h"
 #include "vx/Semaphore.h"
+#include "vx/Serialize.h"
 #include "vx/SingleInstanceChecker.h"
 #include "vx/StringHashMap.h"
 #include "vx/StringList.h"
