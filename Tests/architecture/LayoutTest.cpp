@@ -149,6 +149,12 @@ FIELDS_IN_ORDER(vxXMLBuilder, mBuffer, mTagArray, mfTagStarted);
 FIELDS_IN_ORDER(vxXMLToJSON, mXMLNode, mXMLStartNode, mfXMLStartNode);
 SIZE_ON_32_BITS(vxXMLToJSON, 16);
 
+// Property lists as JSON
+FIELDS_IN_ORDER(vxJSONFormatter, mDoc, mTmp, mfNeedComma, mfStrict, mfHuman, mIndent, mIndentStr,
+                mfMapBegin);
+FIELDS_IN_ORDER(vxPropertyListFormatter, mProp, mCurrent, mDataIndex, mStack, mStackSize);
+static_assert(sizeof(vxPropertyListSerializer) == sizeof(void*), "no fields");
+
 // Console
 FIELDS_IN_ORDER(vxCLIParameter, mType, mValue, mValueStr, mfMissing, mDataBuffer);
 FIELDS_IN_ORDER(vxCLIParameterChecker, mParameterName, mType, mfRange, mMinNumberValue,
@@ -261,6 +267,34 @@ TEST(LayoutTest, EntriesSetThemselvesBehindTheDestructor) {
     EXPECT_EQ(SlotOf(&vxJSONEntry::IsRoot), 3);
     EXPECT_EQ(SlotOf(static_cast<void (vxJSONDocument::*)(vxJSON_t*)>(&vxJSONDocument::SetEntry)),
               4);
+}
+
+TEST(LayoutTest, SinksHaveTheirEventsBehindTheDestructor) {
+    EXPECT_EQ(SlotOf(&vxISerialize::MapBegin), 2);
+    EXPECT_EQ(SlotOf(&vxISerialize::MapKey), 3);
+    EXPECT_EQ(SlotOf(&vxISerialize::MapEnd), 4);
+    EXPECT_EQ(SlotOf(&vxISerialize::ArrayBegin), 5);
+    EXPECT_EQ(SlotOf(&vxISerialize::ArrayItemSeparator), 6);
+    EXPECT_EQ(SlotOf(&vxISerialize::ArrayEnd), 7);
+    EXPECT_EQ(SlotOf(&vxISerialize::Identifier), 8);
+    EXPECT_EQ(SlotOf(static_cast<int (vxISerialize::*)(const char*, bool)>(&vxISerialize::String)),
+              9);
+    EXPECT_EQ(
+        SlotOf(static_cast<int (vxISerialize::*)(const wchar_t*, bool)>(&vxISerialize::String)),
+        10);
+    EXPECT_EQ(SlotOf(&vxISerialize::Boolean), 11);
+    EXPECT_EQ(SlotOf(&vxISerialize::U32), 12);
+    EXPECT_EQ(SlotOf(&vxISerialize::S32), 13);
+    EXPECT_EQ(SlotOf(&vxISerialize::U64), 14);
+    EXPECT_EQ(SlotOf(&vxISerialize::S64), 15);
+    EXPECT_EQ(SlotOf(&vxISerialize::Float), 16);
+    EXPECT_EQ(SlotOf(&vxISerialize::Null), 17);
+}
+
+TEST(LayoutTest, SerializersHaveTheirOperationsBehindTheDestructor) {
+    EXPECT_EQ(SlotOf(&vxPropertyListSerializer::Serialize), 2);
+    EXPECT_EQ(SlotOf(&vxPropertyListSerializer::SerializeProperty), 3);
+    EXPECT_EQ(SlotOf(&vxPropertyListSerializer::SerializeData), 4);
 }
 
 TEST(LayoutTest, PluginHandlersFinalizeBehindTheDestructor) {
