@@ -579,15 +579,14 @@ int vxJSONFormatter::Parse(const char* aText, vxISerialize& aSink, int& aLine, i
 void vxJSONFormatter::Add(const char* aText, size_t aLength) {
     const size_t theLength = mDoc.length();
     if (aLength > mRoom || theLength > mRoom - aLength) {
-        const size_t theRoom = theLength + std::max(aLength, theLength);
+        const size_t theRoom = std::max<size_t>(theLength + std::max(aLength, theLength), 64);
         vxCString theDoc;
-        char* theTarget =
-            theRoom < theLength ? NULL : theDoc.GetWriteBuf(std::max<size_t>(theRoom, 64));
+        char* theTarget = theRoom < theLength ? NULL : theDoc.GetWriteBuf(theRoom);
         if (theTarget != NULL) {
             memcpy(theTarget, mDoc.c_str(), theLength);
             theDoc.UngetWriteBuf(theLength);
             mDoc.Swap(theDoc);
-            mRoom = std::max<size_t>(theRoom, 64);
+            mRoom = theRoom;
         }
     }
     mDoc.ConcatSelf(aLength, aText, aLength);
