@@ -236,6 +236,24 @@ TEST(ConfigManagerTest, ThreadsCountTogetherInOneFile) {
     EXPECT_EQ(thePlace.Dir().Read("rw/_a.ini"), "[s]\ncount=100\n");
 }
 
+TEST(ConfigManagerTest, ADyingConfigurationIsNotHandedOutAndLeavesItsSuccessorInTheTable) {
+    const Place thePlace;
+    const vxRef<vxConfigManager> theManager = NewManager();
+    vxRef<vxManagedConfig> theDying = theManager->GetConfig("a.ini");
+    vxManagedConfig* const theObject = theDying.Get();
+
+    theManager->Lock(true);  // the destructor needs the mutex, and waits
+    std::thread theOther([&] { theDying = 0; });
+    while (theObject->_GetRefCount() != 0) {
+        std::this_thread::yield();
+    }
+    const vxRef<vxManagedConfig> theNext = theManager->GetConfig("a.ini");
+    EXPECT_NE(theNext.Get(), theObject);
+    theManager->Lock(false);
+    theOther.join();
+    EXPECT_TRUE(theManager->GetConfig("a.ini") == theNext);
+}
+
 TEST(ConfigManagerTest, ThreadsNeverShareADyingConfiguration) {
     constexpr int kRounds = 2000;
     const Place thePlace;
