@@ -106,6 +106,7 @@ constexpr LineCase kLines[] = {
     {"=1", "", "(none)"},
     {"a", "a", "(none)"},
     {"[a=1", "[a", "1"},
+    {"\xEF\xBB\xBF \xEF\xBB\xBF[s]\nb=1\n[]\na=2", "a", "2"},
     {"\xC3\xA4=\xE2\x82\xAC", "\xC3\xA4", "\xE2\x82\xAC"},
     {"\xEF\xBB\xBF"
      "a=1",

@@ -171,7 +171,8 @@ bool vxIsSectionName(std::string_view aName) {
 
 bool vxIsKeyName(std::string_view aName) {
     return !aName.empty() && vxHasBareEnds(aName) && aName.find_first_of("\r\n=") == aName.npos &&
-           std::string_view("[;#").find(aName[0]) == aName.npos;
+           std::string_view("[;#").find(aName[0]) == aName.npos &&
+           aName.substr(0, 3) != "\xEF\xBB\xBF";
 }
 
 std::vector<std::string> vxKeysOf(const vxConfigFile* aFile, std::string_view aSection,

@@ -117,7 +117,7 @@ void vxIniText::Parse(std::string aText) {
 
 void vxIniText::ParseLine(std::string_view aLine) {
     std::string_view theText = vxTrimmed(aLine);
-    if (aLine.data() == mText.data() && vxStartsWith(theText, kvxIni_ByteOrderMark)) {
+    while (vxStartsWith(theText, kvxIni_ByteOrderMark)) {
         theText = vxTrimmed(theText.substr(kvxIni_ByteOrderMark.size()));
     }
     if (theText.size() >= 2 && theText.front() == '[' && theText.back() == ']' &&

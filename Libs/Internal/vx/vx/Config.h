@@ -97,16 +97,24 @@ public:
     // Numbers in base 10. A getter gives its default for an absent key, for what is no number as a
     // whole, and for one that the type cannot hold.
 
+    /// Reads a signed number of 32 bits.
     int32_t GetInt32(const char* aSection, const char* aKey, int32_t aDefault) const;
+    /// Reads an unsigned number of 32 bits.
     uint32_t GetUInt32(const char* aSection, const char* aKey, uint32_t aDefault) const;
+    /// Reads -32768 to 32767.
     int16_t GetInt16(const char* aSection, const char* aKey, int16_t aDefault) const;
+    /// Reads 0 to 65535.
     uint16_t GetUInt16(const char* aSection, const char* aKey, uint16_t aDefault) const;
+    /// Reads -128 to 127.
     int8_t GetInt8(const char* aSection, const char* aKey, int8_t aDefault) const;
+    /// Reads 0 to 255.
     uint8_t GetUInt8(const char* aSection, const char* aKey, uint8_t aDefault) const;
 
+    /// Sets a key to a number.
+    ///
     /// Fails:    as SetString().
     bool SetInt32(const char* aSection, const char* aKey, int32_t aValue);
-    /// Fails:    as SetString().
+    /// As SetInt32().
     bool SetUInt32(const char* aSection, const char* aKey, uint32_t aValue);
 
     /// Says the key 1, true, yes or on, rather than 0, false, no or off? Letters may be of either
@@ -130,7 +138,7 @@ public:
     vxConfigFile* GetConfigFile() const { return mConfigFile; }
 
 protected:
-    vxConfigFile* mConfigFile;  // owned; null: there is no file
+    vxConfigFile* mConfigFile;  ///< owned; null: there is no file
 };
 
 /// The bootstrap configuration, normally "ConfigPath.ini": it tells where configurations lie.
@@ -145,6 +153,7 @@ protected:
 /// and has no writable copy.
 class VX_EXPORT vxConfigConfig : public vxConfig {
 public:
+    /// Opens the file of this name.
     explicit vxConfigConfig(const char* aFileName);
 
     /// Reads the directories of read-only and of writable configurations, "./" where none is given;

@@ -85,9 +85,13 @@ public:
 
     // Getters, see the class
 
+    /// Of a uint16 option.
     uint16_t GetUInt16(const char* anOptionName) const;
+    /// Of an int16 option.
     int16_t GetInt16(const char* anOptionName) const;
+    /// Of a uint32 option.
     uint32_t GetUInt32(const char* anOptionName) const;
+    /// Of an int32 option.
     int32_t GetInt32(const char* anOptionName) const;
     /// Is a bool option true?
     bool OptionSet(const char* anOptionName) const;

@@ -14,7 +14,7 @@
 //
 // Blanks around names and values do not count. Names are case-sensitive. Of equal keys in a section
 // the last counts; sections of one name are one section. What is no such line, or holds a NUL, is
-// kept and ignored. A byte order mark in front of the first line is skipped.
+// kept and ignored. A byte order mark in front of a line is skipped.
 //
 // The keys of both files are seen, and the writable copy wins. Deleting a key that the read-only file
 // holds leaves the line ";deleted=key" in the writable copy, which hides it. A change lives in memory
@@ -76,23 +76,30 @@ VX_API char* vxConfigFile_GetStringWithSubstitution(const vxConfigFile* aFile, c
 /// Sets a key; a null value counts as "".
 ///
 /// Fails:    false for a name that a file cannot hold: an empty key, one with '=' or a line end, or
-///           that begins with '[', ';' or '#'; a section with a line end or ']'; blanks at either end.
+///           that begins with '[', ';', '#' or a byte order mark; a section with a line end or ']';
+///           blanks at either end.
 VX_API bool vxConfigFile_SetString(vxConfigFile* aFile, const char* aSection, const char* aKey,
                                    const char* aValue);
 
 // The number of a key in base 10, or the default when it is absent, no number, or out of range.
+
+/// Returns a signed number of 32 bits.
 VX_API int32_t vxConfigFile_GetInt32(const vxConfigFile* aFile, const char* aSection,
                                      const char* aKey, int32_t aDefault);
+/// Returns an unsigned number of 32 bits.
 VX_API uint32_t vxConfigFile_GetUInt32(const vxConfigFile* aFile, const char* aSection,
                                        const char* aKey, uint32_t aDefault);
+/// Returns a number up to 65535.
 VX_API uint16_t vxConfigFile_GetUInt16(const vxConfigFile* aFile, const char* aSection,
                                        const char* aKey, uint16_t aDefault);
+/// Returns a number up to 255.
 VX_API uint8_t vxConfigFile_GetUInt8(const vxConfigFile* aFile, const char* aSection,
                                      const char* aKey, uint8_t aDefault);
 
 /// As vxConfigFile_SetString(), with the number in base 10.
 VX_API bool vxConfigFile_SetInt32(vxConfigFile* aFile, const char* aSection, const char* aKey,
                                   int32_t aValue);
+/// As vxConfigFile_SetInt32().
 VX_API bool vxConfigFile_SetUInt32(vxConfigFile* aFile, const char* aSection, const char* aKey,
                                    uint32_t aValue);
 

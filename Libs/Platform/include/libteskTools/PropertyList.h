@@ -36,9 +36,13 @@ enum {
     kvxDataType_wcharPtr = 105
 };
 
+/// A list of properties.
 typedef struct vxPropertyList vxPropertyList;
+/// A name with values.
 typedef struct vxProperty vxProperty;
+/// One value.
 typedef struct vxData vxData;
+/// Bytes that several values share.
 typedef struct vxPackedData vxPackedData;
 
 VX_C_BEGIN
@@ -75,11 +79,12 @@ VX_API vxProperty* vxPropertyList_Add(vxPropertyList* aList, const char* aName);
 /// Removes a property with its values; false when there is none of that name.
 VX_API bool vxPropertyList_Remove(vxPropertyList* aList, const char* aName);
 
-/// Makes a number, or a copy of a text, the only value of a property, which is added if need be. A
-/// null text counts as "".
+/// Makes a number the only value of a property, which is added if need be.
 ///
 /// Fails:    false for a null list or name.
 VX_API bool vxPropertyList_Set_uint32(vxPropertyList* aList, const char* aName, uint32_t aValue);
+
+/// As vxPropertyList_Set_uint32(), with a copy of a text; a null text counts as "".
 VX_API bool vxPropertyList_Set_charPtr(vxPropertyList* aList, const char* aName,
                                        const char* aValue);
 
@@ -110,12 +115,17 @@ VX_API void vxProperty_Truncate(vxProperty* aProperty, size_t aCount);
 // Each of these puts a value at a position: in place of the one there, or at the end when the
 // position is the number of values. Beyond that, and for a null property, they fail with false.
 
+/// Puts nothing there.
 VX_API bool vxProperty_Set_Unknown(vxProperty* aProperty, size_t anIndex);
+/// Puts a number of 32 bits there.
 VX_API bool vxProperty_Set_uint32(vxProperty* aProperty, size_t anIndex, uint32_t aValue);
+/// Puts a real number there.
 VX_API bool vxProperty_Set_double(vxProperty* aProperty, size_t anIndex, double aValue);
-/// The pointer is borrowed.
+/// Puts a pointer there, which is borrowed.
 VX_API bool vxProperty_Set_voidPtr(vxProperty* aProperty, size_t anIndex, void* aValue);
+/// Puts a number of 64 bits there.
 VX_API bool vxProperty_Set_uint64(vxProperty* aProperty, size_t anIndex, uint64_t aValue);
+/// Puts a size there.
 VX_API bool vxProperty_Set_size_t(vxProperty* aProperty, size_t anIndex, size_t aValue);
 /// Copies the text; null counts as "".
 VX_API bool vxProperty_Set_charPtr(vxProperty* aProperty, size_t anIndex, const char* aValue);
@@ -126,6 +136,8 @@ VX_API bool vxProperty_Set_propertyList(vxProperty* aProperty, size_t anIndex,
                                         vxPropertyList* aValue);
 /// Takes a reference of its own. Null data fail.
 VX_API bool vxProperty_Set_packedData(vxProperty* aProperty, size_t anIndex, vxPackedData* aValue);
+/// Puts a block there.
+///
 /// Owner:    the value, which frees the block with free(); the caller still, when it fails.
 VX_API bool vxProperty_Set_malloc(vxProperty* aProperty, size_t anIndex, void* aBlock);
 /// As vxProperty_Set_malloc().
@@ -139,19 +151,30 @@ VX_API int vxData_GetType(const vxData* aData);
 // Each of these returns what the value holds; 0 or null when it has another type. Pointers lead to
 // what the value owns.
 
+/// Returns the number of 32 bits.
 VX_API uint32_t vxData_Get_uint32(const vxData* aData);
+/// Returns the real number.
 VX_API double vxData_Get_double(const vxData* aData);
+/// Returns the number of 64 bits.
 VX_API uint64_t vxData_Get_uint64(const vxData* aData);
+/// Returns the size.
 VX_API size_t vxData_Get_size_t(const vxData* aData);
+/// Returns the text.
 VX_API const char* vxData_Get_charPtr(const vxData* aData);
+/// Returns the wide text.
 VX_API const wchar_t* vxData_Get_wcharPtr(const vxData* aData);
+/// Returns the list.
 VX_API vxPropertyList* vxData_Get_propertyList(const vxData* aData);
+/// Returns the packed data.
 VX_API vxPackedData* vxData_Get_packedData(const vxData* aData);
+/// Returns the borrowed pointer.
 VX_API void* vxData_Get_voidPtr(const vxData* aData);
+/// Returns the block.
 VX_API void* vxData_Get_malloc(const vxData* aData);
+/// Returns the block.
 VX_API void* vxData_Get_DLNAProtocolInfo(const vxData* aData);
 
-// Packed data: bytes that several values share and nobody changes.
+// Packed data: bytes that nobody changes.
 
 /// Copies `aSize` bytes.
 ///
