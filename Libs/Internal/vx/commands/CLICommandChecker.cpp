@@ -99,7 +99,7 @@ vxCString vxCLICommandChecker::Validate(vxCString& anArguments, vxArray* aParame
     }
     const size_t theFirst = vxArray_GetCount(aParameters);
     vxCLITokenizer theTokenizer(anArguments, true);
-    const vxCString theError = vxValidateWords(mParameters, theTokenizer, anArguments, aParameters);
+    vxCString theError = vxValidateWords(mParameters, theTokenizer, anArguments, aParameters);
     anArguments = theTokenizer.Rest();
     if (!theError.IsEmpty()) {
         return theError;

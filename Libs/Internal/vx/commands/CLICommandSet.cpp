@@ -131,7 +131,7 @@ void vxCLICommandSet::AddName(const vxCString& aCommandNames, const vxCString& a
                                    "potentially conflicting parameters) has already been added",
                                    aName.c_str()));
     } else if (vxCustomHashTable_Add(mCommandHashTable, aName, theChecker.get())) {
-        theChecker.release();
+        static_cast<void>(theChecker.release());  // the table owns it
     }
 }
 

@@ -245,6 +245,7 @@ void vxCommandLineParserData::SetArguments(int anArgc, char** anArgv) {
     char* theEnd = theText.data();
     if (theEnd == NULL) {
         mArguments.clear();
+        return;
     }
     for (vxArgument& theArgument : mArguments) {
         memcpy(theEnd, theArgument.mText, theArgument.mSize);
