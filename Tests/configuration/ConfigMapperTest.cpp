@@ -300,15 +300,15 @@ TEST(ConfigMapperTest, AGetterBeforeLoadIsReported) {
 struct PathCase {
     int mType;
     const char* mText;
-    const char* mPath;  // R and W stand for the two directories
+    const char* mPath;  // $R and $W stand for the two directories
 };
 
 constexpr PathCase kPaths[] = {
-    {kvxConfigEntryType_filePath, "<READONLYPATH>/a", "R/a"},
-    {kvxConfigEntryType_filePath, "<READWRITEPATH>/a.b", "W/a.b"},
-    {kvxConfigEntryType_dirPath, "<READWRITEPATH>", "W/"},
-    {kvxConfigEntryType_dirPath, "/x/<READONLYPATH>/<READONLYPATH>", "/xRR/"},
-    {kvxConfigEntryType_dirPath, "<READONLYPATH>/<READWRITEPATH>", "R/<READWRITEPATH>/"},
+    {kvxConfigEntryType_filePath, "<READONLYPATH>/a", "$R/a"},
+    {kvxConfigEntryType_filePath, "<READWRITEPATH>/a.b", "$W/a.b"},
+    {kvxConfigEntryType_dirPath, "<READWRITEPATH>", "$W/"},
+    {kvxConfigEntryType_dirPath, "/x/<READONLYPATH>/<READONLYPATH>", "/x$R$R/"},
+    {kvxConfigEntryType_dirPath, "<READONLYPATH>/<READWRITEPATH>", "$R/<READWRITEPATH>/"},
     {kvxConfigEntryType_dirPath, "/<readonlypath>", "/<readonlypath>/"},
     {kvxConfigEntryType_dirPath, "/plain//dir", "/plain/dir/"},
     {kvxConfigEntryType_filePath, "./file", "./file"},
@@ -323,10 +323,8 @@ TEST(ConfigMapperTest, OneKindOfPlaceholderIsReplacedInAPath) {
         SCOPED_TRACE(theCase.mText);
         const Fixture theFixture(std::string("[s]\nk=") + theCase.mText + "\n");
         vxCString theExpected(theCase.mPath);
-        theExpected.Replace("READWRITEPATH", "@");
-        theExpected.Replace("W", (theFixture / "rw").c_str());
-        theExpected.Replace("R", (theFixture / "ro").c_str());
-        theExpected.Replace("@", "READWRITEPATH");
+        theExpected.Replace("$W", (theFixture / "rw").c_str());
+        theExpected.Replace("$R", (theFixture / "ro").c_str());
         const Row theRow(theCase.mType, theCase.mText);
         vxConfigMapper theMapper;
         for (const vxConfig* theConfig :
