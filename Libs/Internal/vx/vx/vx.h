@@ -49,6 +49,7 @@
 #include "vx/Semaphore.h"
 #include "vx/Serialize.h"
 #include "vx/SingleInstanceChecker.h"
+#include "vx/StoppableThread.h"
 #include "vx/StringHashMap.h"
 #include "vx/StringList.h"
 #include "vx/TextFile.h"
