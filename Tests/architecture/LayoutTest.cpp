@@ -199,6 +199,12 @@ FIELDS_IN_ORDER(vxApplet, mfaWake, mfChildaWake, mParent, mOptions, mChildren, m
 FIELDS_IN_ORDER(vxActivityManager, mMutex, mActivityCounter, mfActivity, mTimeVal);
 SIZE_ON_32_BITS(vxSelect, 4);
 
+// Broadcasters and listeners
+FIELDS_IN_ORDER(vxBroadcaster, mListeners, mfIsBroadcasting);
+SIZE_ON_32_BITS(vxBroadcaster, 28);
+FIELDS_IN_ORDER(vxListener, mBroadcasters, mfIsListening);
+SIZE_ON_32_BITS(vxListener, 28);
+
 // Files
 FIELDS_IN_ORDER(vxPathName, mPathKind, mPath, mFileName, mExtension, mFullPath);
 SIZE_ON_32_BITS(vxPathName, 36);
@@ -326,6 +332,13 @@ TEST(LayoutTest, AppletsAddTheirOperationsBehindThoseOfTheTimeoutQueue) {
     EXPECT_EQ(SlotOf(&vxApplet::AppletLoop), 4);
     EXPECT_EQ(SlotOf(&vxApplet::RaiseWakeUpSignal), 5);
     EXPECT_EQ(SlotOf(&vxApplet::WaitWakeUpSignal), 6);
+}
+
+TEST(LayoutTest, BroadcastersHaveTheirOperationsBehindTheDestructor) {
+    EXPECT_EQ(SlotOf(&vxBroadcaster::AddListener), 2);
+    EXPECT_EQ(SlotOf(&vxBroadcaster::RemoveListener), 3);
+    EXPECT_EQ(SlotOf(&vxBroadcaster::BroadcastMessage), 4);
+    EXPECT_EQ(SlotOf(&vxListener::ListenToMessage), 2);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "vx/BeforeNextSpace.h"
 #include "vx/BenchMark.h"
 #include "vx/BitString.h"
+#include "vx/Broadcaster.h"
 #include "vx/CLIApplet.h"
 #include "vx/CLICommand.h"
 #include "vx/CLICommandChecker.h"
