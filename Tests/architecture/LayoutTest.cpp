@@ -190,6 +190,18 @@ FIELDS_IN_ORDER(vxConditionExt, mCondition, mMutex, mfSignaled, mfDeleteMutex);
 SIZE_ON_32_BITS(vxConditionExt, 12);
 SIZE_ON_32_BITS(vxSemaphore, 4);
 
+// Threads
+FIELDS_IN_ORDER(vxOSThread_Data, mThreadFunc, mDeleteFunc, mThreadArgs, mStackSize, mThreadKind,
+                mThreadScheduling);
+SIZE_ON_32_BITS(vxOSThread_Data, 24);
+FIELDS_IN_ORDER(vxStoppableThread, mThreadKind, mThreadState, mThreadName, mThread,
+                mfTerminateRequested);
+SIZE_ON_32_BITS(vxStoppableThread, 24);
+FIELDS_IN_ORDER(vxMessage, mNext, mMessage, mParam1, mParam2);
+SIZE_ON_32_BITS(vxMessage, 16);
+FIELDS_IN_ORDER(vxMessageQueue, mMutex, mCondition, mHead, mTail);
+SIZE_ON_32_BITS(vxMessageQueue, 20);
+
 // Time-outs and applets
 FIELDS_IN_ORDER(vxTimeout, mStart, mDuration);
 SIZE_ON_32_BITS(vxTimeout, 20);
@@ -324,6 +336,15 @@ TEST(LayoutTest, ConsoleAppletsAddTheirOperationsBehindTheInheritedOnes) {
     EXPECT_EQ(SlotOf(&vxCLIApplet::HandleCLICommand), 3);
     EXPECT_EQ(SlotOf(&vxCLIApplet::GetCLIAppletID), 4);
     EXPECT_EQ(SlotOf(&vxCLIApplet::Terminate), 5);
+}
+
+TEST(LayoutTest, StoppableThreadsHaveTheirOperationsBehindTheDestructor) {
+    EXPECT_EQ(SlotOf(&vxStoppableThread::Go), 2);
+    EXPECT_EQ(SlotOf(&vxStoppableThread::TestExit), 3);
+    EXPECT_EQ(SlotOf(&vxStoppableThread::OnRun), 4);
+    EXPECT_EQ(SlotOf(&vxStoppableThread::ThreadCancel), 5);
+    EXPECT_EQ(SlotOf(&vxStoppableThread::ThreadSetData), 6);
+    EXPECT_EQ(SlotOf(&vxStoppableThread::Entry), 7);
 }
 
 TEST(LayoutTest, AppletsAddTheirOperationsBehindThoseOfTheTimeoutQueue) {

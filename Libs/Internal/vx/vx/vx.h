@@ -38,6 +38,7 @@
 #include "vx/JSON.h"
 #include "vx/JSONMessageBuilder.h"
 #include "vx/List.h"
+#include "vx/MessageQueue.h"
 #include "vx/Mutex.h"
 #include "vx/Obfuscate.h"
 #include "vx/PathName.h"
