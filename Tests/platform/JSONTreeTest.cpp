@@ -1,17 +1,32 @@
 #include <libteskTools/JSON.h>
+#include <libteskTools/Memory.h>
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <random>
 #include <thread>
 #include <vector>
 
 #include "platform/JSONTree.h"
+#include "support/Forward.h"
 #include "support/Latch.h"
 #include "support/Reports.h"
 #include "support/SmallStack.h"
+
+namespace {
+
+std::atomic<int> sIndexCount{0};  // indexes are what the tree has zeroed blocks for
+
+}  // namespace
+
+void* vxCalloc(size_t aSize) {
+    ++sIndexCount;
+    return VXTEST_REAL(vxCalloc)(aSize);
+}
 
 namespace {
 
@@ -432,6 +447,30 @@ TEST(JSONTreeTest, CountsAbove16BitsAreKept) {
     EXPECT_EQ(vxJSON_GetArraySize(theTree.get()), 0u);
 }
 
+TEST(JSONTreeTest, WhereLookupsAndEditsTakeTurnsThereIsAnIndexThatFollows) {
+    const Tree theObject(vxJSON_CreateObject());
+    const Tree theArray(vxJSON_CreateArray());
+    sIndexCount = 0;
+    for (uint64_t i = 0; i < 1000; ++i) {
+        vxJSON_ReplaceItemInObject(theObject.get(), std::to_string(i).c_str(), NewNumber(i), 1);
+    }
+    EXPECT_GT(sIndexCount, 0);
+    EXPECT_LT(sIndexCount, 30);
+    sIndexCount = 0;
+    for (uint64_t i = 0; i < 1000; ++i) {
+        vxJSON_InsertItemInArray(theArray.get(), vxJSON_GetArraySize(theArray.get()) / 2,
+                                 NewNumber(i));
+    }
+    EXPECT_GT(sIndexCount, 0);
+    EXPECT_LT(sIndexCount, 30);
+    for (uint64_t i = 1000; i > 0; --i) {
+        vxJSON_DeleteItemFromObject(theObject.get(), std::to_string(i - 1).c_str());
+        vxJSON_Delete(vxJSON_DetachItemFromArray(theArray.get(), static_cast<uint32_t>(i / 2)));
+    }
+    EXPECT_EQ(Print(theObject), "{}");
+    EXPECT_EQ(Print(theArray), "[]");
+}
+
 // ---- Addresses and threads
 
 TEST(JSONTreeTest, NodesKeepTheirAddresses) {
@@ -609,6 +648,21 @@ TEST(JSONTreeTest, ComparisonTakesNaNNullNodesAndTopNames) {
     EXPECT_EQ(vxJSON_Compare(vxJSON_GetArrayItem(theTree.get(), 0),
                              vxJSON_GetArrayItem(theTree.get(), 1)),
               0);
+}
+
+TEST(JSONTreeTest, ANumberIsNotTakenForTheAddressOfANamedOne) {
+    // The second word of an item that was read without a name and then got one is an address.
+    const Tree theTree = Parse("[1]");
+    vxJSON_t* theNode = vxJSON_DetachItemFromArray(theTree.get(), 0);
+    vxJSON_SetName(theNode, "name");
+    uint64_t theWords[2];
+    memcpy(theWords, theNode, sizeof(theWords));
+    ASSERT_NE(theWords[1], 1u);
+    vxJSON_InsertItemInArray(theTree.get(), 0, theNode);
+    const Tree theOther(vxJSON_CreateArray());
+    vxJSON_InsertItemInArray(theOther.get(), 0, NewNumber(theWords[1]));
+    EXPECT_NE(vxJSON_Compare(theTree.get(), theOther.get()), 0);
+    EXPECT_NE(vxJSON_Compare(theOther.get(), theTree.get()), 0);
 }
 
 TEST(JSONTreeTest, ComparingInAnotherOrderIsNotQuadratic) {

@@ -179,9 +179,10 @@ bool vxSameNumber(const vxJSON_t* aNode, const vxJSON_t* anOther) {
 
 // ---- Comparing trees
 
-/// Same kind and same value words: equal, whatever the words mean.
+/// Same kind and same values: equal, whatever the values mean.
 bool vxAreAlike(const vxJSON_t* aNode, const vxJSON_t* anOther) {
-    return ((aNode->mHead ^ anOther->mHead) & kvxKindMask) == 0 && aNode->mValue == anOther->mValue;
+    return ((aNode->mHead ^ anOther->mHead) & kvxKindMask) == 0 &&
+           vxValue(aNode) == vxValue(anOther);
 }
 
 bool vxSameText(const vxJSONText& aText, const vxJSONText& anOther) {

@@ -116,7 +116,9 @@ void vxSetChildren(vxJSON_t* aNode, vxJSON_t* aLast, uint32_t aCount) {
     uint64_t* theWord = vxValueWord(aNode);
     if ((*theWord & kvxHasBody) == 0) {
         if (aCount <= kvxMaxPackedCount) {
-            *theWord = vxWord(aLast) | (static_cast<uint64_t>(aCount) << kvxCountShift);
+            // Lookups count on through edits: where the two take turns, an index pays as well.
+            *theWord = vxWord(aLast) | (*theWord & (kvxLookupMask << kvxLookupShift)) |
+                       (static_cast<uint64_t>(aCount) << kvxCountShift);
             return;
         }
         vxJSONBody* theNew = static_cast<vxJSONBody*>(vxMalloc(sizeof(vxJSONBody)));
