@@ -263,7 +263,8 @@ TEST_F(ListTest, RemoveAndDetachReportANullItem) {
     EXPECT_THAT(mReports.Assertions(),
                 ElementsAre("aListItem != NULL", "aListItem != NULL", "aListItem != NULL",
                             "aListItem != NULL", "aListItem != NULL"));
-    EXPECT_EQ(mReports.AssertionReports()[0].mFile, "Libs/Internal/vx/core/List.cpp");
+    EXPECT_THAT(mReports.AssertionReports()[0].mFile,
+                testing::EndsWith("Libs/Internal/vx/core/List.cpp"));
     EXPECT_THAT(ValuesOf(mList), ElementsAre(1));
 }
 

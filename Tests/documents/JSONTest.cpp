@@ -199,7 +199,7 @@ TEST(JSONTest, WrongAccessIsLoggedAboveTheWarningLevelOnly) {
     for (const vxtest::LogRecord& theRecord : theReports.Records()) {
         EXPECT_EQ(theRecord.mLevel, VXLOGLEVEL_WARNING);
         EXPECT_EQ(theRecord.mModule, VXLOG_M_JSON);
-        EXPECT_EQ(theRecord.mFile, "Libs/Internal/vx/documents/JSON.cpp");
+        EXPECT_THAT(theRecord.mFile, testing::EndsWith("Libs/Internal/vx/documents/JSON.cpp"));
     }
 }
 
@@ -236,7 +236,8 @@ TEST(JSONTest, SettingMembersOfAnythingElseIsReported) {
     EXPECT_EQ(Text(theDocument), "[]");
     EXPECT_EQ(theReports.Assertions(),
               std::vector<std::string>(7, "vxJSON_Is(mEntry, kvxJSON_Object)"));
-    EXPECT_EQ(theReports.AssertionReports()[0].mFile, "Libs/Internal/vx/documents/JSON.cpp");
+    EXPECT_THAT(theReports.AssertionReports()[0].mFile,
+                testing::EndsWith("Libs/Internal/vx/documents/JSON.cpp"));
 }
 
 TEST(JSONTest, ChildrenAreFoundByPositionAndName) {
