@@ -806,6 +806,46 @@ TEST_F(DateTimeTest, HeaderDateOfTheSecondBefore1970MakesItInvalid) {
     EXPECT_EQ(theDate.GetTicks(), -2);
 }
 
+TEST_F(DateTimeTest, ParsesTheDateOfAMediaServerInItsZoneOrInLocalTime) {
+    LocalZone theZone("Europe/Berlin");
+    vxDateTime theDate = At(5, 250000);
+    EXPECT_TRUE(theDate.ParseDLNA("2015-06-30T16:00:00Z"));
+    EXPECT_EQ(theDate.GetTicks(), 1435680000);
+    EXPECT_EQ(theDate.GetMillisecond(), 0);
+    EXPECT_TRUE(theDate.ParseDLNA("2015-06-30T10:30:00.75-05:30"));
+    EXPECT_EQ(theDate.GetTicks(), 1435680000);
+    EXPECT_EQ(theDate.GetMillisecond(), 750);
+    EXPECT_TRUE(theDate.ParseDLNA("2015-07-01T06:00:00+14:00"));
+    EXPECT_EQ(theDate.GetTicks(), 1435680000);
+    EXPECT_TRUE(theDate.ParseDLNA("2015-06-30T18:00:00.25"));
+    EXPECT_EQ(theDate.GetTicks(), 1435680000);
+    EXPECT_EQ(theDate.GetMillisecond(), 250);
+    EXPECT_TRUE(theDate.ParseDLNA("2015-01-15"));
+    EXPECT_STREQ(theDate.FormatISO(), "2015-01-15T00:00:00");
+    EXPECT_EQ(theDate.GetTicks(), 1421276400);
+}
+
+TEST_F(DateTimeTest, DateOfAMediaServerMayLieBefore1970) {
+    vxDateTime theDate;
+    EXPECT_TRUE(theDate.ParseDLNA("1965-04-01T00:00:00Z"));
+    EXPECT_EQ(theDate.GetTicks(), -149990400);
+    EXPECT_TRUE(theDate.ParseDLNA("1901-12-13T20:45:52Z"));
+    EXPECT_EQ(theDate.GetTicks(), -2147483647L - 1);
+    EXPECT_TRUE(theDate.ParseDLNA("2038-01-19T03:14:07Z"));
+    EXPECT_EQ(theDate.GetTicks(), 2147483647);
+}
+
+TEST_F(DateTimeTest, DateOfAMediaServerThatCannotBeHeldMakesTheValueInvalid) {
+    for (const char* theText :
+         {"", "2015", "2015-02-29", "2015-06-30T16:00Z", "1901-12-13T20:45:51Z",
+          "2038-01-19T03:14:08Z", "0001-01-01", "9999-12-31T23:59:59.999-14:00"}) {
+        SCOPED_TRACE(theText);
+        vxDateTime theDate = At(5, 250000);
+        EXPECT_FALSE(theDate.ParseDLNA(theText));
+        ExpectInvalid(theDate);
+    }
+}
+
 TEST_F(DateTimeTest, ComparesSecondsBeforeSubSecondParts) {
     const vxDateTime theValues[] = {At(-5, 900000), At(5, 0), At(5, 1), At(6, 0)};
     for (int i = 0; i < 4; ++i) {

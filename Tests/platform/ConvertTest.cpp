@@ -206,3 +206,117 @@ TEST(ConvertTest, TheLocaleNeverMatters) {
     EXPECT_EQ(vxConvert_strtod("1,5", &theValue), -1);
     setlocale(LC_ALL, "C");
 }
+
+namespace {
+
+struct DateCase {
+    const char* mText;
+    vxDLNADate mDate;
+};
+
+constexpr DateCase kDateCases[] = {
+    {"2015-06-30", {2015, 6, 30, 0, 0, 0, 0, 0, false}},
+    {"0000-01-01", {0, 1, 1, 0, 0, 0, 0, 0, false}},
+    {"9999-12-31", {9999, 12, 31, 0, 0, 0, 0, 0, false}},
+    {"2016-02-29", {2016, 2, 29, 0, 0, 0, 0, 0, false}},
+    {"2000-02-29", {2000, 2, 29, 0, 0, 0, 0, 0, false}},
+    {"2015-06-30T18:05:09", {2015, 6, 30, 18, 5, 9, 0, 0, false}},
+    {"2015-06-30T00:00:00", {2015, 6, 30, 0, 0, 0, 0, 0, false}},
+    {"2015-06-30T23:59:59", {2015, 6, 30, 23, 59, 59, 0, 0, false}},
+    {"2015-06-30T18:05:09.5", {2015, 6, 30, 18, 5, 9, 500, 0, false}},
+    {"2015-06-30T18:05:09.25", {2015, 6, 30, 18, 5, 9, 250, 0, false}},
+    {"2015-06-30T18:05:09.007", {2015, 6, 30, 18, 5, 9, 7, 0, false}},
+    {"2015-06-30T18:05:09.999999999999", {2015, 6, 30, 18, 5, 9, 999, 0, false}},
+    {"2015-06-30T18:05:09Z", {2015, 6, 30, 18, 5, 9, 0, 0, true}},
+    {"2015-06-30T18:05:09.5Z", {2015, 6, 30, 18, 5, 9, 500, 0, true}},
+    {"2015-06-30T18:05:09+02:00", {2015, 6, 30, 18, 5, 9, 0, 120, true}},
+    {"2015-06-30T18:05:09-05:30", {2015, 6, 30, 18, 5, 9, 0, -330, true}},
+    {"2015-06-30T18:05:09.125+14:00", {2015, 6, 30, 18, 5, 9, 125, 840, true}},
+    {"2015-06-30T18:05:09-14:00", {2015, 6, 30, 18, 5, 9, 0, -840, true}},
+    {"2015-06-30T18:05:09-00:00", {2015, 6, 30, 18, 5, 9, 0, 0, true}},
+};
+
+void ExpectSameDate(const vxDLNADate& aDate, const vxDLNADate& anExpected) {
+    EXPECT_EQ(aDate.mYear, anExpected.mYear);
+    EXPECT_EQ(aDate.mMonth, anExpected.mMonth);
+    EXPECT_EQ(aDate.mDay, anExpected.mDay);
+    EXPECT_EQ(aDate.mHour, anExpected.mHour);
+    EXPECT_EQ(aDate.mMinute, anExpected.mMinute);
+    EXPECT_EQ(aDate.mSecond, anExpected.mSecond);
+    EXPECT_EQ(aDate.mMillisecond, anExpected.mMillisecond);
+    EXPECT_EQ(aDate.mZoneOffset, anExpected.mZoneOffset);
+    EXPECT_EQ(aDate.mfHasZone, anExpected.mfHasZone);
+}
+
+}  // namespace
+
+TEST(ConvertTest, DatesHaveADayAndMayHaveATimeAFractionAndAZone) {
+    for (const DateCase& theCase : kDateCases) {
+        SCOPED_TRACE(theCase.mText);
+        vxDLNADate theDate = {1, 1, 1, 1, 1, 1, 1, 1, true};
+        EXPECT_EQ(vxConvert_dlnadatestrtodate(theCase.mText, &theDate), 0);
+        ExpectSameDate(theDate, theCase.mDate);
+    }
+}
+
+TEST(ConvertTest, OtherTextIsNoDateAndLeavesTheResultAlone) {
+    const char* const theTexts[] = {
+        nullptr,
+        "",
+        "2015",
+        "2015-06",
+        "2015-06-3",
+        "2015-6-30",
+        "15-06-30",
+        "12015-06-30",
+        "+2015-06-30",
+        "-2015-06-30",
+        " 2015-06-30",
+        "2015-06-30 ",
+        "2015/06/30",
+        "20150630",
+        "2015-00-30",
+        "2015-13-30",
+        "2015-06-00",
+        "2015-06-31",
+        "2015-01-32",
+        "2015-02-29",
+        "1900-02-29",
+        "2015-06-30Z",
+        "2015-06-30+02:00",
+        "2015-06-30T",
+        "2015-06-30t18:05:09",
+        "2015-06-30 18:05:09",
+        "2015-06-30T18",
+        "2015-06-30T18:05",
+        "2015-06-30T18:05Z",
+        "2015-06-30T8:05:09",
+        "2015-06-30T24:00:00",
+        "2015-06-30T18:60:09",
+        "2015-06-30T18:05:60",
+        "2015-06-30T18:05:0",
+        "2015-06-30T18:05:090",
+        "2015-06-30T18:05:09.",
+        "2015-06-30T18:05:09.Z",
+        "2015-06-30T18:05:09,5",
+        "2015-06-30T18:05:09z",
+        "2015-06-30T18:05:09ZZ",
+        "2015-06-30T18:05:09+",
+        "2015-06-30T18:05:09+2:00",
+        "2015-06-30T18:05:09+0200",
+        "2015-06-30T18:05:09+02",
+        "2015-06-30T18:05:09+02:60",
+        "2015-06-30T18:05:09+14:01",
+        "2015-06-30T18:05:09+15:00",
+        "2015-06-30T18:05:09 02:00",
+        "2015-06-30T18:05:09+02:00Z",
+        "x",
+    };
+    const vxDLNADate theBefore = {1, 2, 3, 4, 5, 6, 7, 8, true};
+    for (const char* theText : theTexts) {
+        SCOPED_TRACE(theText == nullptr ? "null" : theText);
+        vxDLNADate theDate = theBefore;
+        EXPECT_EQ(vxConvert_dlnadatestrtodate(theText, &theDate), -1);
+        ExpectSameDate(theDate, theBefore);
+    }
+}

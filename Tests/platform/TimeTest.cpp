@@ -148,6 +148,29 @@ TEST(TimeTest, LocalTimeCountsLeapSecondsWhereTheZoneDoes) {
     }
 }
 
+TEST(TimeTest, FieldsInUTCMakeTheSecondsTheyCameFrom) {
+    LocalZone theZone("Europe/Paris");
+    std::mt19937 theRandom(1901);
+    for (int i = 0; i < 20000; ++i) {
+        const int32_t theSeconds = static_cast<int32_t>(theRandom());
+        vxtm theFields;
+        vxTime_gmtime(theSeconds, &theFields);
+        ASSERT_EQ(vxTime_timegm(&theFields), theSeconds);
+    }
+}
+
+TEST(TimeTest, FieldsInUTCMayBeOutOfRange) {
+    // 2015-06-30 16:00:00 is written in other ways; then seconds far beyond 32 bits.
+    vxtm theFields = {3600, 60, 14, 30, 5, 115, 1, 6, 365, 999};
+    EXPECT_EQ(vxTime_timegm(&theFields), 1435680000);
+    theFields = {0, 0, -8, 1, -6, 116, -1, 0, 0, 0};
+    EXPECT_EQ(vxTime_timegm(&theFields), 1435680000);
+    theFields = {59, 59, 23, 31, 11, 8099, 0, 0, 0, 0};
+    EXPECT_EQ(vxTime_timegm(&theFields), 253402300799);
+    theFields = {0, 0, 0, 1, 0, -1900, 0, 0, 0, 0};
+    EXPECT_EQ(vxTime_timegm(&theFields), -62167219200);
+}
+
 TEST(TimeTest, ConversionsClearTheMilliseconds) {
     vxtm theFields = {};
     theFields.tm_msec = 5;

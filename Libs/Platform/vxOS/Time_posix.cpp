@@ -165,6 +165,10 @@ int vxTime_gmtime(int32_t aSeconds, vxtm* aFields) {
     return 1;
 }
 
+int64_t vxTime_timegm(const vxtm* aFields) {
+    return vxCalendar_Seconds(*aFields);
+}
+
 int32_t vxTime_mktime(vxtm* aFields) {
     vxTimeZone& theZone = vxTimeZone_Current();
     const int64_t theSeconds = vxMakeTime(theZone, *aFields);

@@ -6,6 +6,8 @@
 
 #include "vx/DateTime.h"
 
+#include <libteskTools/Convert.h>
+
 #include <cctype>
 #include <cstdio>
 #include <cstring>
@@ -345,6 +347,32 @@ bool vxDateTime::ParseRFC1123(const vxCString& aText) {
         return false;
     }
     Set(theFields);
+    return IsValid();
+}
+
+bool vxDateTime::ParseDLNA(const vxCString& aText) {
+    mTime = wxDefaultDateTime.mTime;
+    vxDLNADate theDate;
+    if (vxConvert_dlnadatestrtodate(aText.c_str(), &theDate) != 0) {
+        return false;
+    }
+    vxtm theFields = {};
+    theFields.tm_year = theDate.mYear - 1900;
+    theFields.tm_mon = theDate.mMonth - 1;
+    theFields.tm_mday = theDate.mDay;
+    theFields.tm_hour = theDate.mHour;
+    theFields.tm_min = theDate.mMinute;
+    theFields.tm_sec = theDate.mSecond;
+    theFields.tm_msec = theDate.mMillisecond;
+    if (!theDate.mfHasZone) {
+        vxKeepFields(theFields);
+        Set(theFields);
+        return IsValid();
+    }
+    mTime = FromSeconds(vxTime_timegm(&theFields) - int64_t{theDate.mZoneOffset} * 60);
+    if (IsValid()) {
+        mTime.tv_usec = theDate.mMillisecond * 1000;
+    }
     return IsValid();
 }
 

@@ -243,6 +243,13 @@ public:
     ///           the value becomes invalid.
     bool ParseRFC1123(const vxCString& aText);
 
+    /// Reads a date as media servers have it, in the zone that it names, else in local time (see
+    /// vxConvert_dlnadatestrtodate()). A date without a time is its first second.
+    ///
+    /// Fails:    false for other text, and for times that do not fit 32-bit seconds; the value is
+    ///           invalid.
+    bool ParseDLNA(const vxCString& aText);
+
     /// Compares seconds, then sub-second parts.
     ///
     /// Asserts:  IsValid() && aDateTime.IsValid(); invalid values compare as they stand.

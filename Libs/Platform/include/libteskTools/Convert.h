@@ -1,9 +1,22 @@
 #pragma once
 
-// Characters and numbers as text. The locale never matters: letters, blanks and the decimal point
+// Characters, numbers and dates as text. The locale never matters: letters, blanks and the decimal point
 // are those of ASCII.
 
 #include <libteskTools/Types.h>
+
+/// A date as DLNA texts have it.
+typedef struct vxDLNADate {
+    int32_t mYear;         ///< full year, 0 to 9999
+    int32_t mMonth;        ///< 1 to 12
+    int32_t mDay;          ///< 1 to the length of the month
+    int32_t mHour;         ///< 0 to 23
+    int32_t mMinute;       ///< 0 to 59
+    int32_t mSecond;       ///< 0 to 59
+    int32_t mMillisecond;  ///< 0 to 999
+    int32_t mZoneOffset;   ///< minutes east of UTC, -840 to 840; 0 where no zone is given
+    bool mfHasZone;        ///< is a zone given? A date without one is in local time
+} vxDLNADate;
 
 VX_C_BEGIN
 
@@ -70,5 +83,17 @@ VX_API int vxConvert_strtouint64_base(const char* aStr, uint64_t* aResult, int a
 ///
 /// A value too small for a double is 0; one too large fails, and so do "inf", "nan" and hexadecimal.
 VX_API int vxConvert_strtod(const char* aStr, double* aResult);
+
+/// Reads a date as DLNA texts have it: "2015-06-30" or "2015-06-30T18:00:00", the latter with an
+/// optional fraction of the second and an optional zone.
+///
+/// Fields have exactly the digits shown, and a date must be one of the calendar. The fraction is a
+/// point and one digit or more, of which three count. The zone is "Z" or a difference from UTC up to
+/// fourteen hours, such as "+02:00" or "-05:30". Nothing may stand in front or behind. What the text
+/// does not give is 0.
+///
+/// Fails:    -1 for null and any other text, and `aResult` is left alone; otherwise 0.
+/// Threads:  any.
+VX_API int vxConvert_dlnadatestrtodate(const char* aStr, vxDLNADate* aResult);
 
 VX_C_END

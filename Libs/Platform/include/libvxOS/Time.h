@@ -55,6 +55,13 @@ VX_API int vxTime_gmtime(int32_t aSeconds, vxtm* aFields);
 /// Threads:  any, as long as none changes the environment.
 VX_API int32_t vxTime_mktime(vxtm* aFields);
 
+/// Returns the seconds since 1970 that calendar fields, whatever their range, are in UTC. Weekday, day
+/// of the year, milliseconds and `tm_isdst` are not looked at.
+///
+/// Fails:    never: 64 bits hold every result.
+/// Threads:  any.
+VX_API int64_t vxTime_timegm(const vxtm* aFields);
+
 /// Reads a date as mail and HTTP headers have it ("Sun, 06 Nov 1994 08:49:37 GMT") and converts it
 /// to local calendar fields, so that vxTime_mktime() gives that very instant.
 ///

@@ -1,0 +1,73 @@
+#pragma once
+
+// What is known about a media item goes under these keys. Values are text: numbers in decimal, truth
+// as "1" and "0". Bit rates are bits per second, sampling rates hertz, sizes bytes, widths and
+// heights pixels, durations milliseconds.
+
+inline constexpr char kvxInfo_Album[] = "an";                  ///< name of the album
+inline constexpr char kvxInfo_AudioBitRate[] = "ar";           ///< bit rate of audio track 1
+inline constexpr char kvxInfo_AudioBitsPerSample[] = "bs";     ///< sample size of audio track 1
+inline constexpr char kvxInfo_AudioChannelCount[] = "ac";      ///< channels of audio track 1
+inline constexpr char kvxInfo_AudioCodec[] = "ca";             ///< codec of audio track 1
+inline constexpr char kvxInfo_AudioEstimatedBitRate[] = "ea";  ///< its bit rate as estimated
+inline constexpr char kvxInfo_AudioFormatTag[] = "at";         ///< its format by number
+inline constexpr char kvxInfo_AudioLanguage[] = "al";          ///< language of audio track 1
+inline constexpr char kvxInfo_AudioMaxBitRate[] = "ma";        ///< its highest bit rate
+inline constexpr char kvxInfo_AudioSamplingRate[] = "sf";      ///< sampling rate of audio track 1
+inline constexpr char kvxInfo_AudioSubCodec[] = "ua";          ///< variant of its codec
+inline constexpr char kvxInfo_AudioTrackCount[] = "ta";        ///< number of audio tracks
+inline constexpr char kvxInfo_Audio_2_BitRate[] = "r2";        ///< bit rate of audio track 2
+inline constexpr char kvxInfo_Audio_2_BitsPerSample[] = "b2";  ///< sample size of audio track 2
+inline constexpr char kvxInfo_Audio_2_ChannelCount[] = "h2";   ///< channels of audio track 2
+inline constexpr char kvxInfo_Audio_2_Codec[] = "c2";          ///< codec of audio track 2
+inline constexpr char kvxInfo_Audio_2_EstimatedBitRate[] = "e2";  ///< its bit rate as estimated
+inline constexpr char kvxInfo_Audio_2_FormatTag[] = "t2";         ///< its format by number
+inline constexpr char kvxInfo_Audio_2_Language[] = "l2";          ///< language of audio track 2
+inline constexpr char kvxInfo_Audio_2_MaxBitRate[] = "m2";        ///< its highest bit rate
+inline constexpr char kvxInfo_Audio_2_SamplingRate[] = "s2";  ///< sampling rate of audio track 2
+inline constexpr char kvxInfo_Audio_2_SubCodec[] = "u2";      ///< variant of its codec
+inline constexpr char kvxInfo_BitRate[] = "br";               ///< bit rate of the whole
+inline constexpr char kvxInfo_ClassName[] = "cn";             ///< class, as "object.item.audioItem"
+inline constexpr char kvxInfo_ColorDepth[] = "cd";            ///< bits per pixel
+inline constexpr char kvxInfo_Creator[] = "cr";               ///< artist or author
+inline constexpr char kvxInfo_DLNA[] = "dl";                  ///< name of the DLNA profile
+inline constexpr char kvxInfo_DLNAHTTPHeaders[] = "hh";       ///< DLNA headers of HTTP
+inline constexpr char kvxInfo_DLNAHTTPRestrictions[] = "hr";  ///< what HTTP does not allow
+inline constexpr char kvxInfo_DLNALive[] = "lv";              ///< is it a live source?
+inline constexpr char kvxInfo_DLNATransferMode[] = "tm";      ///< DLNA transfer mode
+inline constexpr char kvxInfo_Duration[] = "du";              ///< duration
+inline constexpr char kvxInfo_EstimatedBitRate[] = "eb";  ///< bit rate of the whole as estimated
+inline constexpr char kvxInfo_FileExtension[] = "fe";     ///< extension without its dot
+inline constexpr char kvxInfo_FilePath[] = "fp";          ///< path of the file
+inline constexpr char kvxInfo_FileSize[] = "fs";          ///< size of the file
+inline constexpr char kvxInfo_Genre[] = "ge";             ///< genre
+inline constexpr char kvxInfo_HasVideoTrack[] = "vt";     ///< is there a video track?
+inline constexpr char kvxInfo_Height[] = "he";            ///< height of the picture
+inline constexpr char kvxInfo_ID[] = "id";                ///< identifier of the item
+inline constexpr char kvxInfo_MPEG_PS_HasIFO[] = "hi";    ///< has a program stream its index?
+inline constexpr char kvxInfo_MPEG_TTS_HasTimeStamps[] = "ts";  ///< have its packets time stamps?
+inline constexpr char kvxInfo_MaxBitRate[] = "mb";              ///< highest bit rate of the whole
+inline constexpr char kvxInfo_MediaMetaData[] = "md";           ///< bytes about the medium
+inline constexpr char kvxInfo_MediaReleasedDateTime[] = "da";   ///< when it was released
+inline constexpr char kvxInfo_MediaResMetaData[] = "rd";        ///< bytes about the resource
+inline constexpr char kvxInfo_MimeType[] = "mt";                ///< MIME type
+inline constexpr char kvxInfo_NetworkSize[] = "ns";             ///< size when it is sent
+inline constexpr char kvxInfo_PlaySingle[] = "ps";              ///< is it to be played alone?
+inline constexpr char kvxInfo_Protection[] = "pr";              ///< how it is protected
+inline constexpr char kvxInfo_ResumeUploadRequested[] = "ru";   ///< is its upload to be resumed?
+inline constexpr char kvxInfo_Subtitle[] = "su";                ///< where its subtitles are
+inline constexpr char kvxInfo_Thumbnail[] = "th";               ///< where its small picture is
+inline constexpr char kvxInfo_Title[] = "ti";                   ///< title
+inline constexpr char kvxInfo_UploadedFileSize[] = "us";        ///< size that is uploaded
+inline constexpr char kvxInfo_UserData[] = "ud";                ///< whatever the program wants
+inline constexpr char kvxInfo_VideoAspectRatio[] = "aa";        ///< width by height
+inline constexpr char kvxInfo_VideoBitRate[] = "vr";            ///< bit rate of the video track
+inline constexpr char kvxInfo_VideoChroma[] = "vh";             ///< how its colors are sampled
+inline constexpr char kvxInfo_VideoCodec[] = "vc";              ///< its codec
+inline constexpr char kvxInfo_VideoEstimatedBitRate[] = "ev";   ///< its bit rate as estimated
+inline constexpr char kvxInfo_VideoFrameRate[] = "fr";          ///< its frames per second
+inline constexpr char kvxInfo_VideoLevel[] = "vl";              ///< level of its codec
+inline constexpr char kvxInfo_VideoMaxBitRate[] = "mv";         ///< its highest bit rate
+inline constexpr char kvxInfo_VideoProfile[] = "vp";            ///< profile of its codec
+inline constexpr char kvxInfo_Width[] = "wi";                   ///< width of the picture
+inline constexpr char kvxInfo_XEncryptionData[] = "xe";         ///< data about its encryption
