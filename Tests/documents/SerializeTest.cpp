@@ -183,6 +183,37 @@ TEST(SerializeTest, ValuesHaveTheirFormats) {
                  "-9223372036854775808,-1.500000,\"\xE2\x82\xAC\\/\",\"\"]");
 }
 
+TEST(SerializeTest, RealNumbersHaveSixDecimalsWhateverTheirSize) {
+    const struct {
+        double mValue;
+        std::string mText;
+    } kCases[] = {
+        {0.0, "0.000000"},
+        {-0.0, "-0.000000"},
+        {0.1, "0.100000"},
+        {0.0000005, "0.000000"},
+        {0.0000015, "0.000002"},
+        {0.9999995, "1.000000"},
+        {123456789.0625, "123456789.062500"},
+        {9007199254740993.0, "9007199254740992.000000"},
+    };
+    for (const auto& theCase : kCases) {
+        SCOPED_TRACE(theCase.mText);
+        vxJSONFormatter theFormatter;
+        theFormatter.Float(theCase.mValue);
+        EXPECT_EQ(theFormatter.Result().c_str(), theCase.mText);
+    }
+}
+
+TEST(SerializeTest, TheLongestRealNumberIsWrittenWhole) {
+    vxJSONFormatter theFormatter;
+    theFormatter.Float(-1.7976931348623157e308);
+    const std::string theText = theFormatter.Result().c_str();
+    EXPECT_EQ(theText.length(), 317u);
+    EXPECT_EQ(theText.substr(0, 18), "-17976931348623157");
+    EXPECT_EQ(theText.substr(301), "124858368.000000");
+}
+
 TEST(SerializeTest, ControlsQuotesAndBackslashesAreEscapedAndSlashesInStrictText) {
     EXPECT_EQ(Escaped("a\tb\x01"), "a\\tb\\u0001");
     EXPECT_EQ(Escaped("\b\n\r\t\f\"\\"), "\\b\\n\\r\\t\\f\\\"\\\\");
@@ -239,6 +270,50 @@ TEST(SerializeTest, CopiesOfTheResultStayWhatTheyWere) {
     theFormatter.String(theFormatter.Result(), true);
     EXPECT_STREQ(theCopy, "one");
     EXPECT_STREQ(theFormatter.Result(), "onetwoonetwo");
+}
+
+TEST(SerializeTest, TheResultItselfMayBeWrittenAgain) {
+    vxJSONFormatter theFormatter;
+    std::string theExpected = "a\"b";
+    theFormatter.String("a", true);
+    theFormatter.String("\"b", true);
+    theExpected = "a\\\"b";
+    for (int i = 0; i < 10; ++i) {
+        theFormatter.String(theFormatter.Result(), false);
+        std::string theEscaped;
+        for (const char theChar : theExpected) {
+            theEscaped += theChar == '"' || theChar == '\\' ? "\\" : "";
+            theEscaped += theChar;
+        }
+        theExpected += "\"" + theEscaped + "\"";
+    }
+    EXPECT_EQ(theFormatter.Result().c_str(), theExpected);
+}
+
+TEST(SerializeTest, AskingForTheResultAfterEveryEventCostsLinearTime) {
+    vxJSONFormatter theFormatter;
+    for (int i = 0; i < 300000; ++i) {
+        theFormatter.String("7", true);
+        ASSERT_EQ(theFormatter.Result().length(), static_cast<size_t>(i) + 1);
+    }
+}
+
+TEST(SerializeTest, EscapesAreFoundAtEveryPlaceOfLongTexts) {
+    for (size_t theLength = 1; theLength < 40; ++theLength) {
+        for (size_t thePlace = 0; thePlace < theLength; ++thePlace) {
+            for (const char* theByte : {"\"", "\\", "/", "\x1f"}) {
+                std::string theText(theLength, '\x80');
+                theText[thePlace] = *theByte;
+                const std::string theEscape =
+                    *theByte == '\x1f' ? "\\u001f" : std::string("\\") + theByte;
+                std::string theExpected(theLength, '\x80');
+                theExpected.replace(thePlace, 1, theEscape);
+                vxJSONFormatter theFormatter;
+                theFormatter.String(theText.c_str(), true);
+                ASSERT_EQ(theFormatter.Result().c_str(), theExpected) << theLength;
+            }
+        }
+    }
 }
 
 TEST(SerializeTest, LongTextsAreWrittenWhole) {
@@ -434,8 +509,28 @@ TEST(SerializeTest, NumbersAreSentByTheirRange) {
     }
 }
 
+const ReadCase kLongNumberCases[] = {
+    {"999999999999999999", 0, "U64=999999999999999999", 1, 19},
+    {"1000000000000000000", 0, "U64=1000000000000000000", 1, 20},
+    {"-999999999999999999", 0, "S64=-999999999999999999", 1, 20},
+    {"-9223372036854775808", 0, "S64=-9223372036854775808", 1, 21},
+    {"0000000000000000000000005", 0, "U32=5", 1, 26},
+    {"123456789012345678.5", 0, "Float=123456789012345680.000000", 1, 21},
+    {"123E", 7, "", 1, 4},
+    {"123456789012345678E", 7, "", 1, 19},
+    {"12-3", 0, "U32=12", 1, 5},
+};
+
+TEST(SerializeTest, NumbersOfManyDigitsAreExact) {
+    for (const ReadCase& theCase : kLongNumberCases) {
+        ExpectRead(theCase);
+    }
+}
+
 const ReadCase kStringCases[] = {
     {"\"\"", 0, "string=", 1, 3},
+    {"\"eight by\"", 0, "string=eight by", 1, 11},
+    {"'0123456789\\n0123\"56789'", 0, "string=0123456789\n0123\"56789", 1, 25},
     {"'\\\"\\\\\\/\\b\\n\\r\\t\\f'", 0, "string=\"\\/\b\n\r\t\f", 1, 19},
     {"'x\\u0041\\u007fy'", 0, "string=xA\x7fy", 1, 17},
     {"'\\u0080\\u07ff'", 0, "string=\xC2\x80\xDF\xBF", 1, 15},

@@ -1,10 +1,15 @@
 // Property lists as a stream of events, the sinks of such a stream, and a JSON reader that sends one.
 //
+// JSON text is written in place: the write buffer of the text stays out from event to event, and is
+// given back when somebody asks for the text.
+//
 // The reader walks a text that is whole in memory, so a token is one step and only the structure
 // between tokens needs states. Each open array or object has one on a stack of fixed size; the value
 // inside the innermost one is a level of its own.
 
 #include "vx/Serialize.h"
+
+#include "Bytes.h"
 
 #include <libteskTools/Convert.h>
 #include <libteskTools/Memory.h>
@@ -14,9 +19,11 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 
 #include "vx/GrowingBuffer.h"
 
@@ -24,6 +31,11 @@ namespace {
 
 const char* vxText(const char* aText) {
     return aText == NULL ? "" : aText;
+}
+
+bool vxLiesIn(const char* aPos, const vxCString& aText) {
+    const std::less_equal<const char*> theOrder;
+    return theOrder(aText.c_str(), aPos) && theOrder(aPos, aText.c_str() + aText.length());
 }
 
 // Escaping
@@ -61,23 +73,50 @@ size_t vxEscapedLength(const char* aText, const vxEscapes& anEscapes) {
     return theLength;
 }
 
+constexpr size_t kvxEscape_MaxLength = 6;
+
+/// Writes a byte that must be escaped, and returns the end.
+char* vxWriteEscape(char aChar, char anEscape, char* aTarget) {
+    *aTarget++ = '\\';
+    *aTarget++ = anEscape;
+    if (anEscape == kvxEscape_Unicode) {
+        *aTarget++ = '0';
+        *aTarget++ = '0';
+        *aTarget++ = "0123456789abcdef"[static_cast<unsigned char>(aChar) >> 4];
+        *aTarget++ = "0123456789abcdef"[aChar & 15];
+    }
+    return aTarget;
+}
+
 void vxWriteEscaped(const char* aText, const vxEscapes& anEscapes, char* aTarget) {
     for (; *aText != '\0'; ++aText) {
-        const unsigned char theByte = static_cast<unsigned char>(*aText);
-        const char theEscape = anEscapes[theByte];
+        const char theEscape = anEscapes[static_cast<unsigned char>(*aText)];
         if (theEscape == '\0') {
             *aTarget++ = *aText;
-            continue;
-        }
-        *aTarget++ = '\\';
-        *aTarget++ = theEscape;
-        if (theEscape == kvxEscape_Unicode) {
-            *aTarget++ = '0';
-            *aTarget++ = '0';
-            *aTarget++ = "0123456789abcdef"[theByte >> 4];
-            *aTarget++ = "0123456789abcdef"[theByte & 15];
+        } else {
+            aTarget = vxWriteEscape(*aText, theEscape, aTarget);
         }
     }
+}
+
+/// Copies a text up to the first byte that must be escaped; returns that byte, or the end.
+const char* vxCopyPlain(const char* aText, const char* anEnd, bool afStrict, char* aTarget) {
+    const unsigned char theSlash = afStrict ? '/' : '"';
+    while (anEnd - aText >= static_cast<ptrdiff_t>(sizeof(vxBytes))) {
+        const vxBytes theBytes = vxLoadBytes(aText);
+        if (vxHasControl(theBytes) || vxHasByte(theBytes, '"') || vxHasByte(theBytes, '\\') ||
+            vxHasByte(theBytes, theSlash)) {
+            break;
+        }
+        vxStoreBytes(aTarget, theBytes);
+        aText += sizeof(theBytes);
+        aTarget += sizeof(theBytes);
+    }
+    const vxEscapes& theEscapes = afStrict ? kvxEscapes_Strict : kvxEscapes_Lax;
+    while (aText != anEnd && theEscapes[static_cast<unsigned char>(*aText)] == '\0') {
+        *aTarget++ = *aText++;
+    }
+    return aText;
 }
 
 // Reading
@@ -90,8 +129,41 @@ int vxHexValue(char aChar) {
     return theLower >= 'a' && theLower <= 'f' ? theLower - 'a' + 10 : -1;
 }
 
+bool vxIsDigit(char aChar) {
+    return aChar >= '0' && aChar <= '9';
+}
+
+bool vxIsBlank(char aChar) {
+    return aChar == ' ' || (aChar >= '\t' && aChar <= '\r');
+}
+
+/// May a run of characters that is read as a number hold this one?
+bool vxIsOfNumber(char aChar) {
+    return vxIsDigit(aChar) || aChar == '.' || aChar == '+' || aChar == '-' || aChar == 'e';
+}
+
 size_t vxDigits(const char* aText) {
-    return strspn(aText, "0123456789");
+    size_t theLength = 0;
+    while (vxIsDigit(aText[theLength])) {
+        ++theLength;
+    }
+    return theLength;
+}
+
+/// The first quote or backslash, or the end.
+const char* vxEndOfPlain(const char* aText, const char* anEnd, char aQuote) {
+    const unsigned char theQuote = static_cast<unsigned char>(aQuote);
+    while (anEnd - aText >= static_cast<ptrdiff_t>(sizeof(vxBytes))) {
+        const vxBytes theBytes = vxLoadBytes(aText);
+        if (vxHasByte(theBytes, theQuote) || vxHasByte(theBytes, '\\')) {
+            break;
+        }
+        aText += sizeof(theBytes);
+    }
+    while (aText != anEnd && *aText != aQuote && *aText != '\\') {
+        ++aText;
+    }
+    return aText;
 }
 
 /// Length of the integer at the beginning of a text.
@@ -121,7 +193,12 @@ size_t vxRealLength(const char* aText) {
 class vxJSONReader {
 public:
     vxJSONReader(const char* aText, vxISerialize& aSink)
-        : mPos(aText), mSink(aSink), mText(0), mDepth(0), mfBegun(false) {
+        : mPos(aText),
+          mEnd(aText + strlen(aText)),
+          mSink(aSink),
+          mText(256),
+          mDepth(0),
+          mfBegun(false) {
         mStates[0] = vxState::Start;
     }
 
@@ -159,8 +236,11 @@ private:
     int ReadNull();
     int ReadWord(const char* aWord, int aFailure);
     int ReadNumber();
+    int ReadLongNumber();
     int SendReal(const char* aStart);
     int SendInteger(const char* aStart);
+    int SendSigned(int64_t aValue);
+    int SendUnsigned(uint64_t aValue);
     const char* Scratch(const char* aStart, size_t aLength);
 
     /// Consumes a byte and goes to another state.
@@ -175,6 +255,12 @@ private:
         mStates[mDepth] = aState;
         mStates[++mDepth] = vxState::Start;
         return 0;
+    }
+
+    /// Consumes the ':' behind a key.
+    int BeginMember() {
+        ++mPos;
+        return BeginInner(vxState::ObjectSeparator);
     }
 
     /// The value of the innermost level has ended.
@@ -199,6 +285,7 @@ private:
     }
 
     const char* mPos;
+    const char* const mEnd;  // the NUL
     vxISerialize& mSink;
     vxGrowingBuffer mText;            // the text or number being read
     vxState mStates[JSON_MAX_DEPTH];  // of the open arrays and objects, and of the value inside
@@ -246,14 +333,11 @@ int vxJSONReader::Step() {
         case vxState::ObjectField:
             return *mPos == '}' ? EndObject() : ReadKey();
         case vxState::ObjectFieldEnd:
-            if (*mPos != ':') {
-                return kvxJSONParse_MissingColon;
-            }
-            ++mPos;
-            return BeginInner(vxState::ObjectSeparator);
+            return *mPos == ':' ? BeginMember() : kvxJSONParse_MissingColon;
         case vxState::ObjectSeparator:
             if (*mPos == ',') {
-                return Consume(vxState::ObjectField);
+                Consume(vxState::ObjectField);
+                return *mPos == '"' ? ReadKey() : 0;
             }
             return *mPos == '}' ? EndObject() : kvxJSONParse_BadObject;
     }
@@ -263,7 +347,7 @@ int vxJSONReader::Step() {
 int vxJSONReader::SkipBlanks() {
     int theResult = 0;
     while (theResult == 0) {
-        while (vxConvert_isspace(static_cast<unsigned char>(*mPos)) != 0) {
+        while (vxIsBlank(*mPos)) {
             ++mPos;
         }
         if (*mPos != '/') {
@@ -310,8 +394,7 @@ int vxJSONReader::ReadValue() {
         default:
             break;
     }
-    const bool theNumber = *mPos == '-' || (*mPos >= '0' && *mPos <= '9');
-    return theNumber ? ReadNumber() : kvxJSONParse_Unexpected;
+    return *mPos == '-' || vxIsDigit(*mPos) ? ReadNumber() : kvxJSONParse_Unexpected;
 }
 
 int vxJSONReader::ReadArray() {
@@ -334,9 +417,12 @@ int vxJSONReader::ReadKey() {
     if (*mPos != '"' && *mPos != '\'') {
         return kvxJSONParse_BadKey;
     }
-    const int theResult = ReadText();
+    int theResult = ReadText();
     mStates[mDepth] = vxState::ObjectFieldEnd;
-    return theResult != 0 ? theResult : mSink.MapKey(mText.data(), false);
+    if (theResult == 0) {
+        theResult = mSink.MapKey(mText.data(), false);
+    }
+    return theResult == 0 && *mPos == ':' ? BeginMember() : theResult;
 }
 
 int vxJSONReader::ReadString() {
@@ -351,9 +437,7 @@ int vxJSONReader::ReadText() {
     mText.SetPosition(0);
     for (;;) {
         const char* theRun = mPos;
-        while (*mPos != theQuote && *mPos != '\\' && *mPos != '\0') {
-            ++mPos;
-        }
+        mPos = vxEndOfPlain(mPos, mEnd, theQuote);
         mText.Append(theRun, static_cast<size_t>(mPos - theRun));
         if (*mPos == '\0') {
             return kvxJSONParse_EndedInValue;
@@ -440,14 +524,35 @@ int vxJSONReader::ReadWord(const char* aWord, int aFailure) {
 }
 
 int vxJSONReader::ReadNumber() {
-    const char* theStart = mPos;
-    mPos += strspn(mPos, "0123456789.+-e");
+    constexpr ptrdiff_t kvxSafeDigits = 18;  // 64 bits hold every number of so many
+    const bool theIsNegative = *mPos == '-';
+    const char* const theFirst = mPos + (theIsNegative ? 1 : 0);
+    const char* thePos = theFirst;
+    int64_t theValue = 0;
+    while (vxIsDigit(*thePos) && thePos - theFirst < kvxSafeDigits) {
+        theValue = theValue * 10 + (*thePos++ - '0');
+    }
+    if (thePos == theFirst || vxIsOfNumber(*thePos) || *thePos == 'E') {
+        return ReadLongNumber();
+    }
+    mPos = thePos;
+    EndValue();
+    return theIsNegative ? SendSigned(-theValue) : SendUnsigned(static_cast<uint64_t>(theValue));
+}
+
+/// Reads a real number, one of many digits, or a bad one.
+int vxJSONReader::ReadLongNumber() {
+    const char* const theStart = mPos;
+    bool theIsReal = false;
+    while (vxIsOfNumber(*mPos)) {
+        theIsReal |= *mPos == '.' || *mPos == 'e';
+        ++mPos;
+    }
     if (*mPos == 'E') {
         return kvxJSONParse_BadNumber;
     }
     EndValue();
-    const char* theReal = strpbrk(Scratch(theStart, static_cast<size_t>(mPos - theStart)), ".e");
-    return theReal != NULL ? SendReal(theStart) : SendInteger(theStart);
+    return theIsReal ? SendReal(theStart) : SendInteger(theStart);
 }
 
 int vxJSONReader::SendReal(const char* aStart) {
@@ -462,19 +567,22 @@ int vxJSONReader::SendInteger(const char* aStart) {
     const char* theText = Scratch(aStart, vxIntegerLength(aStart));
     if (*aStart == '-') {
         int64_t theValue = 0;
-        if (vxConvert_strtoint64(theText, &theValue) != 0) {
-            return kvxJSONParse_BadNumber;
-        }
-        // Every value below 0 has bits up there: only "-0" goes out with 32 bits.
-        return static_cast<uint64_t>(theValue) >> 32 != 0
-                   ? mSink.S64(theValue)
-                   : mSink.S32(static_cast<int32_t>(theValue));
+        return vxConvert_strtoint64(theText, &theValue) == 0 ? SendSigned(theValue)
+                                                             : kvxJSONParse_BadNumber;
     }
     uint64_t theValue = 0;
-    if (vxConvert_strtouint64(theText, &theValue) != 0) {
-        return kvxJSONParse_BadNumber;
-    }
-    return theValue > UINT32_MAX ? mSink.U64(theValue) : mSink.U32(static_cast<uint32_t>(theValue));
+    return vxConvert_strtouint64(theText, &theValue) == 0 ? SendUnsigned(theValue)
+                                                          : kvxJSONParse_BadNumber;
+}
+
+// Every value below 0 has bits up there: only "-0" goes out with 32 bits.
+int vxJSONReader::SendSigned(int64_t aValue) {
+    return static_cast<uint64_t>(aValue) >> 32 != 0 ? mSink.S64(aValue)
+                                                    : mSink.S32(static_cast<int32_t>(aValue));
+}
+
+int vxJSONReader::SendUnsigned(uint64_t aValue) {
+    return aValue > UINT32_MAX ? mSink.U64(aValue) : mSink.U32(static_cast<uint32_t>(aValue));
 }
 
 /// Copies a piece of the input into mText, with a NUL.
@@ -525,16 +633,28 @@ vxJSONFormatter::vxJSONFormatter()
       mIndent(0),
       mIndentStr("    "),
       mfMapBegin(false),
+      mPos(NULL),
+      mEnd(NULL),
       mRoom(0) {}
 
 vxJSONFormatter::~vxJSONFormatter() = default;
 
 void vxJSONFormatter::Reset() {
+    Result();
     mDoc.Reinit();
     mRoom = 0;
     mIndent = 0;
     mfNeedComma = false;
     mfMapBegin = false;
+}
+
+const vxCString& vxJSONFormatter::Result() const {
+    if (mPos != NULL) {
+        mDoc.UngetWriteBuf(mRoom - static_cast<size_t>(mEnd - mPos));
+        mPos = NULL;
+        mEnd = NULL;
+    }
+    return mDoc;
 }
 
 bool vxJSONFormatter::Escape(const char* aText, vxCString& aResult) const {
@@ -575,40 +695,116 @@ int vxJSONFormatter::Parse(const char* aText, vxISerialize& aSink, int& aLine, i
     return theResult;
 }
 
-// Strings grow by a few bytes; a document doubles, so that writing it costs linear time.
-void vxJSONFormatter::Add(const char* aText, size_t aLength) {
-    const size_t theLength = mDoc.length();
-    if (aLength > mRoom || theLength > mRoom - aLength) {
-        const size_t theRoom = std::max<size_t>(theLength + std::max(aLength, theLength), 64);
-        vxCString theDoc;
-        char* theTarget = theRoom < theLength ? NULL : theDoc.GetWriteBuf(theRoom);
-        if (theTarget != NULL) {
-            memcpy(theTarget, mDoc.c_str(), theLength);
-            theDoc.UngetWriteBuf(theLength);
-            mDoc.Swap(theDoc);
-            mRoom = theRoom;
-        }
+/// Gets room for so many bytes behind the text, and returns its end; null when there is no memory.
+char* vxJSONFormatter::MakeRoom(size_t aLength) {
+    if (mPos == NULL && !Reopen()) {
+        return NULL;
     }
-    mDoc.ConcatSelf(aLength, aText, aLength);
+    const bool theFits = aLength <= static_cast<size_t>(mEnd - mPos);
+    return theFits || Enlarge(aLength) ? mPos : NULL;
+}
+
+/// Takes the write buffer out again, with the text in it.
+bool vxJSONFormatter::Reopen() {
+    const char* theText = mDoc.c_str();
+    const size_t theLength = mDoc.length();
+    mRoom = std::max<size_t>(mRoom, 256);
+    char* theBuffer = mDoc.GetWriteBuf(mRoom);
+    if (theBuffer == NULL) {
+        return false;
+    }
+    // A new block: the old one is alive in other strings, and the text is still there.
+    if (theBuffer != theText) {
+        memcpy(theBuffer, theText, theLength);
+    }
+    mPos = theBuffer + theLength;
+    mEnd = theBuffer + mRoom;
+    return true;
+}
+
+/// Doubles the write buffer, and more where so many bytes need it.
+bool vxJSONFormatter::Enlarge(size_t aLength) {
+    const size_t theLength = mRoom - static_cast<size_t>(mEnd - mPos);
+    const size_t theRise = std::max(mRoom, aLength);
+    vxCString theDoc;
+    char* theBuffer =
+        theRise > vxCString::npos - mRoom ? NULL : theDoc.GetWriteBuf(mRoom + theRise);
+    if (theBuffer == NULL) {
+        return false;
+    }
+    memcpy(theBuffer, mEnd - mRoom, theLength);
+    mDoc.Swap(theDoc);
+    mRoom += theRise;
+    mPos = theBuffer + theLength;
+    mEnd = theBuffer + mRoom;
+    return true;
+}
+
+void vxJSONFormatter::Add(const char* aText, size_t aLength) {
+    char* theTarget = Room(aLength);
+    if (theTarget != NULL) {
+        memcpy(theTarget, aText, aLength);
+        mPos += aLength;
+    }
+}
+
+void vxJSONFormatter::AddByte(char aByte) {
+    char* theTarget = Room(1);
+    if (theTarget != NULL) {
+        *theTarget = aByte;
+        ++mPos;
+    }
 }
 
 void vxJSONFormatter::AddText(const char* aText, bool afQuote) {
-    Escape(aText, mTmp);
-    if (afQuote) {
-        Add(mTmp);
-        return;
+    const char* theText = vxText(aText);
+    const size_t theLength = strlen(theText);
+    // What Result() has just returned may be written, too: the copy shares its block and keeps it.
+    const vxCString theOld = mPos == NULL && vxLiesIn(theText, mDoc) ? mDoc : vxCString();
+    if (!afQuote) {
+        AddByte('"');
     }
-    Add("\"", 1);
-    Add(mTmp);
-    Add("\"", 1);
+    AddEscaped(theText, theLength);
+    if (!afQuote) {
+        AddByte('"');
+    }
+}
+
+void vxJSONFormatter::AddEscaped(const char* aText, size_t aLength) {
+    const vxEscapes& theEscapes = mfStrict ? kvxEscapes_Strict : kvxEscapes_Lax;
+    const char* const theEnd = aText + aLength;
+    for (;;) {
+        const size_t theRest = static_cast<size_t>(theEnd - aText);
+        char* theTarget = Room(theRest + kvxEscape_MaxLength);
+        if (theTarget == NULL) {
+            return;
+        }
+        const char* theStop = vxCopyPlain(aText, theEnd, mfStrict, theTarget);
+        mPos += theStop - aText;
+        if (theStop == theEnd) {
+            return;
+        }
+        mPos = vxWriteEscape(*theStop, theEscapes[static_cast<unsigned char>(*theStop)], mPos);
+        aText = theStop + 1;
+    }
+}
+
+template <typename Integer>
+int vxJSONFormatter::AddInteger(Integer aValue) {
+    constexpr size_t kvxMaxDigits = 20;
+    char* theTarget = Room(kvxMaxDigits);
+    if (theTarget != NULL) {
+        mPos = std::to_chars(theTarget, theTarget + kvxMaxDigits, aValue).ptr;
+    }
+    return 0;
 }
 
 void vxJSONFormatter::NewLine() {
     if (mfHuman) {
         VXASSERT(mIndent >= 0);
-        Add("\n", 1);
+        AddByte('\n');
         for (int i = 0; i < mIndent; ++i) {
-            Add(mIndentStr);
+            Add(mIndentStr.c_str(), mIndentStr.length());
         }
     }
 }
@@ -616,43 +812,49 @@ void vxJSONFormatter::NewLine() {
 int vxJSONFormatter::MapBegin() {
     NewLine();
     ++mIndent;
-    Add("{", 1);
+    AddByte('{');
     mfMapBegin = true;
     return 0;
 }
 
 int vxJSONFormatter::MapKey(const char* aKey, bool afQuote) {
     if (!mfMapBegin) {
-        Add(",", 1);
+        AddByte(',');
     }
     mfMapBegin = false;
     NewLine();
     AddText(aKey, afQuote);
-    Add(": ", mfHuman ? 2 : 1);
+    AddByte(':');
+    if (mfHuman) {
+        AddByte(' ');
+    }
     return 0;
 }
 
 int vxJSONFormatter::MapEnd() {
-    Add(",", 1);
+    AddByte(',');
     --mIndent;
     NewLine();
-    Add("}", 1);
+    AddByte('}');
     mfMapBegin = false;
     return 0;
 }
 
 int vxJSONFormatter::ArrayBegin() {
-    Add("[", 1);
+    AddByte('[');
     return 0;
 }
 
 int vxJSONFormatter::ArrayItemSeparator() {
-    Add(", ", mfHuman ? 2 : 1);
+    AddByte(',');
+    if (mfHuman) {
+        AddByte(' ');
+    }
     return 0;
 }
 
 int vxJSONFormatter::ArrayEnd() {
-    Add("]", 1);
+    AddByte(']');
     return 0;
 }
 
@@ -662,7 +864,8 @@ int vxJSONFormatter::String(const char* aText, bool afQuote) {
 }
 
 int vxJSONFormatter::String(const wchar_t* aText, bool afQuote) {
-    return String(vxCString::FromWideChar(aText).c_str(), afQuote);
+    mTmp = vxCString::FromWideChar(aText);
+    return String(mTmp.c_str(), afQuote);
 }
 
 int vxJSONFormatter::Boolean(bool aValue) {
@@ -671,32 +874,31 @@ int vxJSONFormatter::Boolean(bool aValue) {
 }
 
 int vxJSONFormatter::U32(uint32_t aValue) {
-    mTmp.Printf("%lu", static_cast<unsigned long>(aValue));
-    Add(mTmp);
-    return 0;
+    return AddInteger(aValue);
 }
 
 int vxJSONFormatter::S32(int32_t aValue) {
-    mTmp.Printf("%ld", static_cast<long>(aValue));
-    Add(mTmp);
-    return 0;
+    return AddInteger(aValue);
 }
 
 int vxJSONFormatter::U64(uint64_t aValue) {
-    mTmp.Printf("%llu", static_cast<unsigned long long>(aValue));
-    Add(mTmp);
-    return 0;
+    return AddInteger(aValue);
 }
 
 int vxJSONFormatter::S64(int64_t aValue) {
-    mTmp.Printf("%lld", static_cast<long long>(aValue));
-    Add(mTmp);
-    return 0;
+    return AddInteger(aValue);
 }
 
+// As "%lf" does, whatever the locale.
 int vxJSONFormatter::Float(double aValue) {
-    mTmp.Printf("%lf", aValue);
-    Add(mTmp);
+    constexpr int kvxDecimals = 6;
+    constexpr size_t kvxMaxLength = 320;  // a sign, 309 digits, a point and the decimals
+    char* theTarget = Room(kvxMaxLength);
+    if (theTarget != NULL) {
+        mPos = std::to_chars(theTarget, theTarget + kvxMaxLength, aValue, std::chars_format::fixed,
+                             kvxDecimals)
+                   .ptr;
+    }
     return 0;
 }
 

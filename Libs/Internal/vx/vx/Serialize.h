@@ -90,11 +90,14 @@ public:
 /// Parse() accepts it. Null texts count as "". No operation stops the sender.
 ///
 /// Threads:  one at a time.
+/// Cost:     linear in what is written.
 class VX_EXPORT vxJSONFormatter : public vxISerialize {
 public:
     /// An empty text; strict and compact.
     vxJSONFormatter();
     ~vxJSONFormatter() override;
+    vxJSONFormatter(const vxJSONFormatter&) = delete;
+    vxJSONFormatter& operator=(const vxJSONFormatter&) = delete;
 
     /// Starts over with an empty text; the layout stays as chosen.
     void Reset();
@@ -108,8 +111,8 @@ public:
     /// Replaces what one level is indented by, four blanks at first.
     void SetIndent(const vxCString& anIndent) { mIndentStr = anIndent; }
 
-    /// Returns the text produced so far.
-    const vxCString& Result() const { return mDoc; }
+    /// Returns the text produced so far, until the next event.
+    const vxCString& Result() const;
 
     /// Makes `aResult` the text with JSON's escapes and returns whether there are any.
     ///
@@ -151,20 +154,31 @@ public:
     int Null() override;
 
 private:
+    char* Room(size_t aLength) {
+        return aLength <= static_cast<size_t>(mEnd - mPos) ? mPos : MakeRoom(aLength);
+    }
+    char* MakeRoom(size_t aLength);
+    bool Reopen();
+    bool Enlarge(size_t aLength);
     void Add(const char* aText, size_t aLength);
-    void Add(const vxCString& aText) { Add(aText.c_str(), aText.length()); }
+    void AddByte(char aByte);
     void AddText(const char* aText, bool afQuote);
+    void AddEscaped(const char* aText, size_t aLength);
+    template <typename Integer>
+    int AddInteger(Integer aValue);
     void NewLine();
 
-    vxCString mDoc;        // the text produced
-    vxCString mTmp;        // a number or escaped text on its way to mDoc
-    bool mfNeedComma;      // cleared by Reset(), not used otherwise
-    bool mfStrict;         // escape slashes
-    bool mfHuman;          // lay out lines
-    int mIndent;           // maps that are open
-    vxCString mIndentStr;  // one level of indentation
-    bool mfMapBegin;       // the next key is the first of its map
-    size_t mRoom;          // bytes for which mDoc was last enlarged
+    mutable vxCString mDoc;  // the text produced; its write buffer is out while mPos is not null
+    vxCString mTmp;          // a wide text on its way to mDoc
+    bool mfNeedComma;        // cleared by Reset(), not used otherwise
+    bool mfStrict;           // escape slashes
+    bool mfHuman;            // lay out lines
+    int mIndent;             // maps that are open
+    vxCString mIndentStr;    // one level of indentation
+    bool mfMapBegin;         // the next key is the first of its map
+    mutable char* mPos;      // the end of the text in the write buffer; null: none is out
+    mutable char* mEnd;      // the end of that buffer, or null
+    size_t mRoom;            // its bytes, also when it is not out
 };
 
 /// Builds a property list from what it is sent.

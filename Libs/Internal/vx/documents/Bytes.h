@@ -1,0 +1,35 @@
+#pragma once
+
+// Looking for a few bytes in a text, eight at a time where none of them is.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+using vxBytes = uint64_t;  // eight bytes of a text, in the order of memory
+
+inline vxBytes vxLoadBytes(const char* aText) {
+    vxBytes theBytes;
+    memcpy(&theBytes, aText, sizeof(theBytes));
+    return theBytes;
+}
+
+inline void vxStoreBytes(char* aTarget, vxBytes aBytes) {
+    memcpy(aTarget, &aBytes, sizeof(aBytes));
+}
+
+/// The same byte eight times.
+constexpr vxBytes vxRepeat(unsigned char aByte) {
+    return aByte * UINT64_C(0x0101010101010101);
+}
+
+/// Is one of the bytes this one?
+inline bool vxHasByte(vxBytes aBytes, unsigned char aByte) {
+    const vxBytes theDifference = aBytes ^ vxRepeat(aByte);
+    return ((theDifference - vxRepeat(1)) & ~theDifference & vxRepeat(0x80)) != 0;
+}
+
+/// Is one of the bytes below 0x20?
+inline bool vxHasControl(vxBytes aBytes) {
+    return ((aBytes - vxRepeat(0x20)) & ~aBytes & vxRepeat(0x80)) != 0;
+}
