@@ -1,7 +1,6 @@
 // Any text is a URI of some sort: its parts come apart within its bounds, and a copy has the same.
 
 #include <libteskTools/URI.h>
-#include <vx/Obfuscate.h>
 #include <vx/URIPathParser.h>
 
 #include "Input.h"
@@ -29,6 +28,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aData, size_t aSize) {
     theParser->SetQuery(theText.c_str());
     vxRef<vxURIPathParser> theSub;
     theParser->FetchSubRESTScope("items", true, true, theSub);
-    vxObfuscate::From_B64RC4(theText.c_str(), "key");
     return 0;
 }
