@@ -246,6 +246,38 @@ TEST_F(HashTableTest, ForEachMayRemoveAndAdd) {
     EXPECT_THAT(theRest.mVisited, ElementsAre("a+=new", "b+=new", "c+=new", "d+=new", "e+=new"));
 }
 
+TEST_F(HashTableTest, IndexesAreRightAroundRemovedEntriesAlsoDuringAWalk) {
+    struct Context {
+        vxCustomHashTable* mTable;
+        std::vector<std::string> mKeys;  // a model of the table
+        std::vector<std::string> mVisited;
+    };
+    Context theContext = {mCustom, {}, {}};
+    for (char theChar = 'a'; theChar <= 'z'; ++theChar) {
+        theContext.mKeys.push_back(std::string(1, theChar));
+        vxCustomHashTable_Add(mCustom, theContext.mKeys.back().c_str(), Text("1"));
+    }
+    const auto theVisit = [](void* aContext, const char* aKey, void*) {
+        Context* theOne = static_cast<Context*>(aContext);
+        theOne->mVisited.push_back(aKey);
+        if (theOne->mVisited.size() % 3 == 0) {
+            theOne->mKeys.erase(
+                std::find(theOne->mKeys.begin(), theOne->mKeys.end(), std::string(aKey)));
+            vxCustomHashTable_Remove(theOne->mTable, theOne->mVisited.back().c_str());
+        }
+        for (size_t i = 0; i < theOne->mKeys.size(); ++i) {
+            EXPECT_EQ(vxCustomHashTable_GetKeyAtIndex(theOne->mTable, i), theOne->mKeys[i]);
+        }
+        EXPECT_EQ(vxCustomHashTable_GetKeyAtIndex(theOne->mTable, theOne->mKeys.size()), nullptr);
+        return true;
+    };
+    EXPECT_TRUE(vxCustomHashTable_ForEach(mCustom, theVisit, &theContext));
+    EXPECT_EQ(theContext.mVisited.size(), 26u);
+    EXPECT_EQ(theContext.mKeys.size(), 18u);
+    EXPECT_EQ(Entries().size(), 18u);
+    EXPECT_STREQ(vxCustomHashTable_GetKeyAtIndex(mCustom, 17), "z");
+}
+
 TEST_F(HashTableTest, BehavesAsAPlainListUnderRandomOperations) {
     std::mt19937 theRandom(99);
     vxCustomHashTable_AllowDuplicates(mCustom);

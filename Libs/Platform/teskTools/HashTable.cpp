@@ -47,6 +47,7 @@ struct vxHashTable {
     size_t mOrderCount;      // nodes and holes
     size_t mOrderCapacity;   // pointers mOrder can hold
     size_t mHoles;           // nulls in mOrder
+    size_t mSteps;           // slots that indexes were counted off by since there are holes
     unsigned int mWalks;     // walks under way: slots must not move
     bool mfAllowDuplicates;  // a key may have several values
     vxHashTable_FreeFunc mFreeFunc;
@@ -186,6 +187,7 @@ void vxPackOrder(vxHashTable* aTable) {
     }
     aTable->mOrderCount = theCount;
     aTable->mHoles = 0;
+    aTable->mSteps = 0;
 }
 
 void vxLeaveOrder(vxHashTable* aTable, const vxHashNode* aNode) {
@@ -263,7 +265,8 @@ void vxClearTable(vxHashTable* aTable) {
     vxHashNode** const theBuckets = std::exchange(aTable->mBuckets, nullptr);
     vxHashNode** const theOrder = std::exchange(aTable->mOrder, nullptr);
     const size_t theCount = std::exchange(aTable->mOrderCount, 0);
-    aTable->mBucketCount = aTable->mKeyCount = aTable->mOrderCapacity = aTable->mHoles = 0;
+    aTable->mBucketCount = aTable->mKeyCount = aTable->mOrderCapacity = 0;
+    aTable->mHoles = aTable->mSteps = 0;
     free(theBuckets);
     for (size_t i = 0; i < theCount; ++i) {
         if (theOrder[i] != NULL) {
@@ -295,18 +298,24 @@ bool vxWalkTable(vxHashTable* aTable, vxHashTable_ForEachFunc aFunc, void* aUser
     return theResult;
 }
 
-vxHashNode* vxNodeAtIndex(const vxHashTable* aTable, size_t anIndex) {
-    if (anIndex >= aTable->mOrderCount - aTable->mHoles) {
+// Holes are closed once counting them off has cost as much.
+vxHashNode* vxNodeAtIndex(const vxCustomHashTable* aTable, size_t anIndex) {
+    vxHashTable* const theTable = const_cast<vxCustomHashTable*>(aTable);
+    if (anIndex >= theTable->mOrderCount - theTable->mHoles) {
         return NULL;
     }
-    if (aTable->mHoles == 0) {
-        return aTable->mOrder[anIndex];
+    if (theTable->mSteps > theTable->mOrderCount && theTable->mWalks == 0) {
+        vxPackOrder(theTable);
+    }
+    if (theTable->mHoles == 0) {
+        return theTable->mOrder[anIndex];
     }
     size_t theSlot = 0;
     for (size_t theSkip = anIndex + 1; theSkip > 0; ++theSlot) {
-        theSkip -= aTable->mOrder[theSlot] != NULL ? 1 : 0;
+        theSkip -= theTable->mOrder[theSlot] != NULL ? 1 : 0;
     }
-    return aTable->mOrder[theSlot - 1];
+    theTable->mSteps += theSlot;
+    return theTable->mOrder[theSlot - 1];
 }
 
 }  // namespace

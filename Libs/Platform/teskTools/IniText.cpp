@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "Escapes.h"
+
 namespace {
 
 constexpr std::string_view kvxIni_Mark = ";deleted=";
@@ -34,19 +36,6 @@ bool vxStartsWith(std::string_view aText, std::string_view aStart) {
 
 bool vxIsQuoted(std::string_view aText) {
     return aText.size() >= 2 && aText.front() == '"' && aText.back() == '"';
-}
-
-char vxUnescaped(char aChar) {
-    switch (aChar) {
-        case 'n':
-            return '\n';
-        case 'r':
-            return '\r';
-        case 't':
-            return '\t';
-        default:
-            return aChar;
-    }
 }
 
 // Takes quotes and escapes away; the target has room for the text.

@@ -220,30 +220,36 @@ inline void vxWriteEight(char* aTarget, uint32_t aValue) {
     vxWritePair(aTarget + 6, theLow % 100);
 }
 
+constexpr uint64_t kvxTens[] = {
+    1,
+    10,
+    100,
+    1000,
+    10000,
+    100000,
+    1000000,
+    10000000,
+    100000000,
+    1000000000,
+    10000000000,
+    100000000000,
+    1000000000000,
+    10000000000000,
+    100000000000000,
+    1000000000000000,
+    10000000000000000,
+    100000000000000000,
+    1000000000000000000,
+    10000000000000000000u,
+};
+
+/// Counts the digits; 0 has one.
 int vxCountDigits(uint64_t aValue) {
-    static constexpr uint64_t kvxTens[] = {0,
-                                           10,
-                                           100,
-                                           1000,
-                                           10000,
-                                           100000,
-                                           1000000,
-                                           10000000,
-                                           100000000,
-                                           1000000000,
-                                           10000000000,
-                                           100000000000,
-                                           1000000000000,
-                                           10000000000000,
-                                           100000000000000,
-                                           1000000000000000,
-                                           10000000000000000,
-                                           100000000000000000,
-                                           1000000000000000000,
-                                           10000000000000000000u};
-    const int theBits = 64 - __builtin_clzll(aValue | 1);
+    // No power of ten but the first is odd: the lowest bit decides for 0 alone.
+    const uint64_t theValue = aValue | 1;
+    const int theBits = 64 - __builtin_clzll(theValue);
     const int theGuess = theBits * 1233 >> 12;
-    return theGuess + (aValue >= kvxTens[theGuess] ? 1 : 0);
+    return theGuess + (theValue >= kvxTens[theGuess] ? 1 : 0);
 }
 
 /// Writes the digits of a value that has `aCount` of them.
@@ -295,23 +301,6 @@ int vxCountUsed(uint64_t aSpread) {
 }
 
 vxDigits vxSplit(const vxDecimal& aDecimal) {
-    static constexpr uint64_t kvxTens[] = {1,
-                                           10,
-                                           100,
-                                           1000,
-                                           10000,
-                                           100000,
-                                           1000000,
-                                           10000000,
-                                           100000000,
-                                           1000000000,
-                                           10000000000,
-                                           100000000000,
-                                           1000000000000,
-                                           10000000000000,
-                                           100000000000000,
-                                           1000000000000000,
-                                           10000000000000000};
     const int theCount = vxCountDigits(aDecimal.mDigits);
     const uint64_t theDigits = aDecimal.mDigits * kvxTens[17 - theCount];
     const uint64_t theLow = theDigits % 1000000000;

@@ -7,6 +7,7 @@
 #include <cfloat>
 #include <charconv>
 
+#include "Escapes.h"
 #include "JSONArena.h"
 #include "JSONNumber.h"
 #include "JSONText.h"
@@ -24,14 +25,6 @@ bool vxIsDigit(char aChar) {
     return static_cast<unsigned char>(aChar - '0') < 10;
 }
 
-int vxHexValue(char aChar) {
-    if (vxIsDigit(aChar)) {
-        return aChar - '0';
-    }
-    const char theLower = static_cast<char>(aChar | 0x20);
-    return theLower >= 'a' && theLower <= 'f' ? theLower - 'a' + 10 : -1;
-}
-
 /// The value of four hexadecimal digits that were checked.
 uint32_t vxHex4(const char* aPtr) {
     uint32_t theValue = 0;
@@ -41,21 +34,8 @@ uint32_t vxHex4(const char* aPtr) {
     return theValue;
 }
 
-char vxUnescaped(char aChar) {
-    switch (aChar) {
-        case 'b':
-            return '\b';
-        case 'f':
-            return '\f';
-        case 'n':
-            return '\n';
-        case 'r':
-            return '\r';
-        case 't':
-            return '\t';
-        default:
-            return aChar;
-    }
+char vxDecodeLetter(char aChar) {
+    return aChar == 'b' ? '\b' : aChar == 'f' ? '\f' : vxUnescaped(aChar);
 }
 
 bool vxIsHighSurrogate(uint32_t aUnit) {
@@ -84,7 +64,7 @@ char* vxWriteUTF8(char* aTarget, uint32_t aCodePoint) {
 /// Decodes an escape behind its backslash, which was checked, and steps over it.
 char* vxDecodeEscape(char* aTarget, const char*& aPtr) {
     if (*aPtr != 'u') {
-        *aTarget = vxUnescaped(*aPtr++);
+        *aTarget = vxDecodeLetter(*aPtr++);
         return aTarget + 1;
     }
     uint32_t theUnit = vxHex4(aPtr + 1);

@@ -110,15 +110,15 @@ bool vxSet(vxProperty* aProperty, size_t anIndex, const vxData& aData) {
     return true;
 }
 
-vxData vxPointerData(int aType, void* aPtr) {
-    vxData theData;
-    theData.mType = aType;
-    theData.mPtr = aPtr;
-    return theData;
+template <typename T>
+bool vxSet(vxProperty* aProperty, size_t anIndex, int aType, T vxData::*aMember, T aValue) {
+    vxData theData = {aType, {}};
+    theData.*aMember = aValue;
+    return vxSet(aProperty, anIndex, theData);
 }
 
 bool vxSetPointer(vxProperty* aProperty, size_t anIndex, int aType, void* aPtr) {
-    return vxSet(aProperty, anIndex, vxPointerData(aType, aPtr));
+    return vxSet(aProperty, anIndex, aType, &vxData::mPtr, aPtr);
 }
 
 bool vxIs(const vxData* aData, int aType) {
@@ -236,15 +236,11 @@ bool vxProperty_Set_Unknown(vxProperty* aProperty, size_t anIndex) {
 }
 
 bool vxProperty_Set_uint32(vxProperty* aProperty, size_t anIndex, uint32_t aValue) {
-    vxData theData = vxPointerData(kvxDataType_uint32, NULL);
-    theData.mUInt32 = aValue;
-    return vxSet(aProperty, anIndex, theData);
+    return vxSet(aProperty, anIndex, kvxDataType_uint32, &vxData::mUInt32, aValue);
 }
 
 bool vxProperty_Set_double(vxProperty* aProperty, size_t anIndex, double aValue) {
-    vxData theData = vxPointerData(kvxDataType_double, NULL);
-    theData.mDouble = aValue;
-    return vxSet(aProperty, anIndex, theData);
+    return vxSet(aProperty, anIndex, kvxDataType_double, &vxData::mDouble, aValue);
 }
 
 bool vxProperty_Set_voidPtr(vxProperty* aProperty, size_t anIndex, void* aValue) {
@@ -252,15 +248,11 @@ bool vxProperty_Set_voidPtr(vxProperty* aProperty, size_t anIndex, void* aValue)
 }
 
 bool vxProperty_Set_uint64(vxProperty* aProperty, size_t anIndex, uint64_t aValue) {
-    vxData theData = vxPointerData(kvxDataType_uint64, NULL);
-    theData.mUInt64 = aValue;
-    return vxSet(aProperty, anIndex, theData);
+    return vxSet(aProperty, anIndex, kvxDataType_uint64, &vxData::mUInt64, aValue);
 }
 
 bool vxProperty_Set_size_t(vxProperty* aProperty, size_t anIndex, size_t aValue) {
-    vxData theData = vxPointerData(kvxDataType_size_t, NULL);
-    theData.mSize = aValue;
-    return vxSet(aProperty, anIndex, theData);
+    return vxSet(aProperty, anIndex, kvxDataType_size_t, &vxData::mSize, aValue);
 }
 
 bool vxProperty_Set_charPtr(vxProperty* aProperty, size_t anIndex, const char* aValue) {

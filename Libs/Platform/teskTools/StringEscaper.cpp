@@ -5,6 +5,8 @@
 
 #include <cstring>
 
+#include "Escapes.h"
+
 namespace {
 
 constexpr char kvxEscaper_Digits[] = "0123456789ABCDEF";
@@ -13,19 +15,10 @@ bool vxIsEscaped(uint8_t aByte, const uint8_t* aTable, char anEscape) {
     return aByte == 0 || aTable[aByte] != 0 || aByte == static_cast<uint8_t>(anEscape);
 }
 
-/// The value of a hexadecimal digit, or -1.
-int vxDigitValue(char aChar) {
-    if (aChar >= '0' && aChar <= '9') {
-        return aChar - '0';
-    }
-    const char theLower = static_cast<char>(aChar | 0x20);
-    return theLower >= 'a' && theLower <= 'f' ? theLower - 'a' + 10 : -1;
-}
-
 /// The byte that two digits stand for, or -1; reads nothing behind a NUL.
 int vxByteValue(const char* aText) {
-    const int theHigh = vxDigitValue(aText[0]);
-    const int theLow = theHigh < 0 ? -1 : vxDigitValue(aText[1]);
+    const int theHigh = vxHexValue(aText[0]);
+    const int theLow = theHigh < 0 ? -1 : vxHexValue(aText[1]);
     return theLow < 0 ? -1 : theHigh * 16 + theLow;
 }
 

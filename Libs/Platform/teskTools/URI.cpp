@@ -9,15 +9,9 @@
 #include <cstdlib>
 #include <cstring>
 
-namespace {
+#include "Escapes.h"
 
-int vxHexDigit(char aChar) {
-    if (aChar >= '0' && aChar <= '9') {
-        return aChar - '0';
-    }
-    const char theLower = static_cast<char>(aChar | 0x20);
-    return theLower >= 'a' && theLower <= 'f' ? theLower - 'a' + 10 : -1;
-}
+namespace {
 
 /// Decodes a run to a place that is not behind it, and returns the end of what was written.
 char* vxDecode(const char* aStart, const char* anEnd, char* aTarget, bool afDecodePlus) {
@@ -26,8 +20,8 @@ char* vxDecode(const char* aStart, const char* anEnd, char* aTarget, bool afDeco
         if (theChar == '+' && afDecodePlus) {
             theChar = ' ';
         } else if (theChar == '%' && anEnd - aStart >= 2) {
-            const int theHigh = vxHexDigit(aStart[0]);
-            const int theLow = vxHexDigit(aStart[1]);
+            const int theHigh = vxHexValue(aStart[0]);
+            const int theLow = vxHexValue(aStart[1]);
             if (theHigh >= 0 && theLow >= 0 && (theHigh | theLow) != 0) {
                 theChar = static_cast<char>(theHigh << 4 | theLow);
                 aStart += 2;
