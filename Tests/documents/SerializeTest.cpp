@@ -177,10 +177,12 @@ TEST(SerializeTest, ValuesHaveTheirFormats) {
     theFormatter.String(L"\u20AC/", false);
     theFormatter.ArrayItemSeparator();
     theFormatter.String(static_cast<const char*>(NULL), false);
+    theFormatter.ArrayItemSeparator();
+    theFormatter.String(static_cast<const wchar_t*>(NULL), false);
     theFormatter.ArrayEnd();
     EXPECT_STREQ(theFormatter.Result(),
                  "[true,false,null,4294967295,-2147483648,18446744073709551615,"
-                 "-9223372036854775808,-1.500000,\"\xE2\x82\xAC\\/\",\"\"]");
+                 "-9223372036854775808,-1.500000,\"\xE2\x82\xAC\\/\",\"\",\"\"]");
 }
 
 TEST(SerializeTest, RealNumbersHaveSixDecimalsWhateverTheirSize) {
@@ -537,6 +539,7 @@ const ReadCase kStringCases[] = {
     {"'\\u0800\\uFfFf'", 0, "string=\xE0\xA0\x80\xEF\xBF\xBF", 1, 15},
     {"'\\ud83c\\udfb5'", 0, "string=\xED\xA0\xBC\xED\xBE\xB5", 1, 15},
     {"'a\tb\nc'", 0, "string=a\tb\nc", 2, 3},
+    {"'a\\u0000b'", 0, "string=a", 1, 11},
     {"{'\\u0061\\n':1}", 0, "{ key=a\n U32=1 }", 1, 15},
     {"'\\x'", 12, "", 1, 3},
     {"'\\''", 12, "", 1, 3},

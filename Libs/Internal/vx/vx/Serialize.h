@@ -124,8 +124,8 @@ public:
     /// White space and comments, `/*` to `*/` or `//` to the end of the line, may stand between all
     /// parts. Either quote character encloses texts and keys, letters of `null`, `true` and `false`
     /// may have either case, an object may end with a comma, and `{,}` is empty. A number is what is
-    /// valid at the beginning of a run of "0123456789.+-e"; 'E' behind it makes it a bad one. What
-    /// was sent before a failure stays sent.
+    /// valid at the beginning of a run of "0123456789.+-e"; 'E' behind it makes it a bad one. A text
+    /// ends for the sink at an escaped NUL. What was sent before a failure stays sent.
     ///
     /// Fails:    a kvxJSONParse_*, or the status with which the sink stopped. Null text is empty.
     /// Cost:     linear; no recursion.
