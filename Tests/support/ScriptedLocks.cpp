@@ -12,6 +12,12 @@ namespace {
 
 vxtest::ScriptedLocks* sLocks = nullptr;
 
+void vxNoteCall(const char* aCall) {
+    if (sLocks != nullptr && sLocks->mfNoteCalls) {
+        sLocks->mCalls.push_back(aCall);
+    }
+}
+
 int vxAnswerWait() {
     if (sLocks->mInWait) {
         sLocks->mInWait();
@@ -57,6 +63,7 @@ vxSocketSelect* vxSocketSelect_New(void) {
 }
 
 int vxMutex_Lock(vxOSMutex* aMutex) {
+    vxNoteCall("Lock");
     if (sLocks != nullptr && sLocks->mLockResult) {
         return *sLocks->mLockResult;
     }
@@ -64,6 +71,7 @@ int vxMutex_Lock(vxOSMutex* aMutex) {
 }
 
 int vxMutex_Unlock(vxOSMutex* aMutex) {
+    vxNoteCall("Unlock");
     if (sLocks != nullptr && sLocks->mUnlockResult) {
         return *sLocks->mUnlockResult;
     }
@@ -71,6 +79,7 @@ int vxMutex_Unlock(vxOSMutex* aMutex) {
 }
 
 int vxCondition_Signal(vxOSCondition* aCondition) {
+    vxNoteCall("Signal");
     if (sLocks != nullptr && sLocks->mSignalResult) {
         return *sLocks->mSignalResult;
     }

@@ -30,6 +30,9 @@ struct ScriptedLocks {
 
     std::function<void()> mInWait;    // what happens during a wait that is answered
     std::vector<std::string> mWaits;  // of conditions: "Wait" or "WaitTimeout 20", oldest first
+
+    bool mfNoteCalls = false;
+    std::vector<std::string> mCalls;  // if noted: "Lock", "Unlock" or "Signal", oldest first
 };
 
 }  // namespace vxtest

@@ -53,7 +53,7 @@ enum {
 class VX_EXPORT vxStoppableThread {
 public:
     /// Creates no thread yet: see ThreadCreate(). `aKind` is a vxThread_Kind_*; every kind but 0 is
-    /// detached.
+    /// detached, and one that is neither is reported when the thread deletes itself.
     ///
     /// The name is copied; null counts as the empty one. Lists of the system show its first 15
     /// bytes.
