@@ -3,11 +3,9 @@
 #include <libvxLog/Console.h>
 
 #include "TerminalText.h"
+#include "WholeFile.h"
 #include "vx/CommandLineParser.h"
 #include "vx/DataBuffer.h"
-#include "vx/Error.h"
-#include "vx/FileHelper.h"
-#include "vx/PathName.h"
 
 namespace vxmedia {
 
@@ -20,6 +18,8 @@ const vxCommandLineDescription kArguments[] = {
      vxCommandLineFlag_HelpOption},
     {vxCommandLineEntryType_Switch, "q", "quiet: no banner", vxCommandLineParameter_None,
      vxCommandLineFlag_None},
+    {vxCommandLineEntryType_Option, "c", "directory of the configuration",
+     vxCommandLineParameter_String, vxCommandLineFlag_None},
     {vxCommandLineEntryType_Option, "e", "execute these commands, separated by ';', then end",
      vxCommandLineParameter_String, vxCommandLineFlag_None},
     {vxCommandLineEntryType_Option, "s", "execute the lines of this script file, then end",
@@ -30,15 +30,10 @@ const vxCommandLineDescription kArguments[] = {
 };
 
 bool LoadScript(const vxCString& aPath, std::string& aLines) {
-    // A path without a directory is no file path of the library's.
-    const vxCString thePath = aPath.Contains("/") ? aPath : vxCString("./") + aPath;
     vxDataBuffer theBuffer;
-    const vxError theError =
-        vxFileHelper::LoadInBuffer(vxPathName::MakeFilePath(thePath), theBuffer,
-                                   kvxFileLoadOption_None, kArguments_MaxScriptSize);
-    if (theError != 0) {
-        const vxCString theText = vxCString("ERROR: ") + theError.GetErrorStr();
-        vxConsole_Printf("%s\n", EscapeForTerminal(theText, EscapeMode::Text).c_str());
+    const vxCString theError = ReadWholeFile(aPath, theBuffer, kArguments_MaxScriptSize);
+    if (!theError.IsEmpty()) {
+        vxConsole_Printf("%s\n", EscapeForTerminal(theError, EscapeMode::Text).c_str());
         return false;
     }
     aLines.append(static_cast<const char*>(theBuffer.data()), theBuffer.size());
@@ -72,6 +67,7 @@ ArgumentResult ReadArguments(int anArgumentCount, char** anArguments, ProgramOpt
         return theResult < 0 ? ArgumentResult::Help : ArgumentResult::Error;
     }
     anOptions.mfQuiet = theParser.Found("q");
+    anOptions.mfHasConfigDirectory = theParser.Found("c", &anOptions.mConfigDirectory);
     vxCString theValue;
     if (theParser.Found("s", &theValue)) {
         anOptions.mfHasLines = true;

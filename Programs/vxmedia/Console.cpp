@@ -20,7 +20,7 @@ void Console::PrintError(const vxCString& anError) {
 
 void Console::ShowPrompt() {
     if (mfPrompts && !mfPromptShown) {
-        vxConsole_Printf("vxmedia> ");
+        vxConsole_Printf("%s", EscapeForTerminal(mPrompt, EscapeMode::Text).c_str());
         mfPromptShown = true;
     }
 }

@@ -22,6 +22,9 @@ public:
     /// Writes an error line: what is not safe for a terminal is escaped.
     void PrintError(const vxCString& anError);
 
+    /// Sets the prompt.
+    void SetPrompt(const vxCString& aPrompt) { mPrompt = aPrompt; }
+
     /// Shows the prompt, unless it is there already or nobody needs one.
     void ShowPrompt();
 
@@ -33,6 +36,7 @@ public:
 
 private:
     const bool mfPrompts;
+    vxCString mPrompt;
     bool mfPromptShown = false;
 };
 

@@ -3,22 +3,14 @@
 
 #include "LibraryModule.h"
 
+#include "ItemFacts.h"
 #include "TerminalText.h"
 #include "TextTable.h"
+#include "TypedText.h"
 
 namespace vxmedia {
 
 namespace {
-
-vxCString NumberText(uint64_t aNumber) {
-    return vxCString::Format("%llu", static_cast<unsigned long long>(aNumber));
-}
-
-// Seconds with three decimals.
-vxCString DurationText(uint64_t aDurationMS) {
-    return vxCString::Format("%llu.%03u", static_cast<unsigned long long>(aDurationMS / 1000),
-                             static_cast<unsigned>(aDurationMS % 1000));
-}
 
 vxCString PictureText(const MediaFacts& aFacts) {
     return aFacts.IsPicture() ? vxCString::Format("%ux%u", aFacts.mWidth, aFacts.mHeight) : "-";
@@ -32,8 +24,8 @@ vxCString RateText(const MediaFacts& aFacts) {
     return aFacts.IsSound() ? NumberText(aFacts.mRate) : "-";
 }
 
-vxCString DurationText(const MediaFacts& aFacts) {
-    return aFacts.mfDurationKnown ? DurationText(aFacts.DurationMS()) : "-";
+vxCString PlayingTimeText(const MediaFacts& aFacts) {
+    return aFacts.mfDurationKnown ? SecondsText(aFacts.DurationMS()) : "-";
 }
 
 vxCString PathText(const MediaItem& anItem) {
@@ -56,7 +48,7 @@ struct FormatSums {
 
     void AddRowTo(TextTable& aTable, const char* aName) const {
         aTable.AddRow({aName, NumberText(mFiles), NumberText(mBytes),
-                       mfHasSound ? DurationText(mDurationMS) : "-"});
+                       mfHasSound ? SecondsText(mDurationMS) : "-"});
     }
 };
 
@@ -95,20 +87,16 @@ vxCString ReasonTable(const MediaLibrary& aLibrary) {
     return theTable.GetText();
 }
 
-// A directory is typed as it is, or in quotes.
-vxCString Unquoted(const vxCString& aTyped) {
-    const size_t theLength = aTyped.length();
-    const bool theIsQuoted = theLength >= 2 && (aTyped.First() == '"' || aTyped.First() == '\'') &&
-                             aTyped.Last() == aTyped.First();
-    return theIsQuoted ? aTyped.Mid(1, theLength - 2) : aTyped;
-}
-
 }  // namespace
 
-LibraryModule::LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet)
-    : CommandModule("library,lib", aConsole), mLibrary(aLibrary), mScanApplet(aScanApplet) {
+LibraryModule::LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet,
+                             const Settings& aSettings)
+    : CommandModule("library,lib", aConsole),
+      mLibrary(aLibrary),
+      mScanApplet(aScanApplet),
+      mSettings(aSettings) {
     Declare("scan", "path:...", "read the media files of a directory and below");
-    Declare("list", "(limit:ui32:20[1,100000])", "list media files by path");
+    Declare("list", "(limit:ui32[1,100000])", "list media files by path");
     Declare("show", "id:ui32[1,4294967295]", "show all about one media file");
     Declare("stats", "", "show numbers of files, bytes and seconds by format");
 }
@@ -121,7 +109,8 @@ bool LibraryModule::HandleCLICommand(const vxRef<vxCLICommand>& aCommand) {
         return Show(aCommand->Parameter(0)->GetUInt32());
     }
     if (aCommand->CommandIs("list")) {
-        List(aCommand->Parameter(0)->GetUInt32());
+        const vxRef<vxCLIParameter> theLimit = aCommand->Parameter(0);
+        List(theLimit->IsMissing() ? mSettings.GetNumber("list-limit") : theLimit->GetUInt32());
     } else {
         ShowStats();
     }
@@ -149,7 +138,7 @@ void LibraryModule::List(uint32_t aLimit) {
         const MediaFacts& theFacts = theItem.GetFacts();
         theTable.AddRow({NumberText(theItem.GetID()), theItem.GetFormat().mName,
                          NumberText(theItem.GetSize()), PictureText(theFacts),
-                         ChannelsText(theFacts), RateText(theFacts), DurationText(theFacts),
+                         ChannelsText(theFacts), RateText(theFacts), PlayingTimeText(theFacts),
                          PathText(theItem)});
     }
     mConsole.Print(theTable.GetText());
@@ -162,22 +151,10 @@ bool LibraryModule::Show(uint32_t anID) {
     if (theItem.IsNull()) {
         return Answer(vxCString::Format("ERROR: There is no media file %u", anID));
     }
-    const MediaFacts& theFacts = theItem->GetFacts();
     TextTable theTable("ll");
-    theTable.AddRow({"id", NumberText(theItem->GetID())});
-    theTable.AddRow({"path", PathText(*theItem.Get())});
-    theTable.AddRow({"format", theItem->GetFormat().mName});
-    theTable.AddRow({"bytes", NumberText(theItem->GetSize())});
-    if (theFacts.IsPicture()) {
-        theTable.AddRow({"width", NumberText(theFacts.mWidth)});
-        theTable.AddRow({"height", NumberText(theFacts.mHeight)});
+    for (const ItemFact& theFact : GetItemFacts(*theItem.Get())) {
+        theTable.AddRow({theFact.mName, theFact.mText});
     }
-    if (theFacts.IsSound()) {
-        theTable.AddRow({"channels", NumberText(theFacts.mChannels)});
-        theTable.AddRow({"rate", NumberText(theFacts.mRate)});
-        theTable.AddRow({"seconds", DurationText(theFacts)});
-    }
-    theTable.AddRow({"detail", theFacts.mDetail});
     mConsole.Print(theTable.GetText());
     return true;
 }

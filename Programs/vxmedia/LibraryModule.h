@@ -3,13 +3,15 @@
 #include "CommandModule.h"
 #include "MediaLibrary.h"
 #include "ScanApplet.h"
+#include "config/Settings.h"
 
 namespace vxmedia {
 
 /// The commands of the module "library": scan, list, show, stats.
 class LibraryModule : public CommandModule {
 public:
-    LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet);
+    LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet,
+                  const Settings& aSettings);
 
     bool HandleCLICommand(const vxRef<vxCLICommand>& aCommand) override;
 
@@ -21,6 +23,7 @@ private:
 
     MediaLibrary& mLibrary;
     ScanApplet& mScanApplet;
+    const Settings& mSettings;
 };
 
 }  // namespace vxmedia

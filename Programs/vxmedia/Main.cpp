@@ -4,12 +4,16 @@
 #include <libvxLog/Handlers.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 
 #include "Arguments.h"
+#include "InstanceCheck.h"
 #include "Program.h"
 
 namespace {
+
+constexpr int kMain_AnotherRuns = 2;  // exit status
 
 // A standard descriptor that is closed would be taken by the next thing that is opened, which would
 // then be read as if it were the input.
@@ -43,10 +47,32 @@ vxmedia::ArgumentResult ReadArgumentsQuietly(int anArgumentCount, char** anArgum
     return theResult;
 }
 
+// A write beyond the size that the process may use is an error to be told, not the end.
+void SurviveFileSizeLimit() {
+    signal(SIGXFSZ, SIG_IGN);
+}
+
+int RunProgram(const vxmedia::ProgramOptions& anOptions) {
+    vxmedia::Settings theSettings;
+    const vxCString theError =
+        theSettings.Open(anOptions.mfHasConfigDirectory ? &anOptions.mConfigDirectory : NULL);
+    const vxmedia::InstanceCheck theCheck(theSettings.GetDirectory());
+    if (!theCheck.GetError().IsEmpty()) {
+        vxmedia::Console(false).PrintError(theCheck.GetError());
+        return kMain_AnotherRuns;
+    }
+    vxmedia::Program theProgram(anOptions, theSettings);
+    if (!theError.IsEmpty()) {
+        theProgram.NoteFailure(theError);
+    }
+    return theProgram.Run();
+}
+
 }  // namespace
 
 int main(int anArgumentCount, char** anArguments) {
     OpenStandardDescriptors();
+    SurviveFileSizeLimit();
     vxmedia::ProgramOptions theOptions;
     switch (ReadArgumentsQuietly(anArgumentCount, anArguments, theOptions)) {
         case vxmedia::ArgumentResult::Help:
@@ -56,5 +82,5 @@ int main(int anArgumentCount, char** anArguments) {
         case vxmedia::ArgumentResult::Run:
             break;
     }
-    return vxmedia::Program(theOptions).Run();
+    return RunProgram(theOptions);
 }

@@ -5,6 +5,7 @@
 #include "LibraryModule.h"
 #include "SysModule.h"
 #include "TimerModule.h"
+#include "config/ConfigModule.h"
 
 namespace vxmedia {
 
@@ -14,8 +15,9 @@ constexpr unsigned int kProgram_NoTimeout = 0xFFFFFFFF;
 
 }  // namespace
 
-Program::Program(const ProgramOptions& anOptions)
+Program::Program(const ProgramOptions& anOptions, Settings& aSettings)
     : mOptions(anOptions),
+      mSettings(aSettings),
       mConsole(!anOptions.mfHasLines && isatty(STDIN_FILENO) != 0),
       mInterpreter(mConsole),
       mScanApplet(mLibrary, mConsole, mActivity),
@@ -23,12 +25,15 @@ Program::Program(const ProgramOptions& anOptions)
       mConsoleApplet(mConsole, mInterpreter, mScanApplet) {
     AddModules();
     AddApplets();
+    mSettings.SetChangeCallback([this] { TakeSettings(); });
+    TakeSettings();
 }
 
 void Program::AddModules() {
-    mInterpreter.AddModule(new LibraryModule(mConsole, mLibrary, mScanApplet));
+    mInterpreter.AddModule(new LibraryModule(mConsole, mLibrary, mScanApplet, mSettings));
     mInterpreter.AddModule(new TimerModule(mConsole, mTimerApplet));
     mInterpreter.AddModule(new SysModule(mConsole, mLibrary, mActivity));
+    mInterpreter.AddModule(new ConfigModule(mConsole, mSettings));
     mInterpreter.SetExitCallback([this] { RequestExit(); });
 }
 
@@ -45,6 +50,22 @@ void Program::AddApplets() {
     });
 }
 
+// What a component uses again and again is handed to it; everything else is asked for when it is used.
+void Program::TakeSettings() {
+    mConsole.SetPrompt(mSettings.GetText("prompt"));
+    ScanOptions theOptions;
+    theOptions.mfHidden = mSettings.IsOn("hidden");
+    theOptions.mSkippedEndings = NameEndings(mSettings.GetList("skip"));
+    theOptions.mExpectedEndings = NameEndings(mSettings.GetList("expect"));
+    theOptions.mShownRefusals = mSettings.GetNumber("refusals");
+    mScanApplet.SetOptions(theOptions);
+}
+
+void Program::NoteFailure(const vxCString& anError) {
+    mConsole.PrintError(anError);
+    mConsoleApplet.NoteFailure();
+}
+
 int Program::Run() {
     if (mSelect.Setup() != 0) {
         mConsole.PrintError("ERROR: Unable to set up the wait for input");
@@ -58,15 +79,14 @@ int Program::Run() {
 }
 
 void Program::Start() {
-    if (!mOptions.mfQuiet) {
+    if (!mOptions.mfQuiet && mSettings.IsOn("banner")) {
         mConsole.PrintLine("vxmedia " VXMEDIA_VERSION
                            ", the media library console. Type 'help' for the modules.");
     }
     for (const vxCString& theDirectory : mOptions.mDirectories) {
         const vxCString theError = mScanApplet.Scan(theDirectory, mOptions.mfQuiet);
         if (!theError.IsEmpty()) {
-            mConsole.PrintError(theError);
-            mConsoleApplet.NoteFailure();
+            NoteFailure(theError);
         }
     }
     if (mOptions.mfHasLines) {

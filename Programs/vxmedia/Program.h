@@ -9,6 +9,7 @@
 #include "MediaLibrary.h"
 #include "ScanApplet.h"
 #include "TimerApplet.h"
+#include "config/Settings.h"
 #include "vx/ActivityManager.h"
 #include "vx/Applet.h"
 #include "vx/Select.h"
@@ -20,6 +21,8 @@ struct ProgramOptions {
     bool mfQuiet = false;     // no banner, no reports of the first scans
     bool mfHasLines = false;  // mLines holds what is executed, instead of standard input
     std::string mLines;       // command lines, each ended by a line feed
+    bool mfHasConfigDirectory = false;
+    vxCString mConfigDirectory;           // as the arguments name it
     std::vector<vxCString> mDirectories;  // scanned at the start
 };
 
@@ -35,7 +38,11 @@ struct ProgramOptions {
 /// Threads:  Run() belongs to one; any other may call AppletWakeUp() meanwhile.
 class Program : public vxApplet {
 public:
-    explicit Program(const ProgramOptions& anOptions);
+    /// The settings are those of this start, opened before.
+    Program(const ProgramOptions& anOptions, Settings& aSettings);
+
+    /// Tells that something before the start has failed; the program runs all the same.
+    void NoteFailure(const vxCString& anError);
 
     /// Runs until the input ends or somebody asks to exit. Returns the exit status.
     int Run();
@@ -46,11 +53,13 @@ public:
 
 private:
     void AddModules();
+    void TakeSettings();
     void AddApplets();
     void Start();
     void RequestExit();
 
     const ProgramOptions mOptions;
+    Settings& mSettings;
     vxSelect mSelect;  // above the applets: their ends may still signal
     bool mfExit = false;
     vxActivityManager mActivity;

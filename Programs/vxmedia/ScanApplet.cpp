@@ -18,7 +18,6 @@ namespace vxmedia {
 namespace {
 
 constexpr int kScan_EntriesPerStep = 64;
-constexpr size_t kScan_ShownRefusals = 10;
 
 vxCString WithoutEndSlashes(const vxCString& aPath) {
     size_t theLength = aPath.length();
@@ -33,11 +32,11 @@ vxCString JoinPath(const vxCString& aDirectory, const char* aName) {
 }
 
 // Lists the paths of all entries, in reverse order. Returns false when the directory is unreadable.
-bool ListDirectory(const vxCString& aPath, std::vector<vxCString>& aPaths) {
+bool ListDirectory(const vxCString& aPath, bool afHidden, std::vector<vxCString>& aPaths) {
     int theStatus = kvxDirTraverserStatus_NoError;
+    const int theFilter = afHidden ? vxDIR_DEFAULT : vxDIR_DEFAULT & ~vxDIR_HIDDEN;
     vxDirTraverser* theWalk = vxDirTraverser_New(aPath);
-    for (const vxDirEntry* theEntry =
-             vxDirTraverser_GetFirst(theWalk, "*", vxDIR_DEFAULT, &theStatus);
+    for (const vxDirEntry* theEntry = vxDirTraverser_GetFirst(theWalk, "*", theFilter, &theStatus);
          theEntry != NULL; theEntry = vxDirTraverser_GetNext(theWalk, &theStatus)) {
         aPaths.push_back(JoinPath(aPath, theEntry->mName));
     }
@@ -102,6 +101,7 @@ vxAppletMsg ScanApplet::AppletLoop(vxAppletMsg) {
 
 void ScanApplet::BeginJob() {
     mfBegun = true;
+    mOptions = mNextOptions;
     mFirstRefusals.clear();
     mMediaCount = mOtherCount = mRefusalCount = mDirectoryCount = 0;
     mLibrary.BeginScan();
@@ -145,7 +145,7 @@ void ScanApplet::OpenDirectory() {
     mDirectory = theDirectory;
     mCounts = DirectoryCounts();
     mDirectoryCount += 1;
-    if (!ListDirectory(mDirectory, mEntries)) {
+    if (!ListDirectory(mDirectory, mOptions.mfHidden, mEntries)) {
         Refuse(mDirectory, "the directory cannot be read");
     }
 }
@@ -190,6 +190,10 @@ void ScanApplet::LookAtEntry(const vxCString& aPath) {
 }
 
 void ScanApplet::LookAtFile(const vxCString& aPath, uint64_t aSize) {
+    if (mOptions.mSkippedEndings.Match(aPath)) {
+        CountOther();
+        return;
+    }
     FileSource theSource(aPath, aSize);
     const MediaReading theReading = ReadMedia(theSource, aPath);
     if (theReading.IsMedia()) {
@@ -199,16 +203,22 @@ void ScanApplet::LookAtFile(const vxCString& aPath, uint64_t aSize) {
         Refuse(aPath, theReading.mReason);
     } else if (theSource.HasFailed()) {
         Refuse(aPath, "the file cannot be read");
+    } else if (mOptions.mExpectedEndings.Match(aPath)) {
+        Refuse(aPath, "the content is of no known format");
     } else {
-        mCounts.mOtherFiles += 1;
-        mOtherCount += 1;
+        CountOther();
     }
+}
+
+void ScanApplet::CountOther() {
+    mCounts.mOtherFiles += 1;
+    mOtherCount += 1;
 }
 
 void ScanApplet::Refuse(const vxCString& aPath, const char* aReason) {
     mLibrary.AddRefusal(aPath, aReason);
     mRefusalCount += 1;
-    if (mFirstRefusals.size() < kScan_ShownRefusals) {
+    if (mFirstRefusals.size() < mOptions.mShownRefusals) {
         mFirstRefusals.push_back(Refusal{aPath, aReason});
     }
 }

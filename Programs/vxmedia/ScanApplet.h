@@ -7,6 +7,7 @@
 
 #include "Console.h"
 #include "MediaLibrary.h"
+#include "ScanOptions.h"
 #include "vx/ActivityManager.h"
 #include "vx/Applet.h"
 
@@ -29,6 +30,9 @@ public:
 
     /// Calls `aCallback` at the end of the last scan.
     void SetDoneCallback(std::function<void()> aCallback) { mDone = std::move(aCallback); }
+
+    /// Sets how scans that are begun from now on work.
+    void SetOptions(const ScanOptions& anOptions) { mNextOptions = anOptions; }
 
     /// Starts to scan a directory, or one file, behind the scans already asked for; a report is
     /// printed at its end, unless `afQuiet`.
@@ -57,6 +61,7 @@ private:
     vxCString KnownPath(const vxCString& aPath, const FileIdentity& anIdentity);
     void LookAtEntry(const vxCString& aPath);
     void LookAtFile(const vxCString& aPath, uint64_t aSize);
+    void CountOther();
     void Refuse(const vxCString& aPath, const char* aReason);
     vxCString GetReport() const;
 
@@ -68,7 +73,10 @@ private:
     std::deque<Job> mJobs;  // the first one is under way
     bool mfBegun = false;   // whether it is
 
+    ScanOptions mNextOptions;
+
     // State of the job under way.
+    ScanOptions mOptions;
     std::vector<vxCString> mPending;      // directories to come, the next one last
     std::vector<vxCString> mEntries;      // paths in the directory under way, the next one last
     vxCString mDirectory;                 // the directory under way, "" at first

@@ -136,7 +136,7 @@ bool SysModule::ShowJSON(const vxCString& aPath, const vxCString& aText) {
         return Answer(vxCString("ERROR: There is no '") + aPath + "' in the text");
     }
     const vxJSONEntry& theShown = theIsWhole ? theDocument : theResult;
-    mConsole.PrintLine(EscapeForTerminal(theShown.ToString(true), EscapeMode::Lines));
+    mConsole.PrintLine(EscapeForTerminal(theShown.ToString(true), EscapeMode::JSON));
     return true;
 }
 

@@ -34,19 +34,27 @@ size_t DecodeCharacter(const unsigned char* aText, size_t aRest, uint32_t& aCode
     return aCode < kSmallest[theLength] || aCode > 0x10FFFF || theIsSurrogate ? 0 : theLength;
 }
 
-// Control characters, line and paragraph separators, and marks that reverse the direction of text.
+// Control characters, line and paragraph separators, marks that reverse the direction of text, and
+// the two codes that are no characters, which XML does not allow.
 bool SteersTerminal(uint32_t aCode) {
     return aCode < 0x20 || (aCode >= 0x7F && aCode <= 0x9F) || aCode == 0x061C ||
            (aCode >= 0x200E && aCode <= 0x200F) || (aCode >= 0x2028 && aCode <= 0x202E) ||
-           (aCode >= 0x2066 && aCode <= 0x2069) || aCode == 0xFEFF;
+           (aCode >= 0x2066 && aCode <= 0x2069) || aCode == 0xFEFF || aCode == 0xFFFE ||
+           aCode == 0xFFFF;
 }
 
-void AppendEscaped(vxGrowingBuffer& aResult, const unsigned char* aBytes, size_t aCount) {
+void AppendEscapedBytes(vxGrowingBuffer& aResult, const unsigned char* aBytes, size_t aCount) {
     static const char kDigits[] = "0123456789ABCDEF";
     for (size_t i = 0; i < aCount; ++i) {
         const char theEscape[] = {'\\', 'x', kDigits[aBytes[i] >> 4], kDigits[aBytes[i] & 15]};
         aResult.Append(theEscape, sizeof(theEscape));
     }
+}
+
+// The codes that steer a terminal take no more than four digits.
+void AppendEscapedCode(vxGrowingBuffer& aResult, uint32_t aCode) {
+    const vxCString theEscape = vxCString::Format("\\u%04x", aCode);
+    aResult.Append(theEscape.c_str(), theEscape.length());
 }
 
 }  // namespace
@@ -58,11 +66,15 @@ vxCString EscapeForTerminal(const vxCString& aText, EscapeMode aMode) {
     for (size_t i = 0; i < theLength;) {
         uint32_t theCode = 0;
         const size_t theCount = DecodeCharacter(theText + i, theLength - i, theCode);
-        const bool theIsKeptFeed = aMode == EscapeMode::Lines && theCode == '\n';
+        const bool theIsKeptFeed =
+            (aMode == EscapeMode::Lines || aMode == EscapeMode::JSON) && theCode == '\n';
         if (theCount == 1 && theCode == '\\' && aMode == EscapeMode::Name) {
             theResult.Append("\\\\", 2);
+        } else if (aMode == EscapeMode::JSON && theCount != 0 && SteersTerminal(theCode) &&
+                   !theIsKeptFeed) {
+            AppendEscapedCode(theResult, theCode);
         } else if (theCount == 0 || (SteersTerminal(theCode) && !theIsKeptFeed)) {
-            AppendEscaped(theResult, theText + i, theCount == 0 ? 1 : theCount);
+            AppendEscapedBytes(theResult, theText + i, theCount == 0 ? 1 : theCount);
         } else {
             theResult.Append(aText.c_str() + i, theCount);
         }

@@ -31,6 +31,15 @@ TEST(TerminalTextTest, ControlCharactersAreEscaped) {
         "\\xE2\\x80\\x8E\\xE2\\x80\\xAE\\xE2\\x80\\xA8\\xE2\\x81\\xA9\\xD8\\x9C\\xEF\\xBB\\xBF");
 }
 
+TEST(TerminalTextTest, CodesThatAreNoCharactersAreEscaped) {
+    EXPECT_EQ(Escape("\xEF\xBF\xBE\xEF\xBF\xBF"), "\\xEF\\xBF\\xBE\\xEF\\xBF\\xBF");
+}
+
+TEST(TerminalTextTest, JSONStaysJSON) {
+    EXPECT_EQ(Escape("{\n\"a\": \"\\n\u00E9\u202E\x7F\uFFFF\"\n}", EscapeMode::JSON),
+              "{\n\"a\": \"\\n\u00E9\\u202e\\u007f\\uffff\"\n}");
+}
+
 TEST(TerminalTextTest, BytesThatAreNoCharacterAreEscapedOneByOne) {
     EXPECT_EQ(Escape("\xFF"), "\\xFF");
     EXPECT_EQ(Escape("\x80x"), "\\x80x");

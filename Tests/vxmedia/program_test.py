@@ -1,10 +1,8 @@
 #!/usr/bin/env python3
 """Runs the program vxmedia as its users do: through pipes, on a terminal, with scripts.
 
-usage: program_test.py PROGRAM SAMPLES README [unittest arguments]
-
-PROGRAM may hold a program to run it with, separated by `;`. Whole outputs are compared; paths in them
-are relative to a temporary folder in which every run takes place.
+Whole outputs are compared; paths in them are relative to a temporary folder in which every run takes
+place. harness.py tells how to start this file.
 """
 import base64
 import os
@@ -15,59 +13,9 @@ import shutil
 import signal
 import socket
 import subprocess
-import sys
-import tempfile
 import time
-import unittest
 
-PROGRAM, SAMPLES, README = [], '', ''
-
-BANNER = "vxmedia 1.0.0, the media library console. Type 'help' for the modules.\n"
-DEEP = 1000000  # levels of nesting
-
-GIF = b'GIF89a\x05\x00\x04\x00\x00\x00\x00'  # the smallest picture that is read: 5 by 4
-
-
-# Starts a program of root without the right to pass over file modes.
-HUMBLE = ['setpriv', '--bounding-set=-dac_override,-dac_read_search'] if os.getuid() == 0 else []
-
-
-def run(arguments=(), stdin=b'', cwd=None, timeout=120, env=None, prefix=(), **options):
-    """Returns exit status and output; standard error must stay empty."""
-    if isinstance(stdin, str):
-        stdin = stdin.encode()
-    done = subprocess.run(list(prefix) + PROGRAM + list(arguments), input=stdin, stdout=subprocess.PIPE,
-                          stderr=subprocess.PIPE, cwd=cwd, timeout=timeout, env=env, **options)
-    assert done.stderr == b'', done.stderr[:2000]
-    return done.returncode, done.stdout.decode()
-
-
-def ask(lines, cwd=None, **options):
-    """Returns the answers to lines that come through a pipe."""
-    status, output = run(['-q'], lines, cwd, **options)
-    assert status == 0, status
-    return output
-
-
-class Scratch(unittest.TestCase):
-    """A test with a folder of its own."""
-
-    maxDiff = None
-
-    def setUp(self):
-        self.folder = os.fsencode(tempfile.mkdtemp(prefix='vxmedia-test-'))
-
-    def tearDown(self):
-        subprocess.run(['chmod', '-R', 'u+rwx', self.folder])
-        subprocess.run(['rm', '-rf', self.folder])
-
-    def path(self, name):
-        return os.path.join(self.folder, name)
-
-    def write(self, name, content=GIF):
-        os.makedirs(os.path.dirname(self.path(name)), exist_ok=True)
-        with open(self.path(name), 'wb') as file:
-            file.write(content)
+from harness import BANNER, DEEP, GIF, HUMBLE, PATHS, PROGRAM, Scratch, ask, main, run
 
 
 class Samples(Scratch):
@@ -75,7 +23,7 @@ class Samples(Scratch):
 
     def setUp(self):
         super().setUp()
-        os.symlink(SAMPLES, self.path(b'samples'))
+        os.symlink(PATHS['samples'], self.path(b'samples'))
 
     def ask(self, lines):
         return ask(lines, self.folder)
@@ -117,7 +65,7 @@ class Samples(Scratch):
 
     def test_another_name_of_a_directory_counts_nothing_twice(self):
         answers = self.ask('lib scan samples\nlib scan ./samples\nlib scan samples/../samples/.\n'
-                           'lib scan %s\nlib stats\nlib list 100\n' % SAMPLES)
+                           'lib scan %s\nlib stats\nlib list 100\n' % PATHS['samples'])
         self.assertEqual(answers.splitlines()[4:], (STATS + LIST + '30 of 30 media files\n').splitlines())
 
     def test_show_tells_all_about_one_file(self):
@@ -141,7 +89,7 @@ class Samples(Scratch):
                 check_with_soxi(self, file, form, channels, rate, seconds)
 
     def test_the_readme_tells_the_truth(self):
-        with open(README, encoding='utf-8') as file:
+        with open(PATHS['readme'], encoding='utf-8') as file:
             sessions = re.findall(r'```console\n(.*?)```', file.read(), re.S)
         self.assertGreaterEqual(len(sessions), 1)
         for session in sessions:
@@ -290,7 +238,8 @@ class Commands(Scratch):
     """What the modules answer."""
 
     def test_help_lists_modules_and_commands(self):
-        self.assertEqual(ask('help\n'), 'Available modules:\n    !\n    library,lib\n    timer\n    sys\n')
+        self.assertEqual(ask('help\n'), 'Available modules:\n    !\n    library,lib\n    timer\n    sys\n'
+                         '    config\n')
         self.assertEqual(ask('help lib\n'), HELP_LIB)
         self.assertEqual(ask('help library\n'), HELP_LIB.replace('    lib ', '    library '))
         self.assertEqual(ask('help timer\n'), HELP_TIMER)
@@ -619,7 +568,7 @@ class BadInput(Scratch):
                          "ERROR: Unknown module '\\x1B[2J\\xFF\\x07'")
         self.assertEqual(ask(b'lib show \xc2\x9b'), "ERROR: Invalid parameter 1: '\\xC2\\x9B'\n")
         self.assertEqual(ask(b'a\0b\nsys version\n'), 'ERROR: The line holds a NUL byte\nvxmedia 1.0.0\n')
-        self.assertEqual(ask('sys json a {"a":"\\u001b\u202e"}'), '"\\u001b\\xE2\\x80\\xAE"\n')
+        self.assertEqual(ask('sys json a {"a":"\\u001b\u202e"}'), '"\\u001b\\u202e"\n')
 
     def test_every_single_byte_is_survived(self):
         lines = b''.join(bytes([i]) + b'\n' for i in range(256) if i != 10)
@@ -885,9 +834,10 @@ height  40
 detail  8-bit palette, interlaced
 """
 USAGE = """\
-Usage: vxmedia [-h] [-q] [-e<str>] [-s<str>] [directory...]
+Usage: vxmedia [-h] [-q] [-c<str>] [-e<str>] [-s<str>] [directory...]
   -h      \tshow this help
   -q      \tquiet: no banner
+  -c <str>\tdirectory of the configuration
   -e <str>\texecute these commands, separated by ';', then end
   -s <str>\texecute the lines of this script file, then end
 """
@@ -937,6 +887,4 @@ total       1     13        -
 """
 
 if __name__ == '__main__':
-    PROGRAM = [word for word in sys.argv[1].split(';') if word]
-    SAMPLES, README = sys.argv[2:4]
-    unittest.main(argv=sys.argv[:1] + sys.argv[4:])
+    main()

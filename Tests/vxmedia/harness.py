@@ -1,0 +1,71 @@
+"""What the tests of the program vxmedia share: how they start it, and a folder for each test.
+
+Every test file is started as: FILE PROGRAM SAMPLES README PLUGINS [unittest arguments]. PROGRAM may hold
+a program to run it with, separated by `;`; PLUGINS is the folder of the plug-ins that were built with it.
+"""
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAM = []
+PATHS = {}  # samples, readme, plugins
+
+BANNER = "vxmedia 1.0.0, the media library console. Type 'help' for the modules.\n"
+DEEP = 1000000  # levels of nesting
+
+GIF = b'GIF89a\x05\x00\x04\x00\x00\x00\x00'  # the smallest picture that is read: 5 by 4
+
+
+# Starts a program of root without the right to pass over file modes.
+HUMBLE = ['setpriv', '--bounding-set=-dac_override,-dac_read_search'] if os.getuid() == 0 else []
+
+
+def run(arguments=(), stdin=b'', cwd=None, timeout=120, env=None, prefix=(), **options):
+    """Returns exit status and output; standard error must stay empty."""
+    if isinstance(stdin, str):
+        stdin = stdin.encode()
+    done = subprocess.run(list(prefix) + PROGRAM + list(arguments), input=stdin, stdout=subprocess.PIPE,
+                          stderr=subprocess.PIPE, cwd=cwd, timeout=timeout, env=env, **options)
+    assert done.stderr == b'', done.stderr[:2000]
+    return done.returncode, done.stdout.decode()
+
+
+def ask(lines, cwd=None, **options):
+    """Returns the answers to lines that come through a pipe."""
+    status, output = run(['-q'], lines, cwd, **options)
+    assert status == 0, status
+    return output
+
+
+class Scratch(unittest.TestCase):
+    """A test with a folder of its own."""
+
+    maxDiff = None
+
+    def setUp(self):
+        self.folder = os.fsencode(tempfile.mkdtemp(prefix='vxmedia-test-'))
+
+    def tearDown(self):
+        subprocess.run(['chmod', '-R', 'u+rwx', self.folder])
+        subprocess.run(['rm', '-rf', self.folder])
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def write(self, name, content=GIF):
+        os.makedirs(os.path.dirname(self.path(name)), exist_ok=True)
+        with open(self.path(name), 'wb') as file:
+            file.write(content)
+
+
+def main():
+    """Takes the arguments of the test file and runs its tests."""
+    PROGRAM[:] = [word for word in sys.argv[1].split(';') if word]
+    PATHS.update(samples=sys.argv[2], readme=sys.argv[3], plugins=sys.argv[4])
+    # Configurations and plug-ins of the machine's own are none of the tests' business.
+    os.environ.pop('VXCONFIGPATH', None)
+    os.environ.update(XDG_CONFIG_HOME='/nonexistent', XDG_CONFIG_DIRS='/nonexistent',
+                      VXPLUGINPATH=sys.argv[4])
+    unittest.main('__main__', argv=sys.argv[:1] + sys.argv[5:])
