@@ -248,6 +248,14 @@ SIZE_ON_32_BITS(vxURIPathParser, 12);
 SIZE_ON_32_BITS(vxSingleInstanceChecker, 4);
 FIELDS_IN_ORDER(vxBenchMark, mFile, mFileName, mChrono, mLogModule);
 
+// Media infos
+FIELDS_IN_ORDER(vxMediaInfo, mTitle, mCreator, mGenre, mAlbumName, mLastModificationTime, mFilePath,
+                mCoverArtMimeType, mCoverArtOffset, mCoverArtSize, mCoverArtEncoding,
+                mCoverArtEncodedOffset, mDiskTrackNumber, mInfoMap);
+SIZE_ON_32_BITS(vxMediaInfo, 96);
+FIELDS_IN_ORDER(vxDLNAProfile, mProfile, mMimeType, mExtensions);
+SIZE_ON_32_BITS(vxDLNAProfile, 12);
+
 // Obfuscation
 FIELDS_IN_ORDER(vxRC4Key, theState, x, y);
 static_assert(sizeof(vxRC4Key) == 258, "258 bytes on every target");
@@ -313,6 +321,14 @@ TEST(LayoutTest, SerializersHaveTheirOperationsBehindTheDestructor) {
     EXPECT_EQ(SlotOf(&vxPropertyListSerializer::Serialize), 2);
     EXPECT_EQ(SlotOf(&vxPropertyListSerializer::SerializeProperty), 3);
     EXPECT_EQ(SlotOf(&vxPropertyListSerializer::SerializeData), 4);
+}
+
+TEST(LayoutTest, MediaInfosHaveTheirOperationsBehindTheDestructor) {
+    EXPECT_EQ(SlotOf(&vxMediaInfo::GetSerializedInfo), 2);
+    EXPECT_EQ(SlotOf(&vxMediaInfo::DeserializeInfo), 3);
+    EXPECT_EQ(SlotOf(&vxMediaInfo::GetMediaInfoAsString), 4);
+    EXPECT_EQ(SlotOf(&vxMediaInfo::Finalize), 5);
+    EXPECT_EQ(SlotOf(&vxMediaInfo::Validate), 6);
 }
 
 TEST(LayoutTest, PluginHandlersFinalizeBehindTheDestructor) {

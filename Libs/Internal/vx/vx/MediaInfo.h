@@ -222,13 +222,11 @@ public:
     ///     [MediaInfo]
     ///     ti=Blue
     ///     mt=audio/mpeg
-    ///
     ///     [File]
     ///     Path=/music/Blue.mp3
     ///     LastModificationTime=2015-06-30T18:00:00
     ///     DiscNumber=1
     ///     TrackNumber=7
-    ///
     ///     [CoverArt]
     ///     MimeType=image/jpeg
     ///     Offset=2048

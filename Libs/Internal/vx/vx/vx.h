@@ -41,6 +41,7 @@
 #include "vx/List.h"
 #include "vx/MediaInfo.h"
 #include "vx/MediaInfoKeys.h"
+#include "vx/MediaInfoSerializer.h"
 #include "vx/MessageQueue.h"
 #include "vx/Mutex.h"
 #include "vx/Obfuscate.h"
