@@ -217,6 +217,13 @@ SIZE_ON_32_BITS(vxBroadcaster, 28);
 FIELDS_IN_ORDER(vxListener, mBroadcasters, mfIsListening);
 SIZE_ON_32_BITS(vxListener, 28);
 
+// Queries
+FIELDS_IN_ORDER(vxQuery, mNextQuery, mQueryManager, mfAutoDelete, mDelay, mEndDelay, mfExecuted);
+SIZE_ON_32_BITS(vxQuery, 32);
+FIELDS_IN_ORDER(vxQueryManager, mfQueryManagerStopped, mHeadQuery, mTailQuery, mQueryMutex,
+                mProcessSemaphore);
+SIZE_ON_32_BITS(vxQueryManager, 36);
+
 // Files
 FIELDS_IN_ORDER(vxPathName, mPathKind, mPath, mFileName, mExtension, mFullPath);
 SIZE_ON_32_BITS(vxPathName, 36);
@@ -376,6 +383,16 @@ TEST(LayoutTest, BroadcastersHaveTheirOperationsBehindTheDestructor) {
     EXPECT_EQ(SlotOf(&vxBroadcaster::RemoveListener), 3);
     EXPECT_EQ(SlotOf(&vxBroadcaster::BroadcastMessage), 4);
     EXPECT_EQ(SlotOf(&vxListener::ListenToMessage), 2);
+}
+
+TEST(LayoutTest, QueriesHaveTheirOperationsBeforeTheDestructor) {
+    EXPECT_EQ(SlotOf(&vxQuery::Done), 0);
+    EXPECT_EQ(SlotOf(&vxQuery::HasBeenExecuted), 1);
+}
+
+TEST(LayoutTest, QueryManagersHaveTheirOperationsBehindTheDestructor) {
+    EXPECT_EQ(SlotOf(&vxQueryManager::SignalQueryToProcess), 2);
+    EXPECT_EQ(SlotOf(&vxQueryManager::InitQuery), 3);
 }
 
 }  // namespace

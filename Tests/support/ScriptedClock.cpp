@@ -5,6 +5,7 @@
 
 #include <libvxOS/Clock.h>
 #include <libvxOS/Thread.h>
+#include <libvxOS/Time.h>
 
 #include <atomic>
 #include <utility>
@@ -34,6 +35,7 @@ void ScriptedClock::Advance(uint32_t aMS) {
 
 void ScriptedClock::AdvanceLocked(uint32_t aMS) {
     mTick += aMS;
+    mLocalTimeMS += aMS;
     const int64_t theMicroseconds = mTime.tv_usec + int64_t{aMS} * 1000;
     mTime.tv_sec += static_cast<int32_t>(theMicroseconds / 1000000);
     mTime.tv_usec = static_cast<int32_t>(theMicroseconds % 1000000);
@@ -47,6 +49,16 @@ void ScriptedClock::SetTick(uint32_t aTick) {
 void ScriptedClock::SetTime(vxtimeval aTime) {
     std::lock_guard<std::mutex> theLock(mMutex);
     mTime = aTime;
+}
+
+void ScriptedClock::SetLocalTimeMS(uint64_t aTime) {
+    std::lock_guard<std::mutex> theLock(mMutex);
+    mLocalTimeMS = aTime;
+}
+
+uint64_t ScriptedClock::GetLocalTimeMS() const {
+    std::lock_guard<std::mutex> theLock(mMutex);
+    return mLocalTimeMS;
 }
 
 uint32_t ScriptedClock::GetTick() const {
@@ -104,6 +116,15 @@ void vxMonoliticTime_GetTime(vxtimeval* aTime) {
         return;
     }
     VXTEST_REAL(vxMonoliticTime_GetTime)(aTime);
+}
+
+void vxTime_GetLocalTimeMS(vxULongLong* aTime) {
+    if (const vxtest::ScriptedClock* theClock = sClock) {
+        const uint64_t theTime = theClock->GetLocalTimeMS();
+        *aTime = {static_cast<uint32_t>(theTime), static_cast<uint32_t>(theTime >> 32)};
+        return;
+    }
+    VXTEST_REAL(vxTime_GetLocalTimeMS)(aTime);
 }
 
 void vxThread_Sleep(uint32_t aMSDuration) {

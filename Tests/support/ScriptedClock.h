@@ -1,7 +1,8 @@
 #pragma once
 
-// A clock that the test turns by hand. Linking it replaces the platform's ticks, monotonic time and
-// sleep in the whole test program; they are forwarded while no scripted clock lives.
+// A clock that the test turns by hand. Linking it replaces the platform's ticks, monotonic time,
+// local milliseconds and sleep in the whole test program; they are forwarded while no scripted clock
+// lives.
 
 #include <libvxOS/TimeVal.h>
 
@@ -17,19 +18,21 @@ namespace vxtest {
 /// Threads:  any.
 class ScriptedClock {
 public:
-    /// Both clocks start where told.
+    /// Ticks and monotonic time start where told, local milliseconds at 1000000.
     explicit ScriptedClock(uint32_t aTick = 1000000, vxtimeval aTime = {5000, 0});
     ~ScriptedClock();
     ScriptedClock(const ScriptedClock&) = delete;
     ScriptedClock& operator=(const ScriptedClock&) = delete;
 
-    /// Moves both clocks on.
+    /// Moves all clocks on.
     void Advance(uint32_t aMS);
 
     void SetTick(uint32_t aTick);
     void SetTime(vxtimeval aTime);
+    void SetLocalTimeMS(uint64_t aTime);
     uint32_t GetTick() const;
     vxtimeval GetTime() const;
+    uint64_t GetLocalTimeMS() const;
 
     /// Runs `anAction` once, behind the next reading of the monotonic time: what another thread
     /// might do before the reader goes on.
@@ -38,7 +41,7 @@ public:
     /// Reads the monotonic time for the platform.
     vxtimeval TakeTime();
 
-    /// Moves both clocks on by the duration of the sleep, and remembers it.
+    /// Moves all clocks on by the duration of the sleep, and remembers it.
     void Sleep(uint32_t aMS);
 
     /// The sleeps that were asked for, in milliseconds, oldest first.
@@ -50,6 +53,7 @@ private:
     mutable std::mutex mMutex;  // guards everything below
     uint32_t mTick;
     vxtimeval mTime;
+    uint64_t mLocalTimeMS = 1000000;
     std::vector<uint32_t> mSleeps;
     std::function<void()> mAfterNextTime;
 };

@@ -146,6 +146,28 @@ int64_t vxMakeTime(vxTimeZone& aZone, const vxtm& aFields) {
     return theLocal - theOffset.mSeconds;
 }
 
+int64_t vxMilliseconds(const struct timespec& aTime) {
+    return int64_t{aTime.tv_sec} * 1000 + aTime.tv_nsec / 1000000;
+}
+
+int64_t vxMonotonicMilliseconds() {
+    struct timespec theTime = {};
+    clock_gettime(CLOCK_MONOTONIC, &theTime);
+    return vxMilliseconds(theTime);
+}
+
+// A device without a battery begins in 1970: west of Greenwich its clock shows a moment before.
+int64_t vxLocalMilliseconds() {
+    struct timespec theTime = {};
+    clock_gettime(CLOCK_REALTIME, &theTime);
+    const int32_t theSeconds = vxClamped(theTime.tv_sec);
+    vxtm theFields;
+    const int64_t theOffset = vxTime_localtime(theSeconds, &theFields) != 0
+                                  ? vxCalendar_Seconds(theFields) - theSeconds
+                                  : 0;
+    return std::max<int64_t>(vxMilliseconds(theTime) + theOffset * 1000, 0);
+}
+
 }  // namespace
 
 void vxTime_GetTimeOfDay(vxtimeval* aTime) {
@@ -153,6 +175,12 @@ void vxTime_GetTimeOfDay(vxtimeval* aTime) {
     clock_gettime(CLOCK_REALTIME, &theTime);
     aTime->tv_sec = vxClamped(theTime.tv_sec);
     aTime->tv_usec = static_cast<int32_t>(theTime.tv_nsec / 1000);
+}
+
+void vxTime_GetLocalTimeMS(vxULongLong* aTime) {
+    static const int64_t sBegin = vxLocalMilliseconds() - vxMonotonicMilliseconds();
+    const uint64_t theTime = static_cast<uint64_t>(sBegin + vxMonotonicMilliseconds());
+    vxULongLong_Set(aTime, static_cast<uint32_t>(theTime >> 32), static_cast<uint32_t>(theTime));
 }
 
 int vxTime_localtime(int32_t aSeconds, vxtm* aFields) {

@@ -48,6 +48,7 @@
 #include "vx/PathName.h"
 #include "vx/PluginHandler.h"
 #include "vx/PluginLoader.h"
+#include "vx/QueryManager.h"
 #include "vx/Rect.h"
 #include "vx/Ref.h"
 #include "vx/Saturate.h"

@@ -5,6 +5,7 @@
 // Local time is that of the environment variable TZ, else of the system (see tzset(3)). A change of
 // TZ counts from the next call on. Years run from 1901 to 2038, as far as 32-bit seconds reach.
 
+#include <libteskTools/ULongLong.h>
 #include <libvxOS/TimeVal.h>
 
 VX_C_BEGIN
@@ -27,6 +28,15 @@ typedef struct vxtm {
 ///
 /// Threads:  any.
 VX_API void vxTime_GetTimeOfDay(vxtimeval* aTime);
+
+/// Fills `aTime` with the milliseconds that the local clock shows since 1970-01-01 00:00.
+///
+/// The date is read at the first call only; from then on the count goes on evenly. So neither a new
+/// setting of the date nor a change of the clocks brings a moment nearer or puts it off; the date
+/// of today is for vxTime_GetTimeOfDay(). A clock that shows a moment before 1970 counts from 0.
+///
+/// Threads:  any.
+VX_API void vxTime_GetLocalTimeMS(vxULongLong* aTime);
 
 /// Converts seconds since 1970 to local calendar fields; the milliseconds become 0.
 ///
