@@ -230,6 +230,9 @@ SIZE_ON_32_BITS(vxPathName, 36);
 FIELDS_IN_ORDER(vxFile, mFD, mErrorCode);
 FIELDS_IN_ORDER(vxDirEntry, mName, mfDir, mfHidden);
 FIELDS_IN_ORDER(vxDir, mPathName, mTraverser, mState, mError);
+FIELDS_IN_ORDER(vxFileCacheInfo, mFileSize, mDateTime, mFileName, mState);
+FIELDS_IN_ORDER(vxFileCacheManager, mDirPath, mCacheMaxSize, mfOK, mCacheTable, mCacheArray,
+                mCurrentCacheSize, mMutex, mFileRemovedCallback, mFileRemovedCallbackData);
 FIELDS_IN_ORDER(vxTextFile, mFile, mBuffer, mMaxLineLength, mLineLength, mfNeedLF, mfLineTooBig);
 
 // Configuration
@@ -250,6 +253,10 @@ FIELDS_IN_ORDER(vxPluginHandler, mFunctionNameList, mFunction, mPluginHandle, mF
 SIZE_ON_32_BITS(vxPluginHandler, 40);
 SIZE_ON_32_BITS(vxPluginLoader, 8);
 SIZE_ON_32_BITS(vxURIPathParser, 12);
+
+// Object cache
+FIELDS_IN_ORDER(vxCachedBase, mState, mTargetState, mLockCount, mContainer, mSize);
+FIELDS_IN_ORDER(vxCache, mSizeLimit, mCountLimit, mfIsRunning, mAvailables, mElems);
 
 // Processes
 SIZE_ON_32_BITS(vxSingleInstanceChecker, 4);
@@ -336,6 +343,19 @@ TEST(LayoutTest, MediaInfosHaveTheirOperationsBehindTheDestructor) {
     EXPECT_EQ(SlotOf(&vxMediaInfo::GetMediaInfoAsString), 4);
     EXPECT_EQ(SlotOf(&vxMediaInfo::Finalize), 5);
     EXPECT_EQ(SlotOf(&vxMediaInfo::Validate), 6);
+}
+
+TEST(LayoutTest, CachedObjectsAddTheirOperationsBehindTheCounted) {
+    EXPECT_EQ(SlotOf(&vxCachedBase::Forget), 3);
+    EXPECT_EQ(SlotOf(&vxCachedBase::SetWanted), 4);
+    EXPECT_EQ(SlotOf(&vxCachedBase::SetNotWanted), 5);
+    EXPECT_EQ(SlotOf(&vxCachedBase::OnReadAccess), 6);
+    EXPECT_EQ(SlotOf(&vxCachedBase::SetFetching), 7);
+    EXPECT_EQ(SlotOf(&vxCachedBase::Fetch), 8);
+    EXPECT_EQ(SlotOf(&vxCachedBase::Trash), 9);
+    EXPECT_EQ(SlotOf(&vxCachedBase::CancelFetch), 10);
+    EXPECT_EQ(SlotOf(&vxCachedBase::GetID), 11);
+    EXPECT_EQ(SlotOf(&vxCache::ListenToMessage), 2);
 }
 
 TEST(LayoutTest, PluginHandlersFinalizeBehindTheDestructor) {

@@ -90,10 +90,22 @@ vxtimeval ScriptedClock::TakeTime() {
     return theTime;
 }
 
-void ScriptedClock::Sleep(uint32_t aMS) {
+void ScriptedClock::AtNextSleep(std::function<void()> anAction) {
     std::lock_guard<std::mutex> theLock(mMutex);
-    mSleeps.push_back(aMS);
-    AdvanceLocked(aMS);
+    mAtNextSleep = std::move(anAction);
+}
+
+void ScriptedClock::Sleep(uint32_t aMS) {
+    std::function<void()> theAction;
+    {
+        std::lock_guard<std::mutex> theLock(mMutex);
+        mSleeps.push_back(aMS);
+        AdvanceLocked(aMS);
+        theAction.swap(mAtNextSleep);
+    }
+    if (theAction) {
+        theAction();
+    }
 }
 
 std::vector<uint32_t> ScriptedClock::Sleeps() const {

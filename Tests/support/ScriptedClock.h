@@ -41,6 +41,9 @@ public:
     /// Reads the monotonic time for the platform.
     vxtimeval TakeTime();
 
+    /// Runs `anAction` once, during the next sleep and in the thread that sleeps.
+    void AtNextSleep(std::function<void()> anAction);
+
     /// Moves all clocks on by the duration of the sleep, and remembers it.
     void Sleep(uint32_t aMS);
 
@@ -56,6 +59,7 @@ private:
     uint64_t mLocalTimeMS = 1000000;
     std::vector<uint32_t> mSleeps;
     std::function<void()> mAfterNextTime;
+    std::function<void()> mAtNextSleep;
 };
 
 }  // namespace vxtest
