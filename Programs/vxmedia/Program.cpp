@@ -6,6 +6,7 @@
 #include "SysModule.h"
 #include "TimerModule.h"
 #include "config/ConfigModule.h"
+#include "export/ExportModule.h"
 
 namespace vxmedia {
 
@@ -34,6 +35,7 @@ void Program::AddModules() {
     mInterpreter.AddModule(new TimerModule(mConsole, mTimerApplet));
     mInterpreter.AddModule(new SysModule(mConsole, mLibrary, mActivity));
     mInterpreter.AddModule(new ConfigModule(mConsole, mSettings));
+    mInterpreter.AddModule(new ExportModule(mConsole, mLibrary, mSettings));
     mInterpreter.SetExitCallback([this] { RequestExit(); });
 }
 

@@ -7,7 +7,7 @@ import signal
 import subprocess
 import time
 
-from harness import HUMBLE, PROGRAM, Scratch, ask, main, run
+from harness import HUMBLE, PROGRAM, Scratch, ask, main, run, small_disk
 
 NO_DIRECTORY = "ERROR: There is no configuration directory; '-c' names one at the start\n"
 
@@ -324,6 +324,21 @@ class BadConfig(ConfigScratch):
         self.assertEqual(status, 1)
         self.assertEqual(self.read(b'conf/_vxmedia.ini'), old)
         self.assertEqual(sorted(os.listdir(self.path(b'conf'))), [b'ConfigPath.ini', b'_vxmedia.ini'])
+
+    def test_a_small_medium_that_is_full_leaves_the_old_file(self):
+        with small_disk(self.path(b'conf'), 16384):
+            self.ask('config set owner me', 'config save')
+            self.write(b'conf/rest', b'')
+            with open(self.path(b'conf/rest'), 'wb', buffering=0) as file:
+                while True:
+                    try:
+                        file.write(b'x' * 512)
+                    except OSError:
+                        break
+            status, output = self.run_lines('config set owner you', 'config save')
+            self.assertRegex(output, r"^ERROR: Configuration 'vxmedia.ini': cannot save '.*': No space left")
+            self.assertEqual(status, 1)
+            self.assertEqual(self.read(b'conf/_vxmedia.ini'), b'[Export]\nOwner=me\n')
 
     def test_a_kill_while_saving_leaves_a_whole_file(self):
         chance = random.Random(99)

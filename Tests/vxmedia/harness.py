@@ -3,7 +3,9 @@
 Every test file is started as: FILE PROGRAM SAMPLES README PLUGINS [unittest arguments]. PROGRAM may hold
 a program to run it with, separated by `;`; PLUGINS is the folder of the plug-ins that were built with it.
 """
+import contextlib
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -37,6 +39,20 @@ def ask(lines, cwd=None, **options):
     status, output = run(['-q'], lines, cwd, **options)
     assert status == 0, status
     return output
+
+
+@contextlib.contextmanager
+def small_disk(folder, size):
+    """A file system of `size` bytes in a folder that it makes; skips the test where none can be had."""
+    os.mkdir(folder)
+    if shutil.which('mount') is None or subprocess.run(
+            ['mount', '-t', 'tmpfs', '-o', 'size=%d' % size, 'tmpfs', folder],
+            stderr=subprocess.DEVNULL).returncode != 0:
+        raise unittest.SkipTest('file systems cannot be mounted here')
+    try:
+        yield
+    finally:
+        subprocess.run(['umount', folder])
 
 
 class Scratch(unittest.TestCase):
