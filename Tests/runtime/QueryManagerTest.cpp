@@ -30,6 +30,8 @@ static_assert(std::has_virtual_destructor_v<vxQueryManager>);
 static_assert(!std::is_copy_constructible_v<vxQuery>);
 static_assert(!std::is_copy_constructible_v<vxQueryManager>);
 
+// Queries are declared before their manager, which discards those that are left.
+
 constexpr unsigned int kNoLimit = 0xFFFFFFFF;
 
 /// A query that belongs to the test and counts its ends.
@@ -157,8 +159,8 @@ TEST(QueryManagerTest, NewManagerHasNoQuery) {
 }
 
 TEST(QueryManagerTest, QueriesComeOutInTheOrderOfAddition) {
-    Manager theManager;
     Query theQueries[] = {Query(1), Query(2), Query(3)};
+    Manager theManager;
     for (Query& theQuery : theQueries) {
         theManager.AddQuery(&theQuery);
     }
@@ -174,8 +176,8 @@ TEST(QueryManagerTest, QueriesComeOutInTheOrderOfAddition) {
 }
 
 TEST(QueryManagerTest, QueryHasBeenExecutedOnceItIsHandedOut) {
-    Manager theManager;
     Query theQuery;
+    Manager theManager;
     theManager.AddQuery(&theQuery);
     EXPECT_FALSE(theQuery.HasBeenExecuted());
     theManager.GetQuery();
@@ -197,16 +199,16 @@ TEST(QueryManagerTest, AddedQueryIsInitializedAndThenSignaled) {
             EXPECT_TRUE(HasPendingQuery());
         }
     };
-    Checking theManager;
     Query theQuery;
+    Checking theManager;
     theManager.AddQuery(&theQuery);
     EXPECT_THAT(theManager.mInitialized, ElementsAre(&theQuery));
     EXPECT_EQ(theManager.mSignals, 1);
 }
 
 TEST(QueryManagerTest, ManagerDoesNotTouchWhatOthersSet) {
-    vxQueryManager theManager;
     Query theQuery;
+    vxQueryManager theManager;
     theManager.AddQuery(&theQuery);
     EXPECT_EQ(theQuery.mQueryManager, nullptr);
     EXPECT_FALSE(theQuery.mfAutoDelete);
@@ -215,8 +217,8 @@ TEST(QueryManagerTest, ManagerDoesNotTouchWhatOthersSet) {
 }
 
 TEST(QueryManagerTest, QueryPutBackIsTheNextOneHandedOut) {
-    Manager theManager;
     Query theQueries[] = {Query(1), Query(2)};
+    Manager theManager;
     theManager.AddQuery(&theQueries[0]);
     theManager.AddQuery(&theQueries[1]);
     theManager.mInitialized.clear();
@@ -230,8 +232,8 @@ TEST(QueryManagerTest, QueryPutBackIsTheNextOneHandedOut) {
 }
 
 TEST(QueryManagerTest, QueryPutBackIntoAnEmptyListIsItsTail) {
-    Manager theManager;
     Query theQueries[] = {Query(1), Query(2), Query(3)};
+    Manager theManager;
     theManager.PushBackQuery(&theQueries[0]);
     EXPECT_TRUE(theManager.HasPendingQuery());
     theManager.AddQuery(&theQueries[1]);
@@ -241,8 +243,8 @@ TEST(QueryManagerTest, QueryPutBackIntoAnEmptyListIsItsTail) {
 
 TEST(QueryManagerTest, PuttingBackIsLogged) {
     vxtest::Reports theReports;
-    vxQueryManager theManager;
     Query theQuery;
+    vxQueryManager theManager;
     theManager.PushBackQuery(&theQuery);
     const std::vector<vxtest::LogRecord> theRecords = theReports.Records();
     ASSERT_EQ(theRecords.size(), 1U);
@@ -254,8 +256,8 @@ TEST(QueryManagerTest, PuttingBackIsLogged) {
 
 TEST(QueryManagerTest, MisuseIsReportedAndChangesNothing) {
     vxtest::Reports theReports;
-    Manager theManager;
     Query theQueries[] = {Query(1), Query(2)};
+    Manager theManager;
     theManager.AddQuery(nullptr);
     theManager.PushBackQuery(nullptr);
     theManager.AddQuery(&theQueries[0]);
@@ -273,8 +275,8 @@ TEST(QueryManagerTest, MisuseIsReportedAndChangesNothing) {
 }
 
 TEST(QueryManagerTest, FirstMatchIsFoundAndStays) {
-    Manager theManager;
     Query theQueries[] = {Query(2), Query(3), Query(5)};
+    Manager theManager;
     int theNumber = 5;
     theManager.LockQueries();
     EXPECT_EQ(theManager.FindQuery(IsOdd, nullptr), nullptr);
@@ -336,8 +338,8 @@ TEST(QueryManagerTest, SelectedQueriesAreDiscardedAndTheOthersStayInOrder) {
 }
 
 TEST(QueryManagerTest, SelectionGetsItsData) {
-    Manager theManager;
     Query theQueries[] = {Query(1), Query(2), Query(3)};
+    Manager theManager;
     for (Query& theQuery : theQueries) {
         theManager.AddQuery(&theQuery);
     }
@@ -348,8 +350,8 @@ TEST(QueryManagerTest, SelectionGetsItsData) {
 }
 
 TEST(QueryManagerTest, ClearingDiscardsDelayedQueriesToo) {
-    Manager theManager;
     Query theQueries[] = {Query(1), Query(2)};
+    Manager theManager;
     theQueries[0].SetDelay(1000000);
     theManager.AddQuery(&theQueries[0]);
     theManager.AddQuery(&theQueries[1]);
@@ -367,9 +369,9 @@ TEST(QueryManagerTest, ClearingDiscardsDelayedQueriesToo) {
 
 TEST(QueryManagerTest, ClearingIsLoggedWithBothEndsOfTheList) {
     vxtest::Reports theReports;
-    vxQueryManager theManager;
     Query theFirst;
     Query theLast;
+    vxQueryManager theManager;
     theManager.AddQuery(&theFirst);
     theManager.AddQuery(&theLast);
     theManager.ClearQueries();
@@ -383,8 +385,8 @@ TEST(QueryManagerTest, ClearingIsLoggedWithBothEndsOfTheList) {
 }
 
 TEST(QueryManagerTest, DiscardedQueryMayCallTheManager) {
-    Manager theManager;
     Query theQueries[] = {Query(1), Query(2), Query(3), Query(4)};
+    Manager theManager;
     for (int i = 0; i < 3; ++i) {
         theManager.AddQuery(&theQueries[i]);
     }
@@ -474,9 +476,9 @@ TEST(QueryManagerTest, StoppedManagerTakesNoQueryBackAndLeavesItAlone) {
 }
 
 TEST(QueryManagerTest, QueryAddedWhileStoppingIsDiscardedToo) {
-    Manager theManager;
     Query theFirst;
     Query theSecond;
+    Manager theManager;
     theManager.AddQuery(&theFirst);
     theFirst.mOnDone = [&] { theManager.AddQuery(&theSecond); };
     theManager.Stop();
@@ -488,9 +490,9 @@ TEST(QueryManagerTest, QueryAddedWhileStoppingIsDiscardedToo) {
 
 TEST(QueryManagerWaitTest, WaitEndsAtOnceWhenAQueryIsDue) {
     Waits theWaits;
+    Query theQuery;
     Manager theManager;
     theWaits.mManager = &theManager;
-    Query theQuery;
     theManager.AddQuery(&theQuery);
     theManager.WaitForQuery(kNoLimit);
     theManager.WaitForQuery(1000);
@@ -501,9 +503,9 @@ TEST(QueryManagerWaitTest, WaitEndsAtOnceWhenAQueryIsDue) {
 
 TEST(QueryManagerWaitTest, DueQueryBehindADelayedOneEndsTheWait) {
     Waits theWaits;
+    Query theQueries[] = {Query(1), Query(2), Query(3)};
     Manager theManager;
     theWaits.mManager = &theManager;
-    Query theQueries[] = {Query(1), Query(2), Query(3)};
     theQueries[0].SetDelay(100);
     theManager.AddQuery(&theQueries[0]);
     theManager.AddQuery(&theQueries[1]);
@@ -541,8 +543,8 @@ TEST(QueryManagerWaitTest, LimitedWaitThatIsWokenOverAnEmptyListEndsEarly) {
 
 TEST(QueryManagerWaitTest, WaitWithoutLimitEndsWithAQueryOnly) {
     Waits theWaits;
-    Manager theManager;
     Query theQuery;
+    Manager theManager;
     theWaits.mOnWait = [&](size_t aNumber) {
         if (aNumber == 3) {
             theManager.AddQuery(&theQuery);
@@ -555,8 +557,8 @@ TEST(QueryManagerWaitTest, WaitWithoutLimitEndsWithAQueryOnly) {
 
 TEST(QueryManagerWaitTest, SignalGivenWhileNobodyWaitsEndsTheNextWait) {
     Waits theWaits;
-    Manager theManager;
     Query theQuery;
+    Manager theManager;
     theManager.AddQuery(&theQuery);
     theManager.GetQuery();
     theManager.WaitForQuery(1000);
@@ -570,8 +572,8 @@ TEST(QueryManagerWaitTest, SignalGivenWhileNobodyWaitsEndsTheNextWait) {
 
 TEST(QueryManagerWaitTest, QueryPutBackDuringAWaitDoesNotWakeAnybody) {
     Waits theWaits;
-    Manager theManager;
     Query theQuery;
+    Manager theManager;
     theManager.PushBackQuery(&theQuery);
     theManager.GetQuery();
     theManager.WaitForQuery(1000);
@@ -580,8 +582,8 @@ TEST(QueryManagerWaitTest, QueryPutBackDuringAWaitDoesNotWakeAnybody) {
 
 TEST(QueryManagerWaitTest, DelayedQueryIsNotHandedOutBeforeAWaitHasSeenItsEnd) {
     Waits theWaits;
-    Manager theManager;
     Query theQuery;
+    Manager theManager;
     theQuery.SetDelay(500);
     theManager.AddQuery(&theQuery);
     EXPECT_FALSE(theManager.HasPendingQuery());
@@ -602,9 +604,9 @@ TEST(QueryManagerWaitTest, WaitLastsUntilTheDelayEnds) {
     for (const unsigned int theLimit : {kNoLimit, 5000U, 500U}) {
         SCOPED_TRACE(theLimit);
         Waits theWaits;
+        Query theQuery;
         Manager theManager;
         theWaits.mManager = &theManager;
-        Query theQuery;
         theQuery.SetDelay(500);
         theManager.AddQuery(&theQuery);
         // The addition has signaled: the first sleep is over at once.
@@ -617,9 +619,9 @@ TEST(QueryManagerWaitTest, WaitLastsUntilTheDelayEnds) {
 
 TEST(QueryManagerWaitTest, DelayCountsFromTheMomentItIsSet) {
     Waits theWaits;
+    Query theQuery;
     Manager theManager;
     theWaits.mManager = &theManager;
-    Query theQuery;
     theQuery.SetDelay(500);
     theWaits.mClock.Advance(200);
     theManager.AddQuery(&theQuery);
@@ -630,8 +632,8 @@ TEST(QueryManagerWaitTest, DelayCountsFromTheMomentItIsSet) {
 
 TEST(QueryManagerWaitTest, DelayOfZeroMakesAQueryDue) {
     Waits theWaits;
-    Manager theManager;
     Query theQuery;
+    Manager theManager;
     theQuery.SetDelay(500);
     theQuery.SetDelay(0);
     theManager.AddQuery(&theQuery);
@@ -640,9 +642,9 @@ TEST(QueryManagerWaitTest, DelayOfZeroMakesAQueryDue) {
 
 TEST(QueryManagerWaitTest, LimitEndsTheWaitBeforeTheDelay) {
     Waits theWaits;
+    Query theQuery;
     Manager theManager;
     theWaits.mManager = &theManager;
-    Query theQuery;
     theQuery.SetDelay(500);
     theManager.AddQuery(&theQuery);
     theManager.WaitForQuery(200);
@@ -658,9 +660,9 @@ TEST(QueryManagerWaitTest, LimitEndsTheWaitBeforeTheDelay) {
 
 TEST(QueryManagerWaitTest, WakeUpWithoutReasonSleepsForTheRest) {
     Waits theWaits;
+    Query theQuery;
     Manager theManager;
     theWaits.mManager = &theManager;
-    Query theQuery;
     theQuery.SetDelay(500);
     theManager.AddQuery(&theQuery);
     theWaits.mOnWait = [&](size_t aNumber) { theWaits.mClock.Advance(aNumber == 1 ? 100 : 400); };
@@ -671,8 +673,8 @@ TEST(QueryManagerWaitTest, WakeUpWithoutReasonSleepsForTheRest) {
 
 TEST(QueryManagerWaitTest, WakeUpWithoutReasonDoesNotMoveTheDeadline) {
     Waits theWaits;
-    Manager theManager;
     Query theQuery;
+    Manager theManager;
     theQuery.SetDelay(1000);
     theManager.AddQuery(&theQuery);
     theWaits.mOnWait = [&](size_t) { theWaits.mClock.Advance(100); };
@@ -684,8 +686,8 @@ TEST(QueryManagerWaitTest, WakeUpWithoutReasonDoesNotMoveTheDeadline) {
 
 TEST(QueryManagerWaitTest, DeadlineThatIsExactlyNowHasPassed) {
     Waits theWaits;
-    Manager theManager;
     Query theQuery;
+    Manager theManager;
     theQuery.SetDelay(1000);
     theManager.AddQuery(&theQuery);
     theWaits.mOnWait = [&](size_t) { theWaits.mClock.Advance(100); };
@@ -696,8 +698,8 @@ TEST(QueryManagerWaitTest, DeadlineThatIsExactlyNowHasPassed) {
 TEST(QueryManagerWaitTest, QueryAddedDuringTheWaitEndsIt) {
     for (const unsigned int theLimit : {kNoLimit, 5000U}) {
         Waits theWaits;
-        Manager theManager;
         Query theQueries[] = {Query(1), Query(2)};
+        Manager theManager;
         theQueries[0].SetDelay(500);
         theManager.AddQuery(&theQueries[0]);
         theWaits.mOnWait = [&](size_t) { theManager.AddQuery(&theQueries[1]); };
@@ -709,9 +711,9 @@ TEST(QueryManagerWaitTest, QueryAddedDuringTheWaitEndsIt) {
 
 TEST(QueryManagerWaitTest, DelayedQueryAddedDuringAWaitOverAnEmptyListIsWaitedFor) {
     Waits theWaits;
+    Query theQuery;
     Manager theManager;
     theWaits.mManager = &theManager;
-    Query theQuery;
     theWaits.mOnWait = [&](size_t) {
         theWaits.mClock.Advance(300);
         theQuery.SetDelay(200);
@@ -725,8 +727,8 @@ TEST(QueryManagerWaitTest, DelayedQueryAddedDuringAWaitOverAnEmptyListIsWaitedFo
 
 TEST(QueryManagerWaitTest, DelayBeyondTheRestOfALimitedWaitIsCutToIt) {
     Waits theWaits;
-    Manager theManager;
     Query theQuery;
+    Manager theManager;
     theWaits.mOnWait = [&](size_t) {
         theWaits.mClock.Advance(300);
         theQuery.SetDelay(2000);
@@ -740,8 +742,8 @@ TEST(QueryManagerWaitTest, DelayBeyondTheRestOfALimitedWaitIsCutToIt) {
 
 TEST(QueryManagerWaitTest, ListClearedDuringASleepEndsALimitedWait) {
     Waits theWaits;
-    Manager theManager;
     Query theQuery;
+    Manager theManager;
     theQuery.SetDelay(500);
     theManager.AddQuery(&theQuery);
     theWaits.mOnWait = [&](size_t) { theManager.ClearQueries(); };
@@ -751,8 +753,8 @@ TEST(QueryManagerWaitTest, ListClearedDuringASleepEndsALimitedWait) {
 
 TEST(QueryManagerWaitTest, ListClearedDuringASleepMakesAnUnlimitedWaitGoOn) {
     Waits theWaits;
-    Manager theManager;
     Query theQueries[] = {Query(1), Query(2)};
+    Manager theManager;
     theQueries[0].SetDelay(500);
     theManager.AddQuery(&theQueries[0]);
     theWaits.mOnWait = [&](size_t aNumber) {
@@ -767,8 +769,8 @@ TEST(QueryManagerWaitTest, StopDuringAWaitEndsIt) {
     for (const unsigned int theLimit : {kNoLimit, 1000U}) {
         for (const bool theIsDelayed : {false, true}) {
             Waits theWaits;
-            Manager theManager;
             Query theQuery;
+            Manager theManager;
             theQuery.SetDelay(500);
             if (theIsDelayed) {
                 theManager.AddQuery(&theQuery);
@@ -796,10 +798,10 @@ TEST(QueryManagerWaitTest, DelayThatEndsFirstIsDueFirstWhateverTheOrder) {
     for (const bool theIsTurned : {false, true}) {
         SCOPED_TRACE(theIsTurned);
         Waits theWaits;
-        Manager theManager;
-        theWaits.mManager = &theManager;
         Query theSoon(1);
         Query theLate(2);
+        Manager theManager;
+        theWaits.mManager = &theManager;
         theSoon.SetDelay(100);
         theLate.SetDelay(300);
         theManager.AddQuery(theIsTurned ? &theLate : &theSoon);
@@ -814,9 +816,9 @@ TEST(QueryManagerWaitTest, DelayThatEndsFirstIsDueFirstWhateverTheOrder) {
 
 TEST(QueryManagerWaitTest, DelaysThatEndTogetherAreDueOneByOneInTheOrderOfTheList) {
     Waits theWaits;
+    Query theQueries[] = {Query(1), Query(2), Query(3), Query(4)};
     Manager theManager;
     theWaits.mManager = &theManager;
-    Query theQueries[] = {Query(1), Query(2), Query(3), Query(4)};
     theQueries[0].SetDelay(101);
     for (int i = 1; i < 4; ++i) {
         theQueries[i].SetDelay(100);
@@ -833,9 +835,9 @@ TEST(QueryManagerWaitTest, DelaysThatEndTogetherAreDueOneByOneInTheOrderOfTheLis
 
 TEST(QueryManagerWaitTest, QueryPutBackWithADelayIsRetriedBeforeTheOthersOfItsMoment) {
     Waits theWaits;
+    Query theQueries[] = {Query(1), Query(2)};
     Manager theManager;
     theWaits.mManager = &theManager;
-    Query theQueries[] = {Query(1), Query(2)};
     theManager.AddQuery(&theQueries[0]);
     theQueries[1].SetDelay(100);
     theManager.AddQuery(&theQueries[1]);
@@ -851,10 +853,10 @@ TEST(QueryManagerWaitTest, QueryPutBackWithADelayIsRetriedBeforeTheOthersOfItsMo
 TEST(QueryManagerWaitTest, DelaysCountAcrossTheWrapOfTheLowWord) {
     Waits theWaits;
     theWaits.mClock.SetLocalTimeMS(0x17FFFFF9BU);
-    Manager theManager;
-    theWaits.mManager = &theManager;
     Query theSoon(1);
     Query theLate(2);
+    Manager theManager;
+    theWaits.mManager = &theManager;
     theSoon.SetDelay(50);
     theWaits.mClock.SetLocalTimeMS(0x1FFFFFF9BU);
     theLate.SetDelay(500);
@@ -873,9 +875,9 @@ TEST(QueryManagerWaitTest, DelaysCountAcrossTheWrapOfTheLowWord) {
 
 TEST(QueryManagerWaitTest, LongestDelayIsNotTakenForAWaitWithoutLimit) {
     Waits theWaits;
+    Query theQuery;
     Manager theManager;
     theWaits.mManager = &theManager;
-    Query theQuery;
     theQuery.SetDelay(0xFFFFFFFF);
     theManager.AddQuery(&theQuery);
     theManager.WaitForQuery(kNoLimit);
@@ -885,9 +887,9 @@ TEST(QueryManagerWaitTest, LongestDelayIsNotTakenForAWaitWithoutLimit) {
 
 TEST(QueryManagerWaitTest, LongestLimitIsALimit) {
     Waits theWaits;
+    Query theQuery;
     Manager theManager;
     theWaits.mManager = &theManager;
-    Query theQuery;
     theQuery.SetDelay(0xFFFFFFFF);
     theManager.AddQuery(&theQuery);
     theManager.WaitForQuery(0xFFFFFFFE);
@@ -1076,8 +1078,8 @@ TEST(QueryManagerThreadTest, StoppedManagerEndsAnAddedQueryWithoutLock) {
 }
 
 TEST(QueryManagerThreadTest, DelayEndsOnTheRealClock) {
-    vxQueryManager theManager;
     Query theQuery;
+    vxQueryManager theManager;
     const auto theStart = std::chrono::steady_clock::now();
     theQuery.SetDelay(30);
     theManager.AddQuery(&theQuery);
@@ -1088,8 +1090,8 @@ TEST(QueryManagerThreadTest, DelayEndsOnTheRealClock) {
 }
 
 TEST(QueryManagerThreadTest, ProducerSeesThatItsQueryHasBeenExecuted) {
-    vxQueryManager theManager;
     Query theQuery;
+    vxQueryManager theManager;
     std::thread theWorker([&] {
         theManager.WaitForQuery(kNoLimit);
         EXPECT_EQ(theManager.GetQuery(), &theQuery);
@@ -1163,8 +1165,8 @@ TEST(QueryManagerThreadTest, ManyProducersAndWorkersHandleEveryQueryOnce) {
 TEST(QueryManagerThreadTest, StopWakesEveryWorker) {
     constexpr int kThreads = 4;
     for (int theRound = 0; theRound < 200; ++theRound) {
-        vxQueryManager theManager;
         Query theQuery;
+        vxQueryManager theManager;
         theQuery.SetDelay(0xFFFFFFFF);
         if (theRound % 2 == 0) {
             theManager.AddQuery(&theQuery);
@@ -1202,7 +1204,7 @@ TEST(QueryManagerThreadTest, NoQueryStaysBehindInAManagerThatIsStopped) {
         for (int i = 0; i < kThreads; ++i) {
             theThreads.emplace_back([&] {
                 theStart.ArriveAndWait();
-                while (!theIsOver) {
+                for (int j = 0; j < 500; ++j) {
                     ++theCount;
                     theManager.AddQuery(new Job(theExecutions, theEnds, 0));
                 }
@@ -1211,8 +1213,10 @@ TEST(QueryManagerThreadTest, NoQueryStaysBehindInAManagerThatIsStopped) {
         vxtest::Reports theReports;
         vxLog_SetLevel(VXLOG_M_QUERY, VXLOGLEVEL_NONE);
         theStart.ArriveAndWait();
+        while (theCount < 100) {
+            std::this_thread::yield();
+        }
         theManager.ClearQueries();
-        std::this_thread::yield();
         theManager.Stop();
         theIsOver = true;
         for (std::thread& theThread : theThreads) {
