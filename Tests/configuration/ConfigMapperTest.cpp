@@ -293,6 +293,15 @@ TEST(ConfigMapperTest, AGetterBeforeLoadIsReported) {
     const vxConfigMapper theMapper(kTable);
     EXPECT_EQ(theMapper.GetUInt16("port"), 0);
     EXPECT_THAT(theReports.Assertions(), ElementsAre("mPropertyList != NULL"));
+    EXPECT_STREQ(theMapper.GetCString("name"), "");
+    EXPECT_FALSE(theMapper.GetPath("file").IsValid());
+    EXPECT_EQ(theMapper.GetInRange("port", 1, 10), 10u);  // of the default
+    EXPECT_EQ(theReports.Assertions(), std::vector<std::string>(4, "mPropertyList != NULL"));
+    theReports.Clear();
+    EXPECT_EQ(theMapper.GetInRange("absent", 1, 10), 0u);
+    EXPECT_THAT(
+        theReports.Assertions(),
+        ElementsAre("mPropertyList != NULL", "vxConfigMapper::GetInRange (unknown option)"));
 }
 
 // Paths
