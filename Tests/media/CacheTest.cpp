@@ -482,6 +482,26 @@ TEST(CacheTest, ReadingFetchesAndMovesToTheFront) {
     EXPECT_THAT(Elements(theCache), ElementsAre("c", "b", "a"));
 }
 
+TEST(CacheTest, AFetchMayReplaceTheHandleThatIsRead) {
+    class Replacing : public Cached {
+    public:
+        explicit Replacing(vxRef<vxCachedBase>& aHandle) : Cached("a"), mHandle(aHandle) {}
+        bool Fetch() override {
+            mHandle = 0;
+            return Cached::Fetch();
+        }
+
+    private:
+        vxRef<vxCachedBase>& mHandle;
+    };
+    vxCache theCache(kNoLimit, kNoLimit);
+    vxRef<vxCachedBase> theHandle;
+    theHandle = new Replacing(theHandle);
+    theCache.Attach(theHandle.Get());
+    theCache.OnReadAccess(theHandle);
+    EXPECT_THAT(Availables(theCache), ElementsAre("a"));
+}
+
 TEST(CacheTest, ReadingAnObjectOfNoCacheOnlyWantsIt) {
     Reports theReports;
     vxCache theCache(kNoLimit, kNoLimit);

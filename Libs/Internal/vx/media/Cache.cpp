@@ -193,10 +193,12 @@ void vxCache::OnReadAccess(const vxRef<vxCachedBase>& aCached) {
     if (!VXCHECK(!aCached.IsNull())) {
         return;
     }
-    const vxRef<vxCachedBase> theCached = aCached;
+    // Fetching may replace the caller's handle.
+    vxCachedBase* theCached = aCached.Get();
+    const vxHeldObject theHold(theCached);
     VXLOG(VXLOGLEVEL_DEBUG, VXLOG_M_DEFAULT, "OnReadAccess %s\n", theCached->GetID().c_str());
-    if (IsElement(theCached.Get())) {
-        MoveToFront(theCached.Get());
+    if (IsElement(theCached)) {
+        MoveToFront(theCached);
     }
     theCached->Want();
 }
