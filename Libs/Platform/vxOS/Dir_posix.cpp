@@ -4,11 +4,11 @@
 // costs no copy. The kind of an entry comes with its name on most file systems; only for symbolic
 // links, and where the file system does not tell, the entry itself is looked at.
 
+#include <libteskTools/CStringParser.h>
 #include <libteskTools/Memory.h>
 #include <libvxOS/Dir.h>
 
 #include "FileError_posix.h"
-#include "Wildcard.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -58,7 +58,7 @@ bool vxIsNameWanted(const vxDirTraverser& aTraverser, const char* aName) {
             return false;
         }
     }
-    return vxWildcardMatches(aTraverser.mPattern, aName);
+    return vxCStringParser_Match(aName, aTraverser.mPattern) == 1;
 }
 
 bool vxIsParent(const char* aName) {

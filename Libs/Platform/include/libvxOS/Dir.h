@@ -77,11 +77,8 @@ VX_API void vxDirTraverser_Rewind(vxDirTraverser* aTraverser);
 /// Starts from the beginning and returns the first entry that `aPattern` and `aFilter` (vxDIR_*)
 /// let through, null if there is none. Entries come in no particular order, never ".".
 ///
-/// The pattern is that of a shell, compared byte by byte, case included: `*` stands for any bytes,
-/// a leading dot too, so that "*" is everything; `?` for one byte; `[a-z]` for one of a set, which
-/// `!` or `^` in front inverts and which may name classes such as `[:digit:]`; a backslash takes
-/// the special meaning off the next byte. It is what fnmatch() does in the C locale without flags,
-/// but for equivalence classes and collating symbols. A null pattern is "*".
+/// The pattern is one of vxCStringParser_Match(), so that "*" is everything, names with a leading dot
+/// too. A null pattern is "*".
 ///
 /// Fails:    null, with `*aStatus` kvxDirTraverserStatus_Error; `aStatus` may be null.
 /// Owner:    the traverser; the entry is valid until its next call.

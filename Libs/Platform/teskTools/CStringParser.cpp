@@ -2,9 +2,11 @@
 //
 // A star first stands for nothing and takes one byte more each time the rest does not fit. Only the
 // last star met need be tried again: what stood between an earlier star and it has been found as
-// far left as possible. That keeps patterns full of stars from trying every combination.
+// far left as possible. That keeps patterns full of stars from trying every combination. Plain bytes
+// between two stars are searched for at once.
 
-#include "Wildcard.h"
+#include <libteskTools/CStringParser.h>
+#include <libteskTools/Search.h>
 
 #include <cctype>
 #include <cstring>
@@ -36,6 +38,11 @@ const vxCharacterClass* vxClassAt(const char* aPattern) {
     return nullptr;
 }
 
+// Only ASCII has classes, whatever the locale.
+bool vxIsOfClass(const vxCharacterClass& aClass, unsigned char aByte) {
+    return aByte < 0x80 && aClass.mTest(aByte) != 0;
+}
+
 // Takes one byte of a set, a backslash in front of it included; 0 at the end of the pattern.
 unsigned char vxTakeSetByte(const char*& aPattern) {
     if (*aPattern == '\\' && aPattern[1] != '\0') {
@@ -53,7 +60,7 @@ bool vxMatchesSet(const char*& aPattern, unsigned char aByte, bool& afSet) {
     bool theFound = false;
     for (const char* theFirst = thePos; *thePos != ']' || thePos == theFirst;) {
         if (const vxCharacterClass* theClass = vxClassAt(thePos)) {
-            theFound |= theClass->mTest(aByte) != 0;
+            theFound |= vxIsOfClass(*theClass, aByte);
             thePos += strlen(theClass->mName);
             continue;
         }
@@ -115,37 +122,49 @@ size_t vxPlainLength(const char* aPattern) {
 }
 
 // A text without special bytes can stand behind the last star in one place only.
-bool vxEndsWith(const char* aName, const char* aText, size_t aLength) {
-    const size_t theNameLength = strlen(aName);
-    return theNameLength >= aLength && memcmp(aName + theNameLength - aLength, aText, aLength) == 0;
+bool vxEndsWith(const char* aStr, size_t aLength, const char* aText, size_t aTextLength) {
+    return aLength >= aTextLength && memcmp(aStr + aLength - aTextLength, aText, aTextLength) == 0;
 }
 
 }  // namespace
 
-bool vxWildcardMatches(const char* aPattern, const char* aName) {
+int vxCStringParser_Match(const char* aStr, const char* aPattern) {
+    if (aStr == nullptr || aPattern == nullptr) {
+        return 0;
+    }
+    const char* const theEnd = aStr + strlen(aStr);
     const char* theStar = nullptr;   // behind the last star met
-    const char* theRetry = nullptr;  // where in the name the pattern behind it is tried
+    const char* theRetry = nullptr;  // where in the text the pattern behind it is tried
     for (;;) {
         if (*aPattern == '*') {
             theStar = ++aPattern;
-            theRetry = aName;
+            theRetry = aStr;
+            const size_t theRest = static_cast<size_t>(theEnd - aStr);
             const size_t thePlain = vxPlainLength(aPattern);
             if (aPattern[thePlain] == '\0') {
-                return vxEndsWith(aName, aPattern, thePlain);
+                return vxEndsWith(aStr, theRest, aPattern, thePlain);
+            }
+            if (aPattern[thePlain] == '*') {
+                const char* thePlace = vxSearch_First(aStr, theRest, aPattern, thePlain);
+                if (thePlace == nullptr) {
+                    return 0;
+                }
+                aStr = thePlace + thePlain;
+                aPattern += thePlain;
             }
             continue;
         }
-        if (*aName == '\0') {
+        if (aStr == theEnd) {
             return *aPattern == '\0';
         }
-        if (vxMatchesByte(aPattern, *aName)) {
-            ++aName;
+        if (vxMatchesByte(aPattern, *aStr)) {
+            ++aStr;
             continue;
         }
         if (theStar == nullptr) {
-            return false;
+            return 0;
         }
         aPattern = theStar;
-        aName = ++theRetry;
+        aStr = ++theRetry;
     }
 }
