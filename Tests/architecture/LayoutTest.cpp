@@ -270,6 +270,18 @@ SIZE_ON_32_BITS(vxMediaInfo, 96);
 FIELDS_IN_ORDER(vxDLNAProfile, mProfile, mMimeType, mExtensions);
 SIZE_ON_32_BITS(vxDLNAProfile, 12);
 
+// Search criteria
+FIELDS_IN_ORDER(vxExpressionOperand, mOperand, mOperandID, mValueID);
+SIZE_ON_32_BITS(vxExpressionOperand, 12);
+FIELDS_IN_ORDER(vxRelExpression, mType, mPropertyName, mPropertyID, mOperand, mOperandID,
+                mPropertyValue, mPropertyValueDateTime, mPropertyValueInt, mPropertyValueDouble,
+                mPropertyType);
+FIELDS_IN_ORDER(vxLinearExpression, mType, mExpression, mOperand, mOperandID, mNext);
+FIELDS_IN_ORDER(vxCompositeExpression, mType, mExpression);
+SIZE_ON_32_BITS(vxCompositeExpression, 12);
+FIELDS_IN_ORDER(vxExpressionParser, mfValid, mStr, mRootExpression, mLogicOperands,
+                mBinaryOperands);
+
 // Obfuscation
 FIELDS_IN_ORDER(vxRC4Key, theState, x, y);
 static_assert(sizeof(vxRC4Key) == 258, "258 bytes on every target");
@@ -413,6 +425,25 @@ TEST(LayoutTest, QueriesHaveTheirOperationsBeforeTheDestructor) {
 TEST(LayoutTest, QueryManagersHaveTheirOperationsBehindTheDestructor) {
     EXPECT_EQ(SlotOf(&vxQueryManager::SignalQueryToProcess), 2);
     EXPECT_EQ(SlotOf(&vxQueryManager::InitQuery), 3);
+}
+
+TEST(LayoutTest, SearchExpressionsHaveTheirOperationsBehindTheDestructor) {
+    EXPECT_EQ(SlotOf(&vxSearchExpression::Display), 2);
+    EXPECT_EQ(SlotOf(&vxSearchExpression::GetSearchCriteriaList), 3);
+    EXPECT_EQ(SlotOf(&vxSearchExpression::Evaluate), 4);
+    EXPECT_EQ(SlotOf(&vxSearchExpression::IsComposite), 5);
+    EXPECT_EQ(SlotOf(&vxSearchExpression::IsRel), 6);
+    EXPECT_EQ(SlotOf(&vxSearchExpression::IsLinear), 7);
+    EXPECT_EQ(SlotOf(&vxSearchExpression::IsSameAs), 8);
+    EXPECT_EQ(SlotOf(&vxSearchExpression::GetType), 9);
+}
+
+TEST(LayoutTest, ExpressionParsersParseInTheFirstSlot) {
+    EXPECT_EQ(SlotOf(&vxExpressionParser::Parse), 0);
+    EXPECT_EQ(SlotOf(&vxExpressionParser::GetPropertyID), 1);
+    EXPECT_EQ(SlotOf(&vxExpressionParser::OperandSupported), 2);
+    EXPECT_EQ(SlotOf(&vxExpressionParser::OperandSupportedForProperty), 3);
+    EXPECT_EQ(SlotOf(&vxSearchExpressionEvaluator::Evaluate), 0);
 }
 
 }  // namespace
