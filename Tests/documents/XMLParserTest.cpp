@@ -5,7 +5,10 @@
 #include <vx/XML.h>
 #include <vx/XMLParser.h>
 
+#include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -71,6 +74,126 @@ TEST(XMLParserTest, BlanksBesideTextStay) {
 
 TEST(XMLParserTest, BlankSectionsAreText) {
     EXPECT_EQ(ReadAndWritten("<a><b/><![CDATA[ ]]></a>"), "<a>\n  <b/> </a>\n");
+}
+
+/// A child as "<kind>content;".
+std::string Told(char aKind, const std::string& aContent) {
+    return aKind + aContent + ";";
+}
+
+std::string Children(const vxXMLNode& aNode) {
+    std::string theText;
+    for (const vxXMLNode* i = aNode.GetChildren(); i != NULL; i = i->GetNext()) {
+        EXPECT_EQ(i->GetParent(), &aNode);
+        theText += i->GetType() == vxXMLNodeType_Text      ? Told('t', i->GetContent().c_str())
+                   : i->GetType() == vxXMLNodeType_Comment ? Told('c', i->GetContent().c_str())
+                                                           : Told('e', Children(*i));
+    }
+    return theText;
+}
+
+/// Makes the inside of an element of random pieces, and tells what children it must have.
+class RandomContent {
+public:
+    explicit RandomContent(std::mt19937& aRandom) : mRandom(aRandom) {}
+
+    std::string Make(int aDepth, std::string& aText) {
+        static const char* const kPieces[] = {
+            " ", "\n\t", "x", "&#32;", "<![CDATA[ ]]>", "<![CDATA[]]>", "&amp;", "\r\n", "y > z"};
+        static const char* const kTexts[] = {" ", "\n\t", "x", " ", " ", "", "&", "\n", "y > z"};
+        for (size_t i = mRandom() % 6; i > 0; --i) {
+            const size_t thePiece = mRandom() % 14;
+            if (thePiece < 9) {
+                aText += kPieces[thePiece];
+                mText += kTexts[thePiece];
+                mfHasText |= thePiece == 4 || thePiece == 5;
+                mfInText = true;
+            } else if (thePiece == 9) {
+                aText += "<?skipped?>";
+            } else if (thePiece == 10) {
+                aText += "<!--c-->";
+                Add(Told('c', "c"));
+            } else if (thePiece == 11 || aDepth == 0) {
+                aText += "<e/>";
+                Add(Told('e', ""));
+            } else {
+                aText += "<e>";
+                Flush();
+                Add(Told('e', RandomContent(mRandom).Make(aDepth - 1, aText)));
+                aText += "</e>";
+            }
+        }
+        Flush();
+        return Result();
+    }
+
+private:
+    void Add(const std::string& aChild) {
+        Flush();
+        mChildren.emplace_back(aChild, false);
+    }
+    void Flush() {
+        const bool theIsBlank = !mfHasText && mText.find_first_not_of(" \t\n") == std::string::npos;
+        mfHasOthers |= mfInText && !theIsBlank;
+        if (!mText.empty()) {
+            mChildren.emplace_back(Told('t', mText), theIsBlank);
+        }
+        mText.clear();
+        mfHasText = false;
+        mfInText = false;
+    }
+    std::string Result() const {
+        std::string theText;
+        for (const auto& theChild : mChildren) {
+            const bool theIsDropped = theChild.second && !mfHasOthers && mChildren.size() > 1;
+            theText += theIsDropped ? "" : theChild.first;
+        }
+        return theText;
+    }
+
+    std::mt19937& mRandom;
+    std::vector<std::pair<std::string, bool>> mChildren;  // and whether it is blank text
+    std::string mText;                                    // read since the last child
+    bool mfInText = false;
+    bool mfHasText = false;    // a section is part of it, and so it is no blank
+    bool mfHasOthers = false;  // some text is not blank
+};
+
+TEST(XMLParserTest, BlanksStayOrGoByWhatStandsBesideThem) {
+    std::mt19937 theRandom(1);
+    for (int i = 0; i < 20000; ++i) {
+        std::string theText = "<a>";
+        const std::string theExpected = RandomContent(theRandom).Make(2, theText);
+        theText += "</a>";
+        vxXMLDocument theDocument;
+        vxError theError;
+        ASSERT_TRUE(vxXMLParser().Parse(theText.data(), theText.size(), theDocument, theError))
+            << theText;
+        ASSERT_EQ(Children(*theDocument.GetRoot()), theExpected) << theText;
+    }
+}
+
+TEST(XMLParserTest, ForbiddenCharactersAreFoundAtEveryPlace) {
+    for (size_t thePlace = 0; thePlace < 24; ++thePlace) {
+        for (const char* theBad : {"\x01", "\x1f", "\x0b", "\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
+            std::string theText = "<a>" + std::string(24, 'x') + "</a>";
+            theText.replace(3 + thePlace, 1, theBad);
+            vxXMLDocument theDocument;
+            vxError theError;
+            EXPECT_FALSE(
+                vxXMLParser().Parse(theText.data(), theText.size(), theDocument, theError));
+            EXPECT_EQ(theError.GetErrorStr().c_str(), "line 1, column " +
+                                                          std::to_string(4 + thePlace) +
+                                                          ": expected a character that XML allows");
+        }
+        for (const char* theGood : {"\n", "\t", "\r", "\x7f", "\xEF\xBF\xBD", "\xEF\xBE\xBF"}) {
+            std::string theText = "<a>" + std::string(24, 'x') + "</a>";
+            theText.replace(3 + thePlace, 1, theGood);
+            vxXMLDocument theDocument;
+            vxError theError;
+            EXPECT_TRUE(vxXMLParser().Parse(theText.data(), theText.size(), theDocument, theError));
+        }
+    }
 }
 
 constexpr TextCase kRefusals[] = {

@@ -33,3 +33,12 @@ inline bool vxHasByte(vxBytes aBytes, unsigned char aByte) {
 inline bool vxHasControl(vxBytes aBytes) {
     return ((aBytes - vxRepeat(0x20)) & ~aBytes & vxRepeat(0x80)) != 0;
 }
+
+/// Is one of the bytes below 0x20 and no line feed?
+inline bool vxHasControlButLineFeed(vxBytes aBytes) {
+    const vxBytes theLows = vxRepeat(0x7F);
+    const vxBytes theDifference = aBytes ^ vxRepeat('\n');
+    const vxBytes theOthers = ((theDifference & theLows) + theLows) | theDifference;
+    const vxBytes thePrinting = ((aBytes & theLows) + vxRepeat(0x60)) | aBytes;
+    return (theOthers & ~thePrinting & vxRepeat(0x80)) != 0;
+}

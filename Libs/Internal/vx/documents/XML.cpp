@@ -228,11 +228,14 @@ vxXMLNode::vxXMLNode()
       mUserData(NULL) {}
 
 vxXMLNode::vxXMLNode(vxXMLNodeType aType, const vxCString& aName, const vxCString& aContent)
-    : vxXMLNode() {
-    mType = aType;
-    mName = aName;
-    mContent = aContent;
-}
+    : mType(aType),
+      mName(aName),
+      mContent(aContent),
+      mProperties(NULL),
+      mParent(NULL),
+      mChildren(NULL),
+      mNext(NULL),
+      mUserData(NULL) {}
 
 vxXMLNode::vxXMLNode(vxXMLNode* aParent, vxXMLNodeType aType, const vxCString& aName,
                      const vxCString& aContent, vxXMLProperty* aProperties, vxXMLNode* aNext)

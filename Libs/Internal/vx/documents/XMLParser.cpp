@@ -1,12 +1,16 @@
 // One pass over the bytes, an explicit stack of open elements, and no entity that could grow.
 //
 // Names are looked up among those met before, so that equal names share one block: a document has few
-// of them, and comparing two is comparing pointers.
+// of them, and comparing two is comparing pointers. Blanks between tags become nodes only when their
+// element turns out to hold text.
 
 #include "vx/XMLParser.h"
 
+#include "Bytes.h"
+
 #include <libteskTools/Unicode.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -23,9 +27,19 @@
 /// Links nodes at places that the reader knows already.
 class vxXMLReaderLinks {
 public:
-    static void Append(vxXMLNode* aParent, vxXMLNode* aLast, vxXMLNode* aNode) {
+    /// Makes a detached node and takes its content over.
+    static vxXMLNode* Make(vxXMLNodeType aType, const vxCString& aName, vxCString& aContent) {
+        vxXMLNode* theNode = new vxXMLNode(aType, aName, vxCString());
+        theNode->mContent.Swap(aContent);
+        return theNode;
+    }
+
+    /// Puts a node behind a child; a null one stands for the place in front of the first.
+    static void InsertBehind(vxXMLNode* aParent, vxXMLNode* aChild, vxXMLNode* aNode) {
+        vxXMLNode*& theLink = aChild == NULL ? aParent->mChildren : aChild->mNext;
         aNode->mParent = aParent;
-        (aLast == NULL ? aParent->mChildren : aLast->mNext) = aNode;
+        aNode->mNext = theLink;
+        theLink = aNode;
     }
 
     /// Deletes the text nodes that hold blanks only.
@@ -49,14 +63,44 @@ bool vxIsBlank(char aChar) {
     return aChar == ' ' || aChar == '\t' || aChar == '\n' || aChar == '\r';
 }
 
-bool vxIsBlankText(const vxCString& aText) {
-    const char* const theEnd = aText.c_str() + aText.length();
-    for (const char* i = aText.c_str(); i != theEnd; ++i) {
-        if (!vxIsBlank(*i)) {
-            return false;
-        }
+bool vxIsBlankRun(const char* aText, const char* anEnd) {
+    while (aText != anEnd && vxIsBlank(*aText)) {
+        ++aText;
     }
-    return true;
+    return aText == anEnd;
+}
+
+bool vxIsBlankText(const vxCString& aText) {
+    return vxIsBlankRun(aText.c_str(), aText.c_str() + aText.length());
+}
+
+/// Must a run of text be looked at here: at markup, a reference, a line end or a ">"?
+bool vxEndsPlainText(char aChar) {
+    return aChar == '<' || aChar == '&' || aChar == '>' || aChar == '\r';
+}
+
+const char* vxEndOfPlainText(const char* aText, const char* anEnd) {
+    while (anEnd - aText >= static_cast<ptrdiff_t>(sizeof(vxBytes))) {
+        const vxBytes theBytes = vxLoadBytes(aText);
+        if (vxHasByte(theBytes, '<') || vxHasByte(theBytes, '&') || vxHasByte(theBytes, '>') ||
+            vxHasByte(theBytes, '\r')) {
+            break;
+        }
+        aText += sizeof(theBytes);
+    }
+    while (aText != anEnd && !vxEndsPlainText(*aText)) {
+        ++aText;
+    }
+    return aText;
+}
+
+/// The first byte of an attribute value that does not stand for itself, or the end.
+const char* vxEndOfPlainValue(const char* aText, const char* anEnd, char aQuote) {
+    while (aText != anEnd && *aText != aQuote && *aText != '<' && *aText != '&' &&
+           static_cast<unsigned char>(*aText) >= 0x20) {
+        ++aText;
+    }
+    return aText;
 }
 
 struct vxRange {
@@ -98,10 +142,33 @@ uint32_t vxCharacterAt(const char* aText, size_t* aSize) {
     return theCode;
 }
 
+/// Those of ASCII that it may go on with.
+struct vxASCIINames {
+    constexpr vxASCIINames() : mfHas() {
+        for (const vxRange& theRange : kvxXML_NameStarts) {
+            Add(theRange);
+        }
+        for (const vxRange& theRange : kvxXML_NameOthers) {
+            Add(theRange);
+        }
+    }
+    constexpr void Add(const vxRange& aRange) {
+        for (uint32_t i = aRange.mFirst; i <= aRange.mLast && i < 0x80; ++i) {
+            mfHas[i] = true;
+        }
+    }
+    bool mfHas[256];
+};
+constexpr vxASCIINames kvxXML_ASCIINames;
+
 /// Returns the end of the name at the start of valid UTF-8; that start where no name is.
 const char* vxEndOfName(const char* aText, const char* anEnd) {
     const char* thePos = aText;
     while (thePos != anEnd) {
+        if (thePos != aText && kvxXML_ASCIINames.mfHas[static_cast<unsigned char>(*thePos)]) {
+            ++thePos;
+            continue;
+        }
         size_t theSize = 0;
         const uint32_t theCode = vxCharacterAt(thePos, &theSize);
         if (!vxIsIn(kvxXML_NameStarts, theCode) &&
@@ -159,6 +226,38 @@ constexpr vxNamedEntity kvxXML_Entities[] = {
     {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''},
 };
 
+/// The names met so far; equal ones share one block.
+class vxNames {
+public:
+    /// Returns the string of a name; the bytes must stay where they are.
+    const vxCString& Get(std::string_view aName) {
+        const auto theByte = [aName](size_t anIndex) {
+            return static_cast<size_t>(static_cast<unsigned char>(aName[anIndex]));
+        };
+        const size_t theLength = aName.size();
+        const size_t thePlace =
+            theByte(0) * 5 + theByte(theLength / 2) * 3 + theByte(theLength - 1) + theLength;
+        const Entry*& theRecent = mRecent[thePlace % kvxRecent];
+        if (theRecent == NULL || theRecent->first != aName) {
+            auto theEntry = mNames.find(aName);
+            if (theEntry == mNames.end()) {
+                theEntry = mNames.emplace(aName, vxCString(aName.data(), aName.size())).first;
+            }
+            theRecent = &*theEntry;
+        }
+        return theRecent->second;
+    }
+
+private:
+    using Map = std::unordered_map<std::string_view, vxCString>;
+    using Entry = Map::value_type;
+
+    static constexpr size_t kvxRecent = 128;
+
+    Map mNames;
+    const Entry* mRecent[kvxRecent] = {};  // the last one of those that share a place
+};
+
 class vxXMLReader {
 public:
     vxXMLReader(const char* aText, size_t aSize, const vxXMLParserLimits& aLimits)
@@ -176,6 +275,14 @@ private:
         vxXMLNode* mLast;  // child
         bool mfHasText;    // a child text that is not blank
         bool mfHasBlanks;  // a child text that is
+        size_t mBlanks;    // how many were put off in the elements around it
+    };
+
+    /// Blanks that are no node yet.
+    struct Blanks {
+        vxXMLNode* mBehind;  // the child in front of them, or null
+        const char* mStart;
+        const char* mEnd;
     };
 
     bool Fail(const char* aExpected, int aCode = kvxXMLParserError_Syntax) {
@@ -217,7 +324,7 @@ private:
     bool FindCommentEnd(const char** anEnd);
     bool SkipName(std::string_view* aName);
     bool SkipUntil(std::string_view anEnd, const char* aExpected);
-    bool ReadName(vxCString* aName);
+    const vxCString* ReadName();
     bool ReadContent();
     bool ReadMarkup();
     bool ReadStartTag();
@@ -232,6 +339,8 @@ private:
     bool ReadCharacterReference(std::string* aText);
     bool AppendCharacters(const char* anEnd, std::string* aText);
     bool FlushText();
+    void AddPlainText(const char* anEnd);
+    void MakeBlanks();
     void AppendChild(vxXMLNode* aNode);
     void CloseElement();
 
@@ -242,14 +351,15 @@ private:
 
     std::unique_ptr<vxXMLNode> mRoot;
     std::vector<Element> mOpen;
-    std::string mText;        // of the text node that is being read
-    bool mfInText = false;    // there is one
+    std::vector<Blanks> mBlanks;  // of open elements without text, outermost first
+    std::string mText;            // of the text node that is being read
+    bool mfInText = false;        // there is one
     bool mfHasCData = false;  // it came in part from a CDATA section, and is text even when blank
     bool mfHasDoctype = false;
     vxCString mVersion = "1.0";
     const vxCString mTextName = "text";
     const vxCString mCommentName = "comment";
-    std::unordered_map<std::string_view, vxCString> mNames;  // keys point into the input
+    vxNames mNames;
 
     const char* mExpected = NULL;
     int mCode = 0;
@@ -298,12 +408,22 @@ bool vxXMLReader::CheckEncoding() {
 // Looks for control characters, and for the last two code points of the first plane. Nothing else that
 // is valid UTF-8 is forbidden.
 bool vxXMLReader::CheckCharacters() {
-    for (const char* i = mPos; i != mEnd; ++i) {
-        const unsigned char theByte = static_cast<unsigned char>(*i);
-        if ((theByte < 0x20 && !vxIsBlank(*i)) ||
-            (theByte == 0xEF && i[1] == '\xBF' && static_cast<unsigned char>(i[2]) >= 0xBE)) {
-            mPos = i;
-            return Fail("a character that XML allows");
+    for (const char* i = mPos; i != mEnd;) {
+        const ptrdiff_t theCount = std::min<ptrdiff_t>(mEnd - i, sizeof(vxBytes));
+        if (theCount == sizeof(vxBytes)) {
+            const vxBytes theBytes = vxLoadBytes(i);
+            if (!vxHasControlButLineFeed(theBytes) && !vxHasByte(theBytes, 0xEF)) {
+                i += theCount;
+                continue;
+            }
+        }
+        for (const char* const theEnd = i + theCount; i != theEnd; ++i) {
+            const unsigned char theByte = static_cast<unsigned char>(*i);
+            if ((theByte < 0x20 && !vxIsBlank(*i)) ||
+                (theByte == 0xEF && i[1] == '\xBF' && static_cast<unsigned char>(i[2]) >= 0xBE)) {
+                mPos = i;
+                return Fail("a character that XML allows");
+            }
         }
     }
     return true;
@@ -495,22 +615,17 @@ bool vxXMLReader::SkipUntil(std::string_view anEnd, const char* aExpected) {
     return true;
 }
 
-bool vxXMLReader::ReadName(vxCString* aName) {
+// Returns null after a failure.
+const vxCString* vxXMLReader::ReadName() {
     std::string_view theName;
     if (!SkipName(&theName)) {
-        return false;
+        return NULL;
     }
     if (theName.size() > mLimits.mMaxTextSize) {
-        return Fail("a shorter name", kvxXMLParserError_Limit);
+        Fail("a shorter name", kvxXMLParserError_Limit);
+        return NULL;
     }
-    const auto theKnown = mNames.find(theName);
-    if (theKnown != mNames.end()) {
-        *aName = theKnown->second;
-        return true;
-    }
-    *aName = vxCString(theName.data(), theName.size());
-    mNames.emplace(theName, *aName);
-    return true;
+    return &mNames.Get(theName);
 }
 
 bool vxXMLReader::ReadContent() {
@@ -545,14 +660,14 @@ bool vxXMLReader::ReadStartTag() {
     if (!Skip("<")) {
         return Fail("\"<\"");
     }
-    vxCString theName;
-    if (!ReadName(&theName)) {
+    const vxCString* theName = ReadName();
+    if (theName == NULL) {
         return false;
     }
     if (mOpen.size() >= mLimits.mMaxDepth) {
         return Fail("fewer elements within each other", kvxXMLParserError_Limit);
     }
-    vxXMLNode* theNode = new vxXMLNode(vxXMLNodeType_Element, theName, vxCString());
+    vxXMLNode* theNode = new vxXMLNode(vxXMLNodeType_Element, *theName, vxCString());
     if (mOpen.empty()) {
         mRoot.reset(theNode);
     } else {
@@ -563,7 +678,7 @@ bool vxXMLReader::ReadStartTag() {
         return false;
     }
     if (theHasContent) {
-        mOpen.push_back({theNode, NULL, false, false});
+        mOpen.push_back({theNode, NULL, false, false, mBlanks.size()});
     }
     return true;
 }
@@ -593,13 +708,13 @@ bool vxXMLReader::ReadAttributes(vxXMLNode* aNode, bool* afHasContent) {
 
 bool vxXMLReader::ReadAttribute(vxXMLNode* aNode, vxXMLProperty** aLast) {
     const char* theStart = mPos;
-    vxCString theName;
-    if (!ReadName(&theName)) {
+    const vxCString* theName = ReadName();
+    if (theName == NULL) {
         return false;
     }
     for (const vxXMLProperty* i = aNode->GetProperties(); i != NULL; i = i->GetNext()) {
         // Equal names share their block.
-        if (i->GetName().c_str() == theName.c_str()) {
+        if (i->GetName().c_str() == theName->c_str()) {
             mPos = theStart;
             return Fail("an attribute that the element does not have yet");
         }
@@ -613,7 +728,7 @@ bool vxXMLReader::ReadAttribute(vxXMLNode* aNode, vxXMLProperty** aLast) {
     if (!ReadAttributeValue(&theValue)) {
         return false;
     }
-    vxXMLProperty* theProperty = new vxXMLProperty(theName, theValue);
+    vxXMLProperty* theProperty = new vxXMLProperty(*theName, theValue);
     if (*aLast == NULL) {
         aNode->AddProperty(theProperty);
     } else {
@@ -629,6 +744,13 @@ bool vxXMLReader::ReadAttributeValue(vxCString* aValue) {
         return Fail("a quoted value");
     }
     ++mPos;
+    const char* thePlainEnd = vxEndOfPlainValue(mPos, mEnd, theQuote);
+    const size_t theLength = static_cast<size_t>(thePlainEnd - mPos);
+    if (thePlainEnd != mEnd && *thePlainEnd == theQuote && theLength <= mLimits.mMaxTextSize) {
+        *aValue = vxCString(mPos, theLength);
+        mPos = thePlainEnd + 1;
+        return true;
+    }
     mText.clear();
     while (!AtEnd() && *mPos != theQuote) {
         if (*mPos == '<') {
@@ -662,11 +784,18 @@ bool vxXMLReader::ReadEndTag() {
     const vxCString& theOpenName = mOpen.back().mNode->GetName();
     const char* theStart = mPos;
     mPos += 2;
-    vxCString theName;
-    if (!ReadName(&theName)) {
+    const vxCString* theName = &theOpenName;
+    if (Looks(std::string_view(theOpenName.c_str(), theOpenName.length())) &&
+        mEnd - mPos > static_cast<ptrdiff_t>(theOpenName.length()) &&
+        mPos[theOpenName.length()] == '>') {
+        mPos += theOpenName.length();
+    } else {
+        theName = ReadName();
+    }
+    if (theName == NULL) {
         return false;
     }
-    if (theName.c_str() != theOpenName.c_str()) {
+    if (theName->c_str() != theOpenName.c_str()) {
         mPos = theStart;
         return Fail("the end tag of the innermost element");
     }
@@ -700,19 +829,58 @@ bool vxXMLReader::AppendCharacters(const char* anEnd, std::string* aText) {
 }
 
 bool vxXMLReader::ReadText() {
-    mfInText = true;
     if (*mPos == '&') {
+        mfInText = true;
         return ReadReference(&mText);
     }
-    const char* theEnd = mPos;
+    bool theHasReturn = false;
+    const char* theEnd = vxEndOfPlainText(mPos, mEnd);
     while (theEnd != mEnd && *theEnd != '<' && *theEnd != '&') {
         if (*theEnd == '>' && theEnd - mPos >= 2 && theEnd[-1] == ']' && theEnd[-2] == ']') {
             mPos = theEnd - 2;
             return Fail("\"]]&gt;\" in place of \"]]>\"");
         }
-        ++theEnd;
+        theHasReturn |= *theEnd == '\r';
+        theEnd = vxEndOfPlainText(theEnd + 1, mEnd);
     }
-    return AppendCharacters(theEnd, &mText);
+    // Behind "<!" and "<?" the same text may go on.
+    const bool theIsWhole = mEnd - theEnd >= 2 && *theEnd == '<' && theEnd[1] != '!' &&
+                            theEnd[1] != '?' && !mfInText && !theHasReturn;
+    if (!theIsWhole || static_cast<size_t>(theEnd - mPos) > mLimits.mMaxTextSize) {
+        mfInText = true;
+        return AppendCharacters(theEnd, &mText);
+    }
+    AddPlainText(theEnd);
+    return true;
+}
+
+// Makes a node of a text that stands in the input as it is, or puts blanks off.
+void vxXMLReader::AddPlainText(const char* anEnd) {
+    Element& theParent = mOpen.back();
+    const bool theIsBlank = vxIsBlankRun(mPos, anEnd);
+    if (theIsBlank && !theParent.mfHasText) {
+        mBlanks.push_back({theParent.mLast, mPos, anEnd});
+    } else {
+        MakeBlanks();
+        theParent.mfHasText |= !theIsBlank;
+        vxCString theText(mPos, static_cast<size_t>(anEnd - mPos));
+        AppendChild(vxXMLReaderLinks::Make(vxXMLNodeType_Text, mTextName, theText));
+    }
+    mPos = anEnd;
+}
+
+// Makes nodes of the blanks that were put off in the innermost element.
+void vxXMLReader::MakeBlanks() {
+    Element& theParent = mOpen.back();
+    for (; mBlanks.size() > theParent.mBlanks; mBlanks.pop_back()) {
+        const Blanks& theBlanks = mBlanks.back();
+        vxCString theText(theBlanks.mStart, static_cast<size_t>(theBlanks.mEnd - theBlanks.mStart));
+        vxXMLNode* theNode = vxXMLReaderLinks::Make(vxXMLNodeType_Text, mTextName, theText);
+        vxXMLReaderLinks::InsertBehind(theParent.mNode, theBlanks.mBehind, theNode);
+        if (theParent.mLast == theBlanks.mBehind) {
+            theParent.mLast = theNode;
+        }
+    }
 }
 
 bool vxXMLReader::ReadCData() {
@@ -801,13 +969,16 @@ bool vxXMLReader::FlushText() {
     if (!mfInText) {
         return true;
     }
-    const vxCString theText(mText.data(), mText.size());
+    vxCString theText(mText.data(), mText.size());
     Element& theParent = mOpen.back();
     const bool theIsBlank = !mfHasCData && vxIsBlankText(theText);
     theParent.mfHasBlanks |= theIsBlank;
-    theParent.mfHasText |= !theIsBlank;
+    if (!theIsBlank) {
+        MakeBlanks();
+        theParent.mfHasText = true;
+    }
     if (!theText.IsEmpty()) {
-        AppendChild(new vxXMLNode(vxXMLNodeType_Text, mTextName, theText));
+        AppendChild(vxXMLReaderLinks::Make(vxXMLNodeType_Text, mTextName, theText));
     }
     mText.clear();
     mfInText = false;
@@ -817,16 +988,23 @@ bool vxXMLReader::FlushText() {
 
 void vxXMLReader::AppendChild(vxXMLNode* aNode) {
     Element& theParent = mOpen.back();
-    vxXMLReaderLinks::Append(theParent.mNode, theParent.mLast, aNode);
+    vxXMLReaderLinks::InsertBehind(theParent.mNode, theParent.mLast, aNode);
     theParent.mLast = aNode;
 }
 
 // An element that holds other elements and only blanks beside them loses the blanks.
 void vxXMLReader::CloseElement() {
     const Element& theElement = mOpen.back();
-    const bool theHasOthers = theElement.mNode->GetChildren() != theElement.mLast;
-    if (theElement.mfHasBlanks && !theElement.mfHasText && theHasOthers) {
-        vxXMLReaderLinks::DropBlankTexts(theElement.mNode, vxIsBlankText);
+    const vxXMLNode* const theFirst = theElement.mNode->GetChildren();
+    if (theFirst == NULL) {
+        MakeBlanks();
+    } else if (!theElement.mfHasText) {
+        const bool theHasOthers =
+            theFirst != theElement.mLast || mBlanks.size() > theElement.mBlanks;
+        if (theElement.mfHasBlanks && theHasOthers) {
+            vxXMLReaderLinks::DropBlankTexts(theElement.mNode, vxIsBlankText);
+        }
+        mBlanks.resize(theElement.mBlanks);
     }
     mOpen.pop_back();
 }
