@@ -23,10 +23,14 @@ constexpr vxBytes vxRepeat(unsigned char aByte) {
     return aByte * UINT64_C(0x0101010101010101);
 }
 
-/// Is one of the bytes this one?
-inline bool vxHasByte(vxBytes aBytes, unsigned char aByte) {
-    const vxBytes theDifference = aBytes ^ vxRepeat(aByte);
-    return ((theDifference - vxRepeat(1)) & ~theDifference & vxRepeat(0x80)) != 0;
+/// Is one of the bytes one of these?
+template <typename... Byte>
+inline bool vxHasAnyOf(vxBytes aBytes, Byte... aByte) {
+    const auto theMarks = [aBytes](unsigned char aOne) {
+        const vxBytes theDifference = aBytes ^ vxRepeat(aOne);
+        return (theDifference - vxRepeat(1)) & ~theDifference;
+    };
+    return ((theMarks(static_cast<unsigned char>(aByte)) | ...) & vxRepeat(0x80)) != 0;
 }
 
 /// Is one of the bytes below 0x20?

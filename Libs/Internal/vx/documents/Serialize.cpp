@@ -104,8 +104,7 @@ const char* vxCopyPlain(const char* aText, const char* anEnd, bool afStrict, cha
     const unsigned char theSlash = afStrict ? '/' : '"';
     while (anEnd - aText >= static_cast<ptrdiff_t>(sizeof(vxBytes))) {
         const vxBytes theBytes = vxLoadBytes(aText);
-        if (vxHasControl(theBytes) || vxHasByte(theBytes, '"') || vxHasByte(theBytes, '\\') ||
-            vxHasByte(theBytes, theSlash)) {
+        if (vxHasControl(theBytes) || vxHasAnyOf(theBytes, '"', '\\', theSlash)) {
             break;
         }
         vxStoreBytes(aTarget, theBytes);
@@ -155,7 +154,7 @@ const char* vxEndOfPlain(const char* aText, const char* anEnd, char aQuote) {
     const unsigned char theQuote = static_cast<unsigned char>(aQuote);
     while (anEnd - aText >= static_cast<ptrdiff_t>(sizeof(vxBytes))) {
         const vxBytes theBytes = vxLoadBytes(aText);
-        if (vxHasByte(theBytes, theQuote) || vxHasByte(theBytes, '\\')) {
+        if (vxHasAnyOf(theBytes, theQuote, '\\')) {
             break;
         }
         aText += sizeof(theBytes);

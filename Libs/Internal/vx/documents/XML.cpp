@@ -5,6 +5,8 @@
 
 #include "vx/XML.h"
 
+#include "Bytes.h"
+
 #include <libvxLog/Assert.h>
 
 #include <cstring>
@@ -49,6 +51,21 @@ public:
         return true;
     }
 
+    bool WriteName(const vxCString& aName) {
+        mBuffer.Append(" ", 1);
+        mBuffer.Append(aName.c_str(), aName.length());
+        mBuffer.Append("=\"", 2);
+        return true;
+    }
+
+    bool WriteIndentation(size_t aLevel) {
+        mBuffer.Append("\n", 1);
+        for (size_t i = 0; i < aLevel; ++i) {
+            mBuffer.Append("  ", 2);
+        }
+        return true;
+    }
+
     const vxGrowingBuffer& Buffer() const { return mBuffer; }
 
 private:
@@ -62,6 +79,21 @@ public:
 
     bool Write(const char* aText, size_t aLength) {
         return mOutput(mContext, vxCString(aText, aLength));
+    }
+
+    /// One piece: a blank, the name of an attribute, and what stands in front of its value.
+    bool WriteName(const vxCString& aName) {
+        vxCString thePiece = " ";
+        thePiece += aName;
+        thePiece += "=\"";
+        return mOutput(mContext, thePiece);
+    }
+
+    /// One piece: a line end and two blanks for every level.
+    bool WriteIndentation(size_t aLevel) {
+        vxCString thePiece = "\n";
+        thePiece.Pad(2 * aLevel, ' ', true);
+        return mOutput(mContext, thePiece);
     }
 
 private:
@@ -85,6 +117,18 @@ const char* vxEntityOf(const char* aText, const char* anEnd, bool afEscapeQuotes
     }
 }
 
+/// Passes over bytes that stand for themselves, eight at a time.
+const char* vxSkipPlain(const char* aText, const char* anEnd) {
+    while (anEnd - aText >= static_cast<ptrdiff_t>(sizeof(vxBytes))) {
+        const vxBytes theBytes = vxLoadBytes(aText);
+        if (vxHasAnyOf(theBytes, '<', '>', '"', '&')) {
+            break;
+        }
+        aText += sizeof(theBytes);
+    }
+    return aText;
+}
+
 template <typename Sink>
 class vxXMLWriter {
 public:
@@ -106,7 +150,7 @@ public:
                     return mfGood;
                 }
             }
-            if (theNode->GetType() != vxXMLNodeType_Text && !Indent(theLevel)) {
+            if (theNode->GetType() != vxXMLNodeType_Text && !mSink.WriteIndentation(theLevel)) {
                 return false;
             }
         }
@@ -120,23 +164,19 @@ private:
     bool Text(const char* aText) { return mSink.Write(aText, strlen(aText)); }
     bool Text(const vxCString& aText) { return mSink.Write(aText.c_str(), aText.length()); }
 
-    bool Indent(size_t aLevel) {
-        mIndentation.clear();
-        mIndentation += '\n';
-        mIndentation.Pad(2 * aLevel, ' ', true);
-        return Text(mIndentation);
-    }
-
     bool Escaped(const vxCString& aText, bool afEscapeQuotes) {
         const char* theRun = aText.c_str();
         const char* const theEnd = theRun + aText.length();
-        for (const char* thePos = theRun; thePos != theEnd; ++thePos) {
+        const char* thePos = vxSkipPlain(theRun, theEnd);
+        while (thePos != theEnd) {
             const char* theEntity = vxEntityOf(thePos, theEnd, afEscapeQuotes);
+            ++thePos;
             if (theEntity != NULL) {
-                if (!Run(theRun, thePos) || !Text(theEntity)) {
+                if (!Run(theRun, thePos - 1) || !Text(theEntity)) {
                     return false;
                 }
-                theRun = thePos + 1;
+                theRun = thePos;
+                thePos = vxSkipPlain(thePos, theEnd);
             }
         }
         return Run(theRun, theEnd);
@@ -148,10 +188,7 @@ private:
 
     bool Attributes(const vxXMLNode& aNode) {
         for (const vxXMLProperty* i = aNode.GetProperties(); i != NULL; i = i->GetNext()) {
-            mPiece = " ";
-            mPiece += i->GetName();
-            mPiece += "=\"";
-            if (!Text(mPiece) || !Escaped(i->GetValue(), true) || !Text("\"")) {
+            if (!mSink.WriteName(i->GetName()) || !Escaped(i->GetValue(), true) || !Text("\"")) {
                 return false;
             }
         }
@@ -192,7 +229,7 @@ private:
             --*aLevel;
             const bool theInline = aNode->GetType() == vxXMLNodeType_Text;
             aNode = aNode->GetParent();
-            if ((!theInline && !Indent(*aLevel)) || !Close(*aNode)) {
+            if ((!theInline && !mSink.WriteIndentation(*aLevel)) || !Close(*aNode)) {
                 mfGood = false;
                 return NULL;
             }
@@ -201,8 +238,6 @@ private:
     }
 
     Sink& mSink;
-    vxCString mIndentation;
-    vxCString mPiece;
     bool mfGood = true;
 };
 

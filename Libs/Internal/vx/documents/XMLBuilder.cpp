@@ -1,9 +1,11 @@
 // A growing buffer, a stack of names, and one flag: whether a start tag still waits for its '>'.
+//
+// The names of open elements stand in one block, each with its length behind it.
 
 #include "vx/XMLBuilder.h"
 
-#include <libteskTools/Array.h>
-#include <libteskTools/Memory.h>
+#include "Bytes.h"
+
 #include <libvxLog/Assert.h>
 
 #include <cstdlib>
@@ -53,6 +55,10 @@ void vxEscape(vxGrowingBuffer& aBuffer, const char* aText, size_t aLength, size_
         const char* const theRun = thePos;
         const char* const theRunEnd =
             static_cast<size_t>(theEnd - thePos) < theRoom ? theEnd : thePos + theRoom;
+        while (theRunEnd - thePos >= static_cast<ptrdiff_t>(sizeof(vxBytes)) &&
+               !vxHasAnyOf(vxLoadBytes(thePos), '"', '\'', '<', '>', '&')) {
+            thePos += sizeof(vxBytes);
+        }
         while (thePos != theRunEnd && kvxXML_EntityTable.PlaceOf(*thePos) == 0) {
             ++thePos;
         }
@@ -84,27 +90,40 @@ vxXMLBuilder::vxXMLBuilder(uint32_t anInitialSize)
     : mBuffer(anInitialSize), mTagArray(NULL), mfTagStarted(false) {}
 
 vxXMLBuilder::~vxXMLBuilder() {
-    vxArray_Delete(mTagArray);
+    delete mTagArray;
 }
 
-void vxXMLBuilder::AddOpening(const char* aName) {
+void vxXMLBuilder::AddOpening(const char* aName, size_t aLength) {
     mBuffer.Append("<", 1);
-    mBuffer += vxText(aName);
+    mBuffer.Append(aName, aLength);
 }
 
-void vxXMLBuilder::AddClosing(const char* aName) {
+void vxXMLBuilder::AddClosing(const char* aName, size_t aLength) {
     mBuffer.Append("</", 2);
-    mBuffer += vxText(aName);
+    mBuffer.Append(aName, aLength);
     mBuffer.Append(">", 1);
+}
+
+void vxXMLBuilder::AddEnd(const char* aName, size_t aLength) {
+    if (mfTagStarted) {
+        mBuffer.Append("/>", 2);
+        mfTagStarted = false;
+    } else {
+        AddClosing(aName, aLength);
+    }
 }
 
 void vxXMLBuilder::StartTag(const char* aName) {
     if (mTagArray == NULL) {
-        mTagArray = vxArray_New();
-        vxArray_SetFreeFunc(mTagArray, free);
+        mTagArray = new vxGrowingBuffer(0);
     }
-    vxArray_Append(mTagArray, vxStrdup(vxText(aName)));
-    AddStartTag(aName, false);
+    const char* theName = vxText(aName);
+    const size_t theLength = strlen(theName);
+    mTagArray->Append(theName, theLength);
+    mTagArray->Append(reinterpret_cast<const char*>(&theLength), sizeof(theLength));
+    CloseStartTag();
+    AddOpening(theName, theLength);
+    mfTagStarted = true;
 }
 
 void vxXMLBuilder::AddAttribute(const char* aName, const char* aValue) {
@@ -129,19 +148,22 @@ void vxXMLBuilder::AddUInt32Attribute(const char* aName, uint32_t aValue) {
 
 void vxXMLBuilder::EndTag() {
     VXASSERT(mTagArray != NULL);
-    const size_t theCount = vxArray_GetCount(mTagArray);
+    const size_t theCount = mTagArray == NULL ? 0 : mTagArray->GetPosition();
     VXASSERT_TEXT(mTagArray == NULL || theCount > 0, "theCount > 0");
     if (theCount == 0) {
         return;
     }
-    char* theName = static_cast<char*>(vxArray_TakeAt(mTagArray, theCount - 1));
-    AddEndTag(theName);
-    free(theName);
+    size_t theLength = 0;
+    const size_t theEnd = theCount - sizeof(theLength);
+    memcpy(&theLength, mTagArray->data() + theEnd, sizeof(theLength));
+    const size_t theStart = theEnd - theLength;
+    mTagArray->SetPosition(theStart);
+    AddEnd(mTagArray->data() + theStart, theLength);
 }
 
 void vxXMLBuilder::AddStartTag(const char* aName, bool afClose) {
     CloseStartTag();
-    AddOpening(aName);
+    AddOpening(vxText(aName), strlen(vxText(aName)));
     mfTagStarted = true;
     if (afClose) {
         CloseStartTag();
@@ -149,12 +171,7 @@ void vxXMLBuilder::AddStartTag(const char* aName, bool afClose) {
 }
 
 void vxXMLBuilder::AddEndTag(const char* aName) {
-    if (mfTagStarted) {
-        mBuffer.Append("/>", 2);
-        mfTagStarted = false;
-    } else {
-        AddClosing(aName);
-    }
+    AddEnd(vxText(aName), strlen(vxText(aName)));
 }
 
 void vxXMLBuilder::CloseStartTag() {
@@ -166,8 +183,10 @@ void vxXMLBuilder::CloseStartTag() {
 
 void vxXMLBuilder::AddTag(const char* aName, const char* aText, uint32_t aMaxLength,
                           bool afDoubleEscape) {
+    const char* theName = vxText(aName);
+    const size_t theLength = strlen(theName);
     CloseStartTag();
-    AddOpening(aName);
+    AddOpening(theName, theLength);
     const char* theText = vxText(aText);
     if (*theText == '\0') {
         mBuffer.Append("/>", 2);
@@ -175,7 +194,7 @@ void vxXMLBuilder::AddTag(const char* aName, const char* aText, uint32_t aMaxLen
     }
     mBuffer.Append(">", 1);
     vxEscape(mBuffer, theText, strlen(theText), aMaxLength, afDoubleEscape);
-    AddClosing(aName);
+    AddClosing(theName, theLength);
 }
 
 void vxXMLBuilder::AddUInt32Tag(const char* aName, uint32_t aValue) {
@@ -183,18 +202,20 @@ void vxXMLBuilder::AddUInt32Tag(const char* aName, uint32_t aValue) {
 }
 
 void vxXMLBuilder::AddRawTag(const char* aName, const void* aData, uint32_t aSize) {
+    const char* theName = vxText(aName);
+    const size_t theLength = strlen(theName);
     CloseStartTag();
-    AddOpening(aName);
+    AddOpening(theName, theLength);
     mBuffer.Append(">", 1);
     if (aData != NULL) {
         mBuffer.Append(static_cast<const char*>(aData), aSize);
     }
-    AddClosing(aName);
+    AddClosing(theName, theLength);
 }
 
 void vxXMLBuilder::AddEmptyTag(const char* aName) {
     CloseStartTag();
-    AddOpening(aName);
+    AddOpening(vxText(aName), strlen(vxText(aName)));
     mBuffer.Append("/>", 2);
 }
 

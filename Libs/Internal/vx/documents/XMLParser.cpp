@@ -82,8 +82,7 @@ bool vxEndsPlainText(char aChar) {
 const char* vxEndOfPlainText(const char* aText, const char* anEnd) {
     while (anEnd - aText >= static_cast<ptrdiff_t>(sizeof(vxBytes))) {
         const vxBytes theBytes = vxLoadBytes(aText);
-        if (vxHasByte(theBytes, '<') || vxHasByte(theBytes, '&') || vxHasByte(theBytes, '>') ||
-            vxHasByte(theBytes, '\r')) {
+        if (vxHasAnyOf(theBytes, '<', '&', '>', '\r')) {
             break;
         }
         aText += sizeof(theBytes);
@@ -412,7 +411,7 @@ bool vxXMLReader::CheckCharacters() {
         const ptrdiff_t theCount = std::min<ptrdiff_t>(mEnd - i, sizeof(vxBytes));
         if (theCount == sizeof(vxBytes)) {
             const vxBytes theBytes = vxLoadBytes(i);
-            if (!vxHasControlButLineFeed(theBytes) && !vxHasByte(theBytes, 0xEF)) {
+            if (!vxHasControlButLineFeed(theBytes) && !vxHasAnyOf(theBytes, 0xEF)) {
                 i += theCount;
                 continue;
             }

@@ -6,8 +6,6 @@
 #include "vx/CString.h"
 #include "vx/GrowingBuffer.h"
 
-struct vxArray;
-
 /// Writes XML text from front to back, without a tree.
 ///
 /// Text and attribute values are escaped by the five entities that XML has by name. Escaping twice is
@@ -92,10 +90,12 @@ public:
                       bool afDoubleEscape);
 
 private:
-    void AddOpening(const char* aName);
-    void AddClosing(const char* aName);
+    void AddOpening(const char* aName, size_t aLength);
+    void AddClosing(const char* aName, size_t aLength);
+    void AddEnd(const char* aName, size_t aLength);
 
     vxGrowingBuffer mBuffer;
-    vxArray* mTagArray;  // owned names of open elements, innermost last; null until StartTag()
-    bool mfTagStarted;   // a start tag waits for its '>'
+    vxGrowingBuffer*
+        mTagArray;      // owned: names of open elements, innermost last; null until StartTag()
+    bool mfTagStarted;  // a start tag waits for its '>'
 };
