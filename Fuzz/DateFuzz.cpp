@@ -30,6 +30,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aData, size_t aSize) {
     if (theHeaderDate.ParseRFC1123(theText)) {
         RoundTrip(theHeaderDate);
     }
+    vxDateTime theMediaDate;
+    if (theMediaDate.ParseDLNA(theText)) {
+        RoundTrip(theMediaDate);
+    }
     vxDateTime theTime;
     theTime.ParseISOTime(theText);
     return 0;

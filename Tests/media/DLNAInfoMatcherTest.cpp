@@ -4,7 +4,6 @@
 #include <atomic>
 #include <string>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -197,9 +196,9 @@ TEST(DLNAInfoMatcherTest, ThreadsAddAndFindAtTheSameTime) {
             theWrong += theFound != theExtension.c_str();
         }
     };
-    std::vector<std::thread> theThreads;
-    for (int i = 0; i < kThreads; ++i) {
-        theThreads.emplace_back(theBody);
+    std::thread theThreads[kThreads];
+    for (std::thread& theThread : theThreads) {
+        theThread = std::thread(theBody);
     }
     for (std::thread& theThread : theThreads) {
         theThread.join();
