@@ -401,11 +401,19 @@ TEST(FileCacheManagerTest, AFileDeletedByOthersIsCreatedAnew) {
 TEST(FileCacheManagerTest, AFileThatOthersReplaceByADirectoryCannotBeHad) {
     TempDir theDir;
     const Manager theManager = NewManager(theDir);
-    Produce(theManager, "a", 3);
-    std::filesystem::remove(theDir / "a");
-    theDir.MakeDir("a");
-    EXPECT_EQ(Open(theManager, "a"), nullptr);
-    EXPECT_EQ(Open(theManager, "a"), nullptr);
+    for (const bool theIsRemoved : {false, true}) {
+        SCOPED_TRACE(theIsRemoved);
+        Produce(theManager, "a", 3);
+        std::filesystem::remove(theDir / "a");
+        theDir.MakeDir("a");
+        if (theIsRemoved) {
+            EXPECT_TRUE(theManager->RemoveTempFile("a"));  // there is no such file
+        }
+        EXPECT_EQ(Open(theManager, "a"), nullptr);
+        EXPECT_EQ(Open(theManager, "a"), nullptr);
+        EXPECT_TRUE(theDir.Has("a"));
+        std::filesystem::remove(theDir / "a");
+    }
 }
 
 TEST(FileCacheManagerTest, AFileThatOthersPutThereIsUnknownUntilTheDirectoryIsReadAgain) {
