@@ -84,4 +84,7 @@ def main():
     os.environ.pop('VXCONFIGPATH', None)
     os.environ.update(XDG_CONFIG_HOME='/nonexistent', XDG_CONFIG_DIRS='/nonexistent',
                       VXPLUGINPATH=sys.argv[4])
-    unittest.main('__main__', argv=sys.argv[:1] + sys.argv[5:])
+    # Claims of directories leave files behind.
+    with tempfile.TemporaryDirectory(prefix='vxmedia-claims-') as claims:
+        os.environ['XDG_RUNTIME_DIR'] = claims
+        unittest.main('__main__', argv=sys.argv[:1] + sys.argv[5:])
