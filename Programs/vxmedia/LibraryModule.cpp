@@ -3,6 +3,9 @@
 
 #include "LibraryModule.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include "ItemFacts.h"
 #include "TerminalText.h"
 #include "TextTable.h"
@@ -52,7 +55,34 @@ struct FormatSums {
     }
 };
 
-vxCString FormatTable(const MediaLibrary& aLibrary) {
+// The formats of the program in their order, then those of plug-ins by name: of the plug-ins that are
+// loaded, and of those that have gone and left files.
+std::vector<const MediaFormat*> FormatRows(const std::map<const MediaFormat*, FormatSums>& aSums,
+                                           const MediaProbes& aProbes) {
+    std::vector<const MediaFormat*> theRows;
+    for (const MediaFormat* const* theRow = kMediaFormats; *theRow != nullptr; ++theRow) {
+        theRows.push_back(*theRow);
+    }
+    const size_t theOwnCount = theRows.size();
+    const auto theAdd = [&theRows](const MediaFormat* aFormat) {
+        if (std::find(theRows.begin(), theRows.end(), aFormat) == theRows.end()) {
+            theRows.push_back(aFormat);
+        }
+    };
+    for (const MediaProbe& theProbe : aProbes.GetProbes()) {
+        theAdd(theProbe.mFormat);
+    }
+    for (const auto& theSum : aSums) {
+        theAdd(theSum.first);
+    }
+    std::sort(theRows.begin() + static_cast<std::ptrdiff_t>(theOwnCount), theRows.end(),
+              [](const MediaFormat* aLeft, const MediaFormat* aRight) {
+                  return strcmp(aLeft->mName, aRight->mName) < 0;
+              });
+    return theRows;
+}
+
+vxCString FormatTable(const MediaLibrary& aLibrary, const MediaProbes& aProbes) {
     TextTable theTable("lrrr");
     FormatSums theTotal;
     theTable.AddRow({"FORMAT", "FILES", "BYTES", "SECONDS"});
@@ -61,8 +91,9 @@ vxCString FormatTable(const MediaLibrary& aLibrary) {
         theSums[&theEntry.second->GetFormat()].Add(*theEntry.second.Get());
         theTotal.Add(*theEntry.second.Get());
     }
-    for (const MediaFormat* const* theRow = kMediaFormats; *theRow != nullptr; ++theRow) {
-        theSums[*theRow].AddRowTo(theTable, (*theRow)->mName);
+    for (const MediaFormat* theFormat : FormatRows(theSums, aProbes)) {
+        theSums[theFormat].AddRowTo(theTable,
+                                    EscapeForTerminal(theFormat->mName, EscapeMode::Text));
     }
     theTotal.AddRowTo(theTable, "total");
     return theTable.GetText();
@@ -90,10 +121,11 @@ vxCString ReasonTable(const MediaLibrary& aLibrary) {
 }  // namespace
 
 LibraryModule::LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet,
-                             const Settings& aSettings)
+                             const MediaProbes& aProbes, const Settings& aSettings)
     : CommandModule("library,lib", aConsole),
       mLibrary(aLibrary),
       mScanApplet(aScanApplet),
+      mProbes(aProbes),
       mSettings(aSettings) {
     Declare("scan", "path:...", "read the media files of a directory and below");
     Declare("list", "(limit:ui32[1,100000])", "list media files by path");
@@ -136,7 +168,8 @@ void LibraryModule::List(uint32_t aLimit) {
         ++theCount;
         const MediaItem& theItem = *theEntry.second.Get();
         const MediaFacts& theFacts = theItem.GetFacts();
-        theTable.AddRow({NumberText(theItem.GetID()), theItem.GetFormat().mName,
+        theTable.AddRow({NumberText(theItem.GetID()),
+                         EscapeForTerminal(theItem.GetFormat().mName, EscapeMode::Text),
                          NumberText(theItem.GetSize()), PictureText(theFacts),
                          ChannelsText(theFacts), RateText(theFacts), PlayingTimeText(theFacts),
                          PathText(theItem)});
@@ -160,7 +193,7 @@ bool LibraryModule::Show(uint32_t anID) {
 }
 
 void LibraryModule::ShowStats() {
-    mConsole.Print(FormatTable(mLibrary) + OthersTable(mLibrary) + ReasonTable(mLibrary));
+    mConsole.Print(FormatTable(mLibrary, mProbes) + OthersTable(mLibrary) + ReasonTable(mLibrary));
 }
 
 }  // namespace vxmedia

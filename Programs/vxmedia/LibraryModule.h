@@ -11,7 +11,7 @@ namespace vxmedia {
 class LibraryModule : public CommandModule {
 public:
     LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet,
-                  const Settings& aSettings);
+                  const MediaProbes& aProbes, const Settings& aSettings);
 
     bool HandleCLICommand(const vxRef<vxCLICommand>& aCommand) override;
 
@@ -23,6 +23,7 @@ private:
 
     MediaLibrary& mLibrary;
     ScanApplet& mScanApplet;
+    const MediaProbes& mProbes;
     const Settings& mSettings;
 };
 

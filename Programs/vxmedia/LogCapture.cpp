@@ -23,8 +23,18 @@ LogCapture::~LogCapture() {
     tCapture = nullptr;
 }
 
+std::vector<vxCString> LogCapture::GetErrors() const {
+    std::vector<vxCString> theErrors;
+    for (const Record& theRecord : mRecords) {
+        if (theRecord.mLevel <= VXLOGLEVEL_ERROR) {
+            theErrors.push_back(vxCString("ERROR: ") + theRecord.mText);
+        }
+    }
+    return theErrors;
+}
+
 vxCString LogCapture::GetError(const vxCString& aDefault) const {
-    return mTexts.empty() ? aDefault : vxCString("ERROR: ") + mTexts.front();
+    return mRecords.empty() ? aDefault : vxCString("ERROR: ") + mRecords.front().mText;
 }
 
 void LogCapture::Receive(void*, int aLevel, vxLogModule aModule, const char* aFile, int aLine,
@@ -32,7 +42,7 @@ void LogCapture::Receive(void*, int aLevel, vxLogModule aModule, const char* aFi
     if (tCapture != nullptr && aLevel <= tCapture->mLevel) {
         vxCString theText = aText;
         theText.Trim(true);
-        tCapture->mTexts.push_back(theText);
+        tCapture->mRecords.push_back({aLevel, theText});
         return;
     }
     // A report from inside a handler goes to where records go without one.

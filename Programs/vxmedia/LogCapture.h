@@ -21,18 +21,25 @@ public:
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    /// Returns the texts of the records, without their line ends.
-    const std::vector<vxCString>& GetTexts() const { return mTexts; }
+    bool IsEmpty() const { return mRecords.empty(); }
 
-    /// Returns the first text behind "ERROR: ", or `aDefault` when there is none.
+    /// Returns the texts of the errors, each behind "ERROR: " and without its line end.
+    std::vector<vxCString> GetErrors() const;
+
+    /// Returns the first text of any level behind "ERROR: ", or `aDefault` when there is none.
     vxCString GetError(const vxCString& aDefault) const;
 
 private:
     static void Receive(void* aContext, int aLevel, vxLogModule aModule, const char* aFile,
                         int aLine, const char* aText);
 
+    struct Record {
+        int mLevel;
+        vxCString mText;  // without its line end
+    };
+
     const int mLevel;
-    std::vector<vxCString> mTexts;
+    std::vector<Record> mRecords;
 };
 
 }  // namespace vxmedia

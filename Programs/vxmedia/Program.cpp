@@ -7,6 +7,7 @@
 #include "TimerModule.h"
 #include "config/ConfigModule.h"
 #include "export/ExportModule.h"
+#include "probes/PluginModule.h"
 
 namespace vxmedia {
 
@@ -21,7 +22,7 @@ Program::Program(const ProgramOptions& anOptions, Settings& aSettings)
       mSettings(aSettings),
       mConsole(!anOptions.mfHasLines && isatty(STDIN_FILENO) != 0),
       mInterpreter(mConsole),
-      mScanApplet(mLibrary, mConsole, mActivity),
+      mScanApplet(mLibrary, mProbes, mConsole, mActivity),
       mTimerApplet(mActivity),
       mConsoleApplet(mConsole, mInterpreter, mScanApplet) {
     AddModules();
@@ -31,11 +32,12 @@ Program::Program(const ProgramOptions& anOptions, Settings& aSettings)
 }
 
 void Program::AddModules() {
-    mInterpreter.AddModule(new LibraryModule(mConsole, mLibrary, mScanApplet, mSettings));
+    mInterpreter.AddModule(new LibraryModule(mConsole, mLibrary, mScanApplet, mProbes, mSettings));
     mInterpreter.AddModule(new TimerModule(mConsole, mTimerApplet));
     mInterpreter.AddModule(new SysModule(mConsole, mLibrary, mActivity));
     mInterpreter.AddModule(new ConfigModule(mConsole, mSettings));
     mInterpreter.AddModule(new ExportModule(mConsole, mLibrary, mSettings));
+    mInterpreter.AddModule(new PluginModule(mConsole, mProbes, mScanApplet));
     mInterpreter.SetExitCallback([this] { RequestExit(); });
 }
 
@@ -61,6 +63,7 @@ void Program::TakeSettings() {
     theOptions.mExpectedEndings = NameEndings(mSettings.GetList("expect"));
     theOptions.mShownRefusals = mSettings.GetNumber("refusals");
     mScanApplet.SetOptions(theOptions);
+    mProbes.SetDirectory(mSettings.GetDirectory("plugin-path"));
 }
 
 void Program::NoteFailure(const vxCString& anError) {
@@ -85,6 +88,7 @@ void Program::Start() {
         mConsole.PrintLine("vxmedia " VXMEDIA_VERSION
                            ", the media library console. Type 'help' for the modules.");
     }
+    LoadPlugins();
     for (const vxCString& theDirectory : mOptions.mDirectories) {
         const vxCString theError = mScanApplet.Scan(theDirectory, mOptions.mfQuiet);
         if (!theError.IsEmpty()) {
@@ -96,6 +100,16 @@ void Program::Start() {
         mConsoleApplet.EndLines();
     }
     mConsoleApplet.AppletWakeUp();
+}
+
+void Program::LoadPlugins() {
+    const vxCString thePattern = mSettings.GetText("plugins");
+    if (thePattern.IsEmpty()) {
+        return;
+    }
+    for (const vxCString& theError : mProbes.Load(thePattern)) {
+        NoteFailure(theError);
+    }
 }
 
 void Program::RequestExit() {

@@ -10,6 +10,7 @@
 #include "ScanApplet.h"
 #include "TimerApplet.h"
 #include "config/Settings.h"
+#include "probes/MediaProbes.h"
 #include "vx/ActivityManager.h"
 #include "vx/Applet.h"
 #include "vx/Select.h"
@@ -56,6 +57,7 @@ private:
     void TakeSettings();
     void AddApplets();
     void Start();
+    void LoadPlugins();
     void RequestExit();
 
     const ProgramOptions mOptions;
@@ -63,6 +65,7 @@ private:
     vxSelect mSelect;  // above the applets: their ends may still signal
     bool mfExit = false;
     vxActivityManager mActivity;
+    MediaProbes mProbes;  // above the library: formats of its files lie there
     MediaLibrary mLibrary;
     Console mConsole;
     Interpreter mInterpreter;

@@ -195,7 +195,7 @@ void ScanApplet::LookAtFile(const vxCString& aPath, uint64_t aSize) {
         return;
     }
     FileSource theSource(aPath, aSize);
-    const MediaReading theReading = ReadMedia(theSource, aPath);
+    const MediaReading theReading = mProbes.Read(theSource, aPath);
     if (theReading.IsMedia()) {
         mLibrary.AddItem(aPath, aSize, theReading);
         mMediaCount += 1;

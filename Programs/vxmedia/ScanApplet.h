@@ -8,6 +8,7 @@
 #include "Console.h"
 #include "MediaLibrary.h"
 #include "ScanOptions.h"
+#include "probes/MediaProbes.h"
 #include "vx/ActivityManager.h"
 #include "vx/Applet.h"
 
@@ -25,8 +26,9 @@ public:
     /// Activity is counted under this name while a scan goes on.
     static constexpr const char* kActivity = "library";
 
-    ScanApplet(MediaLibrary& aLibrary, Console& aConsole, vxActivityManager& anActivity)
-        : mLibrary(aLibrary), mConsole(aConsole), mActivity(anActivity) {}
+    ScanApplet(MediaLibrary& aLibrary, MediaProbes& aProbes, Console& aConsole,
+               vxActivityManager& anActivity)
+        : mLibrary(aLibrary), mProbes(aProbes), mConsole(aConsole), mActivity(anActivity) {}
 
     /// Calls `aCallback` at the end of the last scan.
     void SetDoneCallback(std::function<void()> aCallback) { mDone = std::move(aCallback); }
@@ -66,6 +68,7 @@ private:
     vxCString GetReport() const;
 
     MediaLibrary& mLibrary;
+    MediaProbes& mProbes;
     Console& mConsole;
     vxActivityManager& mActivity;
     std::function<void()> mDone;

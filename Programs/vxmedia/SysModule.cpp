@@ -2,6 +2,7 @@
 
 #include <libteskTools/JSON.h>
 
+#include "BenchJobs.h"
 #include "ScanApplet.h"
 #include "TerminalText.h"
 #include "TimerApplet.h"
@@ -51,6 +52,7 @@ SysModule::SysModule(Console& aConsole, const MediaLibrary& aLibrary,
     Declare("idle", "", "show what is active, and for how long nothing was");
     Declare("watch", "id:ui32[1,4294967295]", "log the references to one media file");
     Declare("bits", "data:base64", "show the bits of bytes that are given as base64");
+    Declare("bench", "name:str", "measure how long a built-in job takes");
     Declare("json", "path:str text:...", "fetch a value by its path from a JSON text");
 }
 
@@ -63,6 +65,9 @@ bool SysModule::HandleCLICommand(const vxRef<vxCLICommand>& aCommand) {
     }
     if (aCommand->CommandIs("json")) {
         return ShowJSON(aCommand->Parameter(0)->GetString(), aCommand->Parameter(1)->GetString());
+    }
+    if (aCommand->CommandIs("bench")) {
+        return Bench(aCommand->Parameter(0)->GetString());
     }
     if (aCommand->CommandIs("idle")) {
         ShowIdle();
@@ -116,6 +121,12 @@ bool SysModule::ShowBits(const vxRef<vxCountedDataBuffer>& aTyped) {
     mConsole.PrintLine(vxCString::Format("%lu bytes", static_cast<unsigned long>(theSize)));
     mConsole.Print(vxCString::FromAllocatedString(theText.TakeOwnership(false, NULL)));
     return true;
+}
+
+// The measurement writes to the console by itself.
+bool SysModule::Bench(const vxCString& aName) {
+    mConsole.Finish();
+    return Answer(RunBenchJob(aName));
 }
 
 bool SysModule::ShowJSON(const vxCString& aPath, const vxCString& aText) {

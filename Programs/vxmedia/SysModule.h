@@ -7,7 +7,7 @@
 
 namespace vxmedia {
 
-/// The commands of the module "sys": version, idle, watch, bits, json.
+/// The commands of the module "sys": version, idle, watch, bits, json, bench.
 class SysModule : public CommandModule {
 public:
     SysModule(Console& aConsole, const MediaLibrary& aLibrary, const vxActivityManager& anActivity);
@@ -19,6 +19,7 @@ private:
     void ShowIdle();
     bool Watch(uint32_t anID);
     bool ShowBits(const vxRef<vxCountedDataBuffer>& aTyped);
+    bool Bench(const vxCString& aName);
     bool ShowJSON(const vxCString& aPath, const vxCString& aText);
 
     const MediaLibrary& mLibrary;

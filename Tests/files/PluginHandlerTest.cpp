@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <libvxLog/Log.h>
+#include <link.h>
+#include <sys/stat.h>
 
 #include "PluginSupport.h"
 
@@ -237,6 +239,28 @@ TEST_F(PluginHandlerTest, TheDestructorOfAHandlerWithNothingLoadedOnlyLogs) {
     { vxPluginHandler theHandler(kProbeNames, 3); }
     EXPECT_THAT(theReports.Records(),
                 ElementsAre(IsRecord(VXLOGLEVEL_DEBUG, "Deleting plugin ''\n")));
+}
+
+TEST_F(PluginHandlerTest, AFileThatIsCutShortOrNoFileNeverReachesTheLoader) {
+    std::ifstream theFile(VXTEST_COMPLETE, std::ios::binary);
+    const std::string theLibrary{std::istreambuf_iterator<char>(theFile), {}};
+    for (const size_t theSize : {sizeof(ElfW(Ehdr)), size_t(300), size_t(4096), size_t(4097)}) {
+        SCOPED_TRACE(theSize);
+        const std::string thePath = mDir.Write("Cut.so", theLibrary.substr(0, theSize));
+        Reports theReports;
+        EXPECT_EQ(vxPlugin_Load(thePath.c_str()), nullptr);
+        EXPECT_THAT(theReports.Records(),
+                    ElementsAre(IsRecord(VXLOGLEVEL_ERROR, thePath + ": it is cut short\n")));
+    }
+    for (const std::string& thePath : {mDir / "pipe", mDir / "folder"}) {
+        SCOPED_TRACE(thePath);
+        mkfifo((mDir / "pipe").c_str(), 0600);
+        mkdir((mDir / "folder").c_str(), 0700);
+        Reports theReports;
+        EXPECT_EQ(vxPlugin_Load(thePath.c_str()), nullptr);
+        EXPECT_THAT(theReports.Records(),
+                    ElementsAre(IsRecord(VXLOGLEVEL_ERROR, thePath + ": it is no regular file\n")));
+    }
 }
 
 TEST_F(PluginHandlerTest, ANullHandleOrNameHasNoSymbol) {

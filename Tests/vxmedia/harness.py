@@ -1,7 +1,8 @@
 """What the tests of the program vxmedia share: how they start it, and a folder for each test.
 
-Every test file is started as: FILE PROGRAM SAMPLES README PLUGINS [unittest arguments]. PROGRAM may hold
-a program to run it with, separated by `;`; PLUGINS is the folder of the plug-ins that were built with it.
+Every test file is started as: FILE PROGRAM SAMPLES README PLUGINS BAD_PLUGINS [unittest arguments].
+PROGRAM may hold a program to run it with, separated by `;`; PLUGINS is the folder of the plug-ins that
+were built with it, BAD_PLUGINS that of others, which are built for the tests.
 """
 import contextlib
 import os
@@ -12,7 +13,7 @@ import tempfile
 import unittest
 
 PROGRAM = []
-PATHS = {}  # samples, readme, plugins
+PATHS = {}  # samples, readme, plugins, bad_plugins
 
 BANNER = "vxmedia 1.0.0, the media library console. Type 'help' for the modules.\n"
 DEEP = 1000000  # levels of nesting
@@ -79,7 +80,8 @@ class Scratch(unittest.TestCase):
 def main():
     """Takes the arguments of the test file and runs its tests."""
     PROGRAM[:] = [word for word in sys.argv[1].split(';') if word]
-    PATHS.update(samples=sys.argv[2], readme=sys.argv[3], plugins=sys.argv[4])
+    PATHS.update(samples=sys.argv[2], readme=sys.argv[3], plugins=sys.argv[4],
+                 bad_plugins=sys.argv[5])
     # Configurations and plug-ins of the machine's own are none of the tests' business.
     os.environ.pop('VXCONFIGPATH', None)
     os.environ.update(XDG_CONFIG_HOME='/nonexistent', XDG_CONFIG_DIRS='/nonexistent',
@@ -87,4 +89,4 @@ def main():
     # Claims of directories leave files behind.
     with tempfile.TemporaryDirectory(prefix='vxmedia-claims-') as claims:
         os.environ['XDG_RUNTIME_DIR'] = claims
-        unittest.main('__main__', argv=sys.argv[:1] + sys.argv[5:])
+        unittest.main('__main__', argv=sys.argv[:1] + sys.argv[6:])

@@ -89,14 +89,21 @@ class Samples(Scratch):
                 check_with_soxi(self, file, form, channels, rate, seconds)
 
     def test_the_readme_tells_the_truth(self):
+        os.symlink(PATHS['plugins'], self.path(b'plugins'))
         with open(PATHS['readme'], encoding='utf-8') as file:
-            sessions = re.findall(r'```console\n(.*?)```', file.read(), re.S)
-        self.assertGreaterEqual(len(sessions), 1)
-        for session in sessions:
+            sessions = re.findall(r'^`vxmedia ([^`]*)`[^`]*```console\n(.*?)```', file.read(), re.S | re.M)
+        self.assertEqual([arguments for arguments, _ in sessions], ['samples', '-cconf samples'])
+        for arguments, session in sessions:
             lines = re.findall(r'^vxmedia> (.*)$', session, re.M)
             answers = re.sub(r'^vxmedia> .*\n', '', session, flags=re.M)
-            status, output = run(['samples'], '\n'.join(lines) + '\n', self.folder)
-            self.assertEqual(output, answers)
+            status, output = run(arguments.split(), '\n'.join(lines) + '\n', self.folder,
+                                 env={**os.environ, 'VXPLUGINPATH': 'plugins'})
+            self.assertEqual((status, without_times(output)), (0, without_times(answers)))
+
+
+def without_times(text):
+    """Returns answers without what differs from run to run."""
+    return re.sub(r'^Duration: \d+\.\d{3} ', 'Duration: - ', text, flags=re.M)
 
 
 def tool(name, *arguments):
@@ -239,7 +246,7 @@ class Commands(Scratch):
 
     def test_help_lists_modules_and_commands(self):
         self.assertEqual(ask('help\n'), 'Available modules:\n    !\n    library,lib\n    timer\n    sys\n'
-                         '    config\n    export,ex\n')
+                         '    config\n    export,ex\n    plugin\n')
         self.assertEqual(ask('help lib\n'), HELP_LIB)
         self.assertEqual(ask('help library\n'), HELP_LIB.replace('    lib ', '    library '))
         self.assertEqual(ask('help timer\n'), HELP_TIMER)
@@ -303,6 +310,24 @@ class Commands(Scratch):
         self.assertEqual(ask('sys json a {"a":}\n'), 'ERROR: The text is not JSON at byte 6\n')
         self.assertEqual(ask('sys json a\n'), 'ERROR: The text is not JSON at byte 1\n')
         self.assertEqual(ask('sys json $ {"b":[]}\n').split(), ['{', '"b":', '[]', '}'])
+
+    def test_bench_measures_its_jobs(self):
+        for i, name in enumerate(('json', 'mpack', 'strings', 'xml')):
+            output = ask('sys bench %s\nsys version' % name, self.folder)
+            self.assertRegex(output, r'\A%s: .*\nDuration: \d+\.\d{3} seconds\n\nvxmedia 1\.0\.0\n\Z' % name)
+            with open(self.path(b'vxmedia-bench.txt'), encoding='utf-8') as file:
+                self.assertEqual(file.read().count('Duration: '), i + 1)
+        self.assertEqual(ask('sys bench none'),
+                         "ERROR: There is no job 'none'; there are json, mpack, strings, xml\n")
+
+    def test_records_of_measurements_lie_beside_the_configuration(self):
+        status, output = run(['-q', '-cconf', '-esys bench strings'], cwd=self.folder)
+        self.assertEqual(status, 0)
+        with open(self.path(b'conf/vxmedia-bench.txt'), encoding='utf-8') as file:
+            self.assertEqual(file.read(), output)
+        os.remove(self.path(b'conf/vxmedia-bench.txt'))
+        os.mkdir(self.path(b'conf/vxmedia-bench.txt'))
+        self.assertEqual(run(['-q', '-cconf', '-esys bench strings'], cwd=self.folder)[0], 0)
 
     def test_idle_tells_what_is_active(self):
         self.assertEqual(ask('sys idle\n'), 'library  idle\ntimer    idle\nidle for 0 s\n')
@@ -797,6 +822,7 @@ WAV         7  135860    2.600
 FLAC        3  112668    3.700
 Ogg         4   35611    5.700
 MP3         4   44619    6.725
+QOI         0       0        -
 total      30  333284   18.725
 4  directories
 0  other files
@@ -813,6 +839,7 @@ WAV         0      0        -
 FLAC        0      0        -
 Ogg         0      0        -
 MP3         0      0        -
+QOI         0      0        -
 total       0      0        -
 0  directories
 0  other files
@@ -858,6 +885,7 @@ HELP_TIMER = """\
     timer list : list the timers that wait
 """
 HELP_SYS = """\
+    sys bench name : measure how long a built-in job takes
     sys bits data : show the bits of bytes that are given as base64
     sys idle : show what is active, and for how long nothing was
     sys json path text : fetch a value by its path from a JSON text
@@ -878,6 +906,7 @@ WAV         0      0        -
 FLAC        0      0        -
 Ogg         0      0        -
 MP3         0      0        -
+QOI         0      0        -
 total       1     13        -
 1  directories
 1  other files

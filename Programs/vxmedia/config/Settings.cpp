@@ -34,7 +34,7 @@ vxCString Settings::Open(const vxCString* aDirectory) {
     const ConfigPlace thePlace = FindConfigPlace();
     const LogCapture theCapture(VXLOGLEVEL_WARNING);
     mManager = new vxConfigManager(kBootstrapFileName);
-    if (theError.IsEmpty() && thePlace.mfExists && theCapture.GetTexts().empty()) {
+    if (theError.IsEmpty() && thePlace.mfExists && theCapture.IsEmpty()) {
         mConfig = mManager->GetConfig(kConfigFileName);
     }
     if (mConfig.IsNull()) {

@@ -14,8 +14,9 @@ typedef void (*vxPluginFunc_Generic)(void);
 ///
 /// `aPath` should hold a '/': a bare name is looked up on the loader's own search path.
 ///
-/// Fails:    null, also for a null or empty path; the loader's own text is logged at error level in
-///           VXLOG_M_PLUGIN.
+/// Fails:    null, also for a null or empty path, for what is no regular file and for a file that was
+///           cut short; why, in the loader's own words where it was asked, is logged at error level
+///           in VXLOG_M_PLUGIN.
 /// Owner:    the caller, who unloads it with vxPlugin_Unload().
 /// Threads:  any.
 VX_API vxOSPluginHandle vxPlugin_Load(const char* aPath);
