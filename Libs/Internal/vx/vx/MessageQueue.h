@@ -11,6 +11,7 @@
 /// A message: a code and two parameters, whose meaning its sender and reader agree on.
 struct vxMessage {
     vxMessage() : mNext(NULL), mMessage(0), mParam1(NULL), mParam2(NULL) {}
+    /// A message in no queue.
     vxMessage(int aMessage, void* aParam1, void* aParam2)
         : mNext(NULL), mMessage(aMessage), mParam1(aParam1), mParam2(aParam2) {}
 

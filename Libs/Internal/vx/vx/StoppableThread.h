@@ -161,7 +161,9 @@ private:
     const int mThreadKind;  // vxThread_Kind_*
 
 protected:
-    std::atomic<int> mThreadState;  // kvxThreadState_*, rises only
+    /// The kvxThreadState_*, which only rises. A body writes ReadyToUse; everything else is written
+    /// by the class itself.
+    std::atomic<int> mThreadState;
 
 private:
     char* mThreadName;                       // owned
