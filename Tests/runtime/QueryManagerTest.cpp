@@ -1077,6 +1077,30 @@ TEST(QueryManagerThreadTest, StoppedManagerEndsAnAddedQueryWithoutLock) {
     EXPECT_EQ(theQuery.mDone, 1);
 }
 
+TEST(QueryManagerThreadTest, StoppedManagerHandsOutNothingEvenBeforeItsListIsCleared) {
+    vxtest::Reports theReports;
+    vxLog_SetLevel(VXLOG_M_QUERY, VXLOGLEVEL_NONE);
+    Query theQuery;
+    Query theProbe;
+    vxQueryManager theManager;
+    theManager.AddQuery(&theQuery);
+    theManager.LockQueries();
+    std::thread theStopper([&] { theManager.Stop(); });  // clears the list once the lock is free
+    vxQuery* theHandedOut = &theProbe;
+    while (theHandedOut == &theProbe) {
+        std::this_thread::yield();
+        theManager.PushBackQuery(&theProbe);
+        theHandedOut = theManager.GetQuery();
+    }
+    EXPECT_EQ(theHandedOut, nullptr);
+    EXPECT_EQ(theManager.FindQuery([](vxQuery* aQuery, void* aWanted) { return aQuery == aWanted; },
+                                   &theQuery),
+              &theQuery);
+    theManager.UnlockQueries();
+    theStopper.join();
+    EXPECT_EQ(theQuery.mDone, 1);
+}
+
 TEST(QueryManagerThreadTest, DelayEndsOnTheRealClock) {
     Query theQuery;
     vxQueryManager theManager;
