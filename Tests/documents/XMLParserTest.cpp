@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "support/TempDir.h"
+
 namespace {
 
 /// Returns what the writer makes of a text, or the error.
@@ -328,11 +330,8 @@ TEST(XMLParserTest, EveryTruncationIsRefused) {
 }
 
 TEST(XMLParserTest, FilesAreReadOrRefusedWithTheirOwnError) {
-    const std::string thePath = testing::TempDir() + "vx-xml-parser-test.xml";
-    vxFile theFile;
-    ASSERT_TRUE(theFile.Create(thePath.c_str(), true, vxFileAccessMode_ReadWrite));
-    theFile.Write("<a>x</a>", 8);
-    theFile.Close();
+    const vxtest::TempDir theDir;
+    const std::string thePath = theDir.Write("file.xml", "<a>x</a>");
     vxXMLDocument theDocument;
     vxError theError;
     EXPECT_TRUE(

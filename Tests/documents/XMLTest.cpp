@@ -9,6 +9,7 @@
 #include <pthread.h>
 
 #include "support/Reports.h"
+#include "support/TempDir.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -432,7 +433,8 @@ TEST(XMLTest, DocumentsAreCopiedWhole) {
 TEST(XMLTest, DocumentsAreSavedIntoFiles) {
     vxXMLDocument theDocument;
     theDocument.SetRoot(MakeTree());
-    const std::string thePath = testing::TempDir() + "vx-xml-test.xml";
+    const vxtest::TempDir theDir;
+    const std::string thePath = theDir / "file.xml";
     EXPECT_TRUE(theDocument.Save(vxCString(thePath.c_str()), true));
     EXPECT_TRUE(theDocument.Save(vxCString(thePath.c_str()), false));
     const auto theSaved = [&thePath] {
@@ -449,7 +451,6 @@ TEST(XMLTest, DocumentsAreSavedIntoFiles) {
     EXPECT_EQ(theSaved(), std::string(kTree) + kTree);
     vxFile theReader(thePath.c_str(), vxFileOpenMode_Read);
     EXPECT_FALSE(theDocument.Save(&theReader, false));
-    vxFile::Remove(thePath.c_str());
 }
 
 TEST(XMLTest, AFullMediumFailsTheSave) {

@@ -4,11 +4,12 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <random>
 #include <string>
 
+#include "support/Environment.h"
 #include "support/ScriptedMemory.h"
+#include "support/TempDir.h"
 
 namespace {
 
@@ -61,16 +62,15 @@ std::string RandomBytes(std::mt19937& aRandom, size_t aSize) {
 
 // What coreutils' base64 makes of the bytes, with options, through a file.
 std::string Coreutils(const std::string& aBytes, const std::string& anOptions) {
-    const std::string theName = testing::TempDir() + "/Base64Test.bytes";
-    std::ofstream(theName, std::ios::binary) << aBytes;
-    FILE* thePipe = popen(("base64 " + anOptions + " " + theName).c_str(), "r");
+    const vxtest::TempDir theDir;
+    const vxtest::Environment theName("VXTESTFILE", theDir.Write("bytes", aBytes).c_str());
+    FILE* thePipe = popen(("base64 " + anOptions + " \"$VXTESTFILE\"").c_str(), "r");
     std::string theResult;
     char theBlock[4096];
     for (size_t theRead; (theRead = fread(theBlock, 1, sizeof(theBlock), thePipe)) > 0;) {
         theResult.append(theBlock, theRead);
     }
     EXPECT_EQ(pclose(thePipe), 0);
-    remove(theName.c_str());
     return theResult;
 }
 

@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 #include "support/Reports.h"
+#include "support/TempDir.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -27,14 +28,10 @@ namespace {
 std::vector<std::string> sSyslog;  // "priority text", in order
 std::string sSyslogName;
 
-// A file of the test's own, removed with its predecessor when the test ends.
+// A file of the test's own, in a directory that goes when the test ends.
 class LogFile {
 public:
-    LogFile() : mPath("/tmp/vx-log-test-" + std::to_string(getpid())) { Remove(); }
-    ~LogFile() {
-        vxLog_SetFile(nullptr, 0);
-        Remove();
-    }
+    ~LogFile() { vxLog_SetFile(nullptr, 0); }
 
     const char* Path() const { return mPath.c_str(); }
     std::string Text() const { return Read(mPath); }
@@ -47,13 +44,8 @@ private:
         return theText.str();
     }
 
-    void Remove() const {
-        unlink(mPath.c_str());
-        unlink((mPath + ".1").c_str());
-        rmdir((mPath + ".1").c_str());
-    }
-
-    std::string mPath;
+    const vxtest::TempDir mDir;
+    const std::string mPath = mDir / "log";
 };
 
 // While it lives, no file can be opened.

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <string>
 
+#include "support/Environment.h"
 #include "support/ScriptedIO.h"
 #include "support/TempDir.h"
 
@@ -482,7 +483,8 @@ TEST(OSFileTest, TimesOutOfRangeAreInvalidOrRefused) {
         const vxtimeval theTime = {5, theMicroseconds};
         EXPECT_EQ(vxFile_SetModificationTime(theFile.c_str(), &theTime), kvxFileErrorUnknown);
     }
-    ASSERT_EQ(system(("touch -d @2147483648 " + theFile).c_str()), 0);
+    const vxtest::Environment theName("VXTESTFILE", theFile.c_str());
+    ASSERT_EQ(system("touch -d @2147483648 \"$VXTESTFILE\""), 0);
     vxtimeval theModification;
     EXPECT_EQ(vxFile_GetTimes(theFile.c_str(), nullptr, nullptr, &theModification), 0);
     EXPECT_EQ(theModification.tv_sec, -1);

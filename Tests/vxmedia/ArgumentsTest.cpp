@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <fstream>
 
 #include "support/Reports.h"
+#include "support/TempDir.h"
 
 using namespace vxmedia;
 
@@ -56,12 +56,11 @@ TEST(ArgumentsTest, NothingIsNeeded) {
 }
 
 TEST(ArgumentsTest, AScriptComesBeforeTheCommands) {
-    const std::string thePath = testing::TempDir() + "vxmedia-arguments-test";
-    std::ofstream(thePath) << "sys version\nlib stats";
+    const vxtest::TempDir theDir;
+    const std::string thePath = theDir.Write("script", "sys version\nlib stats");
     ProgramOptions theOptions;
     EXPECT_EQ(Read({"-e", "exit", "-s", thePath}, theOptions), ArgumentResult::Run);
     EXPECT_EQ(theOptions.mLines, "sys version\nlib stats\nexit\n");
-    remove(thePath.c_str());
 }
 
 TEST(ArgumentsTest, HelpAndMistakesEndTheProgram) {

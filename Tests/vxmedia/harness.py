@@ -82,8 +82,9 @@ def main():
     PROGRAM[:] = [word for word in sys.argv[1].split(';') if word]
     PATHS.update(samples=sys.argv[2], readme=sys.argv[3], plugins=sys.argv[4],
                  bad_plugins=sys.argv[5])
-    # Configurations and plug-ins of the machine's own are none of the tests' business.
-    os.environ.pop('VXCONFIGPATH', None)
+    # What the machine's own environment says is none of the tests' business.
+    for name in ('VXCONFIGPATH', 'VXBRANDID', 'VXLOG', 'VXLOGFILE', 'VXASSERT'):
+        os.environ.pop(name, None)
     os.environ.update(XDG_CONFIG_HOME='/nonexistent', XDG_CONFIG_DIRS='/nonexistent',
                       VXPLUGINPATH=sys.argv[4])
     # Claims of directories leave files behind.
