@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <malloc.h>
 #include <vx/ExpressionParser.h>
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "support/Growth.h"
 #include "support/Reports.h"
 #include "support/SmallStack.h"
 
@@ -712,6 +714,50 @@ TEST(ExpressionParserTest, ComparisonsAreReadAtMostTwicePerParenthesis) {
         };
         EXPECT_LE(theCounter.mCount, theCountOf('=') + theCountOf('('));
     }
+}
+
+// Behind many parentheses whatever follows could be looked at for each of them.
+TEST(ExpressionParserTest, WhitespaceIsLookedAtOnceWhateverTheParentheses) {
+    const struct {
+        const char *mFront, *mBehind;
+    } kCases[] = {
+        {"a = \"1\"", ""},
+        {"a = \"1\"", ")"},
+        {"a = \"1\"", " and b = \"1\""},
+        {"a = \"1\" and", "b = \"1\""},
+        {"a = \"1\") and", "b = \"1\""},
+        {"a", "= \"1\""},
+        {"a =", "\"1\""},
+    };
+    for (const auto& theCase : kCases) {
+        SCOPED_TRACE(testing::Message() << theCase.mFront << " ... " << theCase.mBehind);
+        EXPECT_TRUE(vxtest::GrowsLinearly(200, [&theCase](size_t aSize) {
+            const std::string theText = Repeated("(", aSize) + theCase.mFront +
+                                        Repeated(" ", 200 * aSize) + theCase.mBehind;
+            vxExpressionParser(theText.c_str()).Parse();
+        }));
+    }
+}
+
+TEST(ExpressionParserTest, NamesThatAreNotPartOfTheTreeAreNotKept) {
+    class Watcher : public vxExpressionParser {
+    public:
+        using vxExpressionParser::vxExpressionParser;
+        int GetPropertyID(const vxCString&) override {
+            if (++mCount == 1001) {
+                const struct mallinfo2 theInfo = mallinfo2();
+                mInUse = theInfo.uordblks + theInfo.hblkhd;
+            }
+            return 0;
+        }
+        size_t mCount = 0;
+        size_t mInUse = 0;  // bytes at the last call, where the allocator tells
+    };
+    const std::string theText = Repeated("(", 1000) + Repeated("n", 100000) + " = \"1\"";
+    Watcher theWatcher(theText.c_str());
+    EXPECT_TRUE(theWatcher.Parse());
+    EXPECT_EQ(theWatcher.mCount, 1001U);
+    EXPECT_LT(theWatcher.mInUse, 20000000U);
 }
 
 // The grammar and the steps of grouping written down as they read, with recursion and copies.

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "support/Growth.h"
+
 TEST(CStringParserTest, PatternsFitWholeNames) {
     const struct {
         const char* mPattern;
@@ -110,6 +112,34 @@ TEST(CStringParserTest, ManyStarsDoNotTryEveryCombination) {
     thePattern += "*[b]";
     EXPECT_EQ(vxCStringParser_Match(std::string(255, 'a').c_str(), thePattern.c_str()), 0);
     EXPECT_EQ(vxCStringParser_Match((std::string(254, 'a') + "b").c_str(), thePattern.c_str()), 1);
+}
+
+TEST(CStringParserTest, BracketsThatNeverCloseStandForThemselves) {
+    const struct {
+        const char* mPattern;
+        const char* mName;
+        bool mfFits;
+    } kCases[] = {
+        {"[[[", "[[[", true},           {"[[[", "[[", false},
+        {"*[[a", "b[[[a", true},        {"[a[b", "[a[b", true},
+        {"[a-[b", "[a-[b", true},       {"[!", "[!", true},
+        {"[!]", "[!]", true},           {"[\\]", "[]", true},
+        {"[[:digit:]", "[:", true},  // the class alone is a set of its letters
+        {"[[:digit:]", "[7", false},    {"*[x[:digit:]", "a[xt", true},
+        {"[[:digit:]*[", "[ga[", true},
+    };
+    for (const auto& theCase : kCases) {
+        SCOPED_TRACE(testing::Message() << theCase.mPattern << " and " << theCase.mName);
+        EXPECT_EQ(vxCStringParser_Match(theCase.mName, theCase.mPattern), theCase.mfFits ? 1 : 0);
+    }
+}
+
+TEST(CStringParserTest, BracketsThatNeverCloseAreLookedThroughOnce) {
+    const std::string theName(1000, '[');
+    EXPECT_TRUE(vxtest::GrowsLinearly(100, [&theName](size_t aSize) {
+        const std::string thePattern = "*" + std::string(aSize, '[') + "x";
+        EXPECT_EQ(vxCStringParser_Match(theName.c_str(), thePattern.c_str()), 0);
+    }));
 }
 
 TEST(CStringParserTest, NullFitsNothing) {

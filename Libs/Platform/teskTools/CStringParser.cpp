@@ -82,7 +82,8 @@ bool vxMatchesSet(const char*& aPattern, unsigned char aByte, bool& afSet) {
 }
 
 // Matches one byte of the name, which is not at its end, and moves the pattern behind what matched.
-bool vxMatchesByte(const char*& aPattern, char aByte) {
+// `anUnclosed` is the first `[` that is known not to close, or null.
+bool vxMatchesByte(const char*& aPattern, char aByte, const char*& anUnclosed) {
     switch (*aPattern) {
         case '\0':
             return false;
@@ -91,10 +92,15 @@ bool vxMatchesByte(const char*& aPattern, char aByte) {
             return true;
         case '[': {
             const char* theSet = aPattern + 1;
-            bool theIsSet;
-            const bool theMatches = vxMatchesSet(theSet, vxByte(aByte), theIsSet);
-            aPattern = theIsSet ? theSet : aPattern + 1;
-            return theIsSet ? theMatches : aByte == '[';
+            bool theIsSet = anUnclosed == nullptr || aPattern < anUnclosed || vxClassAt(aPattern);
+            const bool theMatches = theIsSet && vxMatchesSet(theSet, vxByte(aByte), theIsSet);
+            if (theIsSet) {
+                aPattern = theSet;
+                return theMatches;
+            }
+            anUnclosed = anUnclosed == nullptr ? aPattern : anUnclosed;
+            ++aPattern;
+            return aByte == '[';
         }
         case '\\':
             if (aPattern[1] == '\0') {
@@ -135,6 +141,7 @@ int vxCStringParser_Match(const char* aStr, const char* aPattern) {
     const char* const theEnd = aStr + strlen(aStr);
     const char* theStar = nullptr;   // behind the last star met
     const char* theRetry = nullptr;  // where in the text the pattern behind it is tried
+    const char* theUnclosed = nullptr;
     for (;;) {
         if (*aPattern == '*') {
             theStar = ++aPattern;
@@ -157,7 +164,7 @@ int vxCStringParser_Match(const char* aStr, const char* aPattern) {
         if (aStr == theEnd) {
             return *aPattern == '\0';
         }
-        if (vxMatchesByte(aPattern, *aStr)) {
+        if (vxMatchesByte(aPattern, *aStr, theUnclosed)) {
             ++aStr;
             continue;
         }

@@ -86,7 +86,7 @@ struct vxElement {
     size_t mInner = kvxNone;                     // first element of a group
     size_t mNext = kvxNone;                      // element
     const vxExpressionOperand* mOperand = NULL;  // in front of the next
-    vxCString mName;                             // of a comparison, as are the others
+    size_t mNameEnd = 0;                         // of a comparison, as are the others
     int mPropertyID = 0;
     vxPredicate mPredicate = {};
 };
@@ -174,8 +174,14 @@ private:
         return mElements.size() - 1;
     }
 
+    // Not kept: of a long word behind many parentheses there would be one for each.
+    vxCString NameOf(const vxElement& anElement) const {
+        return vxCString(mText.c_str() + anElement.mStart, anElement.mNameEnd - anElement.mStart);
+    }
+
     void Append(size_t anElement);
     size_t Find(size_t aPos);
+    size_t SkipSpaces(size_t aPos);
     static vxLinearExpression* BuildLink(const vxExpressionOperand* anOperand);
     vxSearchExpression* BuildComparison(const vxElement& anElement) const;
     vxCString Unescape(const vxPredicate& aPredicate) const;
@@ -191,6 +197,7 @@ private:
     bool mfReadsAgain = false;  // a group was tried as a comparison: places may be known already
     std::unordered_map<size_t, size_t> mPlaces;  // elements by where they start
     size_t mPlacesCount = 0;                     // of elements that are in the map
+    std::unordered_map<size_t, size_t> mSpaces;  // ends of whitespace by where it starts
 
     // The last word that was looked at, and what stands behind it.
     size_t mWordStart = kvxNone, mWordEnd = kvxNone;
@@ -204,6 +211,18 @@ size_t vxExpressionParser::Reader::Find(size_t aPos) {
     }
     const auto thePlace = mPlaces.find(aPos);
     return thePlace == mPlaces.end() ? kvxNone : thePlace->second;
+}
+
+// What stands behind a comparison is looked at for each parenthesis in front of it.
+size_t vxExpressionParser::Reader::SkipSpaces(size_t aPos) {
+    if (!mfReadsAgain || !vxIsSpaceAt(mText, aPos)) {
+        return vxSkipSpaces(mText, aPos);
+    }
+    size_t& theEnd = mSpaces.try_emplace(aPos, kvxNone).first->second;
+    if (theEnd == kvxNone) {
+        theEnd = vxSkipSpaces(mText, aPos);
+    }
+    return theEnd;
 }
 
 void vxExpressionParser::Reader::Append(size_t anElement) {
@@ -252,7 +271,7 @@ vxExpressionParser::Reader::Step vxExpressionParser::Reader::OpenGroup() {
 }
 
 vxExpressionParser::Reader::Step vxExpressionParser::Reader::ReadOperator() {
-    const size_t theKeyword = vxSkipSpaces(mText, mPos);
+    const size_t theKeyword = SkipSpaces(mPos);
     if (theKeyword == mPos) {
         if (theKeyword < mLength && At(theKeyword) != ')') {
             mParser.Expect(theKeyword, "whitespace");
@@ -269,7 +288,7 @@ vxExpressionParser::Reader::Step vxExpressionParser::Reader::ReadOperator() {
         return Step::EndOfChain;
     }
     mChains.back().mOperand = theOperand;
-    mPos = vxSkipSpaces(mText, theEnd);
+    mPos = SkipSpaces(theEnd);
     return Step::Element;
 }
 
@@ -290,7 +309,7 @@ vxExpressionParser::Reader::Step vxExpressionParser::Reader::EndChain() {
         mPos = theEnd;
         return Step::Finished;
     }
-    const size_t theClosing = vxSkipSpaces(mText, theEnd);
+    const size_t theClosing = SkipSpaces(theEnd);
     if (At(theClosing) != ')') {
         mParser.Expect(theClosing, "a logical operator or \")\"");
         return AbandonGroup();
@@ -333,8 +352,8 @@ bool vxExpressionParser::Reader::ReadComparison(vxElement& anElement) {
     if (mPredicate.mOperand == NULL) {
         return false;
     }
-    anElement.mName = vxCString(mText.c_str() + theStart, mWordEnd - theStart);
-    anElement.mPropertyID = mParser.GetPropertyID(anElement.mName);
+    anElement.mNameEnd = mWordEnd;
+    anElement.mPropertyID = mParser.GetPropertyID(NameOf(anElement));
     if (anElement.mPropertyID == -1) {
         mParser.Expect(theStart, "a known property");
         return false;
@@ -477,7 +496,7 @@ vxLinearExpression* vxExpressionParser::Reader::BuildLink(const vxExpressionOper
 
 vxSearchExpression* vxExpressionParser::Reader::BuildComparison(const vxElement& anElement) const {
     const vxExpressionOperand* theOperand = anElement.mPredicate.mOperand;
-    return new vxRelExpression(anElement.mName, anElement.mPropertyID, theOperand->mOperand,
+    return new vxRelExpression(NameOf(anElement), anElement.mPropertyID, theOperand->mOperand,
                                theOperand->mOperandID, Unescape(anElement.mPredicate));
 }
 
@@ -615,9 +634,9 @@ void vxExpressionParser::Group(vxSearchExpression* anExpression) {
     }
     vxLinearExpression* theLinearExpression = static_cast<vxLinearExpression*>(anExpression);
     theLinearExpression->GroupWithNext();
-    VXASSERT_TEXT(theLinearExpression->mExpression != NULL &&
-                      theLinearExpression->mExpression->IsComposite(),
-                  "theLinearExpression->mExpression->IsComposite()");
+    VXASSERT_TEXT(
+        theLinearExpression->mExpression != NULL && theLinearExpression->mExpression->IsComposite(),
+        "theLinearExpression->mExpression->IsComposite()");
 }
 
 bool vxExpressionParser::Evaluate(vxSearchExpressionEvaluator* anEvaluator) {
