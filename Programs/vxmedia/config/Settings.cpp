@@ -84,7 +84,7 @@ vxCString Settings::Set(const vxCString& anOption, const vxCString& aValue) {
     if (theOption == NULL) {
         return UnknownOption(anOption);
     }
-    const vxCString theError = CheckOptionValue(*theOption, aValue);
+    vxCString theError = CheckOptionValue(*theOption, aValue);
     if (!theError.IsEmpty()) {
         return theError;
     }
@@ -103,7 +103,7 @@ vxCString Settings::SetHidden(const vxCString& anOption, const vxCString& aValue
     if (theOption->mEntryType != kvxConfigEntryType_string) {
         return vxCString("ERROR: '") + anOption + "' is no text that can be hidden";
     }
-    const vxCString theError = CheckOptionValue(*theOption, aValue);
+    vxCString theError = CheckOptionValue(*theOption, aValue);
     if (!theError.IsEmpty()) {
         return theError;
     }

@@ -21,7 +21,7 @@ constexpr unsigned int kDocument_MaxSize = 256 * 1024 * 1024;  // bytes
 vxCString LoadJSONFile(const vxCString& aPath, vxJSONDocument& aDocument) {
     aDocument.SetRoot(kvxJSONDocumentRoot_None);
     vxDataBuffer theBuffer;
-    const vxCString theError = ReadWholeFile(aPath, theBuffer, kDocument_MaxSize);
+    vxCString theError = ReadWholeFile(aPath, theBuffer, kDocument_MaxSize);
     if (!theError.IsEmpty()) {
         return theError;
     }
@@ -38,7 +38,7 @@ vxCString LoadJSONFile(const vxCString& aPath, vxJSONDocument& aDocument) {
 
 vxCString ConvertXMLFile(const vxCString& aPath, vxJSONDocument& aDocument) {
     vxDataBuffer theBuffer;
-    const vxCString theReadError = ReadWholeFile(aPath, theBuffer, kDocument_MaxSize);
+    vxCString theReadError = ReadWholeFile(aPath, theBuffer, kDocument_MaxSize);
     if (!theReadError.IsEmpty()) {
         return theReadError;
     }

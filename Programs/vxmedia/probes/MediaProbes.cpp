@@ -123,7 +123,7 @@ const char* MediaProbes::Keep(const char* aReason) {
 }
 
 MediaReading MediaProbes::Read(MediaSource& aSource, const char* aFileName) {
-    const MediaReading theReading = ReadMedia(aSource, aFileName);
+    MediaReading theReading = ReadMedia(aSource, aFileName);
     if (theReading.IsMedia()) {
         return theReading;
     }
