@@ -20,11 +20,14 @@ struct vxOSCondition {
 
 namespace {
 
-/// Gives one more waiter a reason to leave, unless every one has it.
-void vxGive(vxOSCondition* aCondition, uint32_t aWaiters) {
-    if (aCondition->mGiven.load(std::memory_order_relaxed) < aWaiters) {
-        aCondition->mGiven.fetch_add(1, std::memory_order_relaxed);
+/// Gives one more waiter a reason to leave; false when every one has it. Who gives also wakes, so
+/// these have been woken, or are about to be.
+bool vxGive(vxOSCondition* aCondition, uint32_t aWaiters) {
+    if (aCondition->mGiven.load(std::memory_order_relaxed) >= aWaiters) {
+        return false;
     }
+    aCondition->mGiven.fetch_add(1, std::memory_order_relaxed);
+    return true;
 }
 
 /// Takes one signal along; false when others have taken them all. The caller holds the mutex.
@@ -86,11 +89,11 @@ int vxCondition_Signal(vxOSCondition* aCondition) {
         return EINVAL;
     }
     const uint32_t theWaiters = aCondition->mWaiters.load();
-    if (theWaiters == 0) {
+    // A waiter that was woken may take long to get the processor: signals meanwhile cost nothing.
+    if (theWaiters == 0 || !vxGive(aCondition, theWaiters)) {
         return 0;
     }
     // In this order: who sees the new number sees what was given.
-    vxGive(aCondition, theWaiters);
     aCondition->mSignals.fetch_add(1);
     vxRecursiveLock& theLock = aCondition->mMutex.load(std::memory_order_relaxed)->mLock;
     if (theLock.IsHeld()) {
