@@ -84,7 +84,7 @@ void vxCachedBase::SetNotWanted() {
 
 void vxCachedBase::OnReadAccess() {
     if (mContainer != NULL) {
-        mContainer->OnReadAccess(this);
+        mContainer->Access(this);
     } else {
         Want();
     }
@@ -190,17 +190,9 @@ void vxCache::Detach(vxCachedBase* aCached) {
 }
 
 void vxCache::OnReadAccess(const vxRef<vxCachedBase>& aCached) {
-    if (!VXCHECK(!aCached.IsNull())) {
-        return;
+    if (VXCHECK(!aCached.IsNull())) {
+        Access(aCached.Get());
     }
-    // Fetching may replace the caller's handle.
-    vxCachedBase* theCached = aCached.Get();
-    const vxHeldObject theHold(theCached);
-    VXLOG(VXLOGLEVEL_DEBUG, VXLOG_M_DEFAULT, "OnReadAccess %s\n", theCached->GetID().c_str());
-    if (IsElement(theCached)) {
-        MoveToFront(theCached);
-    }
-    theCached->Want();
 }
 
 void vxCache::SetLimits(size_t aSizeLimit, size_t aCountLimit) {
@@ -282,6 +274,18 @@ void vxCache::OnAvailable(vxCachedBase* aCached) {
     MoveToFront(aCached);
     AddAvailable(aCached);
     Run();
+}
+
+void vxCache::Access(vxCachedBase* aCached) {
+    VXLOG(VXLOGLEVEL_DEBUG, VXLOG_M_DEFAULT, "OnReadAccess %s\n", aCached->GetID().c_str());
+    if (IsElement(aCached)) {
+        MoveToFront(aCached);
+    }
+    if (aCached->IsUnavailable()) {
+        // Fetching may replace the handle of who reads.
+        const vxHeldObject theHold(aCached);
+        aCached->Want();
+    }
 }
 
 void vxCache::MoveToFront(vxCachedBase* aCached) {

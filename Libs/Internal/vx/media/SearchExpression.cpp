@@ -21,7 +21,8 @@
 
 namespace {
 
-// Links whose own expression is being evaluated, innermost last. Few are nested in practice.
+// Links with a rest, whose own expression is being evaluated, innermost last. Few are nested in
+// practice.
 class vxOpenLinks {
 public:
     bool IsEmpty() const { return mCount == 0; }
@@ -54,9 +55,8 @@ private:
 
 // Does the result of a link depend on what follows it?
 bool vxNeedsRest(const vxLinearExpression* aLink, bool afResult) {
-    return aLink->GetNext() != NULL &&
-           ((aLink->GetOperandID() == kvxExpressionOperandID_Or && !afResult) ||
-            (aLink->GetOperandID() == kvxExpressionOperandID_And && afResult));
+    return aLink->GetOperandID() ==
+           (afResult ? kvxExpressionOperandID_And : kvxExpressionOperandID_Or);
 }
 
 template <typename Value>
@@ -172,7 +172,8 @@ struct vxExpressionTree {
         vxOpenLinks theOpen;
         for (vxSearchExpression* theNode = anExpression;;) {
             while (theNode != NULL && HasInner(theNode)) {
-                if (const vxLinearExpression* theLink = AsLink(theNode)) {
+                const vxLinearExpression* theLink = AsLink(theNode);
+                if (theLink != NULL && theLink->mNext != NULL) {
                     theOpen.Push(theLink);
                 }
                 theNode = Inner(theNode);

@@ -202,7 +202,10 @@ public:
     void ListenToMessage(int aMessage, void* aParam) override;
 
 private:
+    friend class vxCachedBase;
+
     bool IsElement(const vxCachedBase* aCached) const;
+    void Access(vxCachedBase* aCached);
     void OnAvailable(vxCachedBase* aCached);
     void MoveToFront(vxCachedBase* aCached);
     void AddAvailable(vxCachedBase* aCached);
