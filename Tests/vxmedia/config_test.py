@@ -270,10 +270,10 @@ class BadConfig(ConfigScratch):
             self.assertEqual(owner, 'somebody'[:max(0, end - 37)])
 
     def test_files_that_must_not_be_read_are_told(self):
+        self.ask('')  # makes the bootstrap file
         folder = os.path.realpath(self.path(b'conf')).decode()
         self.write(b'conf/vxmedia.ini', b'[Library]\nListLimit=5\n')
         os.chmod(self.path(b'conf/vxmedia.ini'), 0)
-        self.ask('')
         self.assertEqual(self.run_lines('config get list-limit', 'config paths', prefix=HUMBLE),
                          (1, "ERROR: Configuration 'vxmedia.ini': cannot read '%s/vxmedia.ini'\n20\n"
                              'FILE       STATE       PATH\n'
