@@ -4,6 +4,7 @@
 #include <libvxLog/Handlers.h>
 #include <libvxLog/Log.h>
 
+#include <atomic>
 #include <cstdio>
 #include <memory>
 #include <new>

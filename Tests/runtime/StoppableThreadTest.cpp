@@ -724,11 +724,16 @@ TEST(StoppableThreadTest, DetachedThreadDeletesItselfInTheStateTerminated) {
 TEST(StoppableThreadTest, UnknownKindIsDetachedAndReportedInTheEnd) {
     vxtest::Reports theReports;
     vxtest::Latch theIsGone(1);
+    int theState = -1;
     auto* theWorker = new Worker([](Worker&) {}, 7);
-    theWorker->mOnDelete = [&] { theIsGone.CountDown(); };
+    theWorker->mOnDelete = [&, theWorker] {
+        theState = theWorker->GetThreadState();
+        theIsGone.CountDown();
+    };
     ASSERT_EQ(theWorker->ThreadCreate(), 0);
     theWorker->Go(kvxThreadState_Started);
     theIsGone.Wait();
+    EXPECT_EQ(theState, 7);
     EXPECT_THAT(theReports.Assertions(),
                 ElementsAre("theThread->GetThreadKind() == vxThread_Kind_Detached"));
 }

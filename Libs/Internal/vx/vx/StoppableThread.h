@@ -127,6 +127,7 @@ public:
     ///
     /// Fails:    an error is logged, module VXLOG_M_THREADING: the thread may still run then, as one
     ///           does that waits for itself.
+    /// Threads:  one at a time, the owner.
     void ThreadWaitTerminate();
 
     /// Tells whether the caller is this very thread.
