@@ -163,11 +163,11 @@ protected:
     ///           theLinearExpression->mExpression->IsComposite().
     static void Group(vxSearchExpression* anExpression);
 
-    bool mfValid;                                // of the last Parse()
-    vxCString mStr;                              // the text not yet consumed
-    vxSearchExpression* mRootExpression;         // owned; null for "*"
-    const vxExpressionOperand* mLogicOperands;   // never null
-    const vxExpressionOperand* mBinaryOperands;  // never null
+    bool mfValid;                                ///< of the last Parse()
+    vxCString mStr;                              ///< the text not yet consumed
+    vxSearchExpression* mRootExpression;         ///< owned; null for "*"
+    const vxExpressionOperand* mLogicOperands;   ///< never null
+    const vxExpressionOperand* mBinaryOperands;  ///< never null
 
 private:
     class Reader;

@@ -88,11 +88,12 @@ public:
     vxCString GetText();
 
 protected:
+    /// `aType` is a kvxExpressionType.
     explicit vxSearchExpression(int aType) : mType(aType) {}
     vxSearchExpression(const vxSearchExpression&) = delete;
     vxSearchExpression& operator=(const vxSearchExpression&) = delete;
 
-    int mType;  // a kvxExpressionType
+    int mType;  ///< a kvxExpressionType
 
     friend struct vxExpressionTree;
 };
