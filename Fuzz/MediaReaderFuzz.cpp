@@ -1,6 +1,8 @@
-// The header readers of vxmedia, on any bytes: the first byte chooses the name of the file.
+// The readers of vxmedia, on any bytes: the first byte chooses the name of the file. Facts are those of a
+// picture or of a sound, tags are texts, and a picture inside is read or refused.
 
 #include <cstring>
+#include <vector>
 
 #include "readers/MediaReader.h"
 
@@ -32,5 +34,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize) {
     if (theReading.IsMedia() && theReading.mFacts.IsPicture() == theReading.mFacts.IsSound()) {
         __builtin_trap();
     }
+    const vxmedia::MediaTags& theTags = theReading.mTags;
+    for (const vxCString* theText :
+         {&theTags.mTitle, &theTags.mCreator, &theTags.mAlbum, &theTags.mGenre, &theTags.mDate,
+          &theTags.mCoverArt.mMimeType}) {
+        if (!theText->IsValidUTF8()) {
+            __builtin_trap();
+        }
+    }
+    std::vector<uint8_t> thePicture;
+    vxmedia::ReadCoverArt(theSource, theTags.mCoverArt, 1 << 20, thePicture);
     return 0;
 }

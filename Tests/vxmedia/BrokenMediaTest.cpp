@@ -56,6 +56,10 @@ void ExpectSane(const std::string& aBytes, const std::string& aName) {
         EXPECT_NE(theReading.mFacts.IsPicture(), theReading.mFacts.IsSound());
         EXPECT_FALSE(theReading.mFacts.mDetail.IsEmpty());
         EXPECT_TRUE(!theReading.mFacts.IsSound() || theReading.mFacts.mRate != 0);
+        EXPECT_TRUE(theReading.mTags.mTitle.IsValidUTF8());
+        EXPECT_TRUE(theReading.mTags.mCreator.IsValidUTF8());
+    } else {
+        EXPECT_TRUE(theReading.mTags.IsEmpty());
     }
 }
 

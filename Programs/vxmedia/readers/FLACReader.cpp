@@ -1,4 +1,4 @@
-// FLAC: the mark is followed by the STREAMINFO block, a row of bit fields.
+// FLAC: the mark is followed by the STREAMINFO block, a row of bit fields, and by other blocks.
 
 #include <cstring>
 
@@ -10,6 +10,7 @@ namespace vxmedia {
 namespace {
 
 constexpr size_t kFLAC_StreamInfoSize = 34;
+constexpr size_t kFLAC_BlockHeaderSize = 4;
 constexpr size_t kFLAC_HeaderSize = 4 + 4 + kFLAC_StreamInfoSize;  // mark, block header, block
 
 bool RecognizeFLAC(MediaSource& aSource, uint64_t aStart) {
@@ -35,6 +36,20 @@ const char* ReadFLAC(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) 
     return ReadFLACStreamInfo(theHeader + 8, aFacts);
 }
 
+void ReadFLACTags(MediaSource& aSource, uint64_t aStart, MediaTags& aTags) {
+    uint64_t thePos = aStart + 4;
+    uint8_t theHeader[kFLAC_BlockHeaderSize];
+    while (aSource.ReadExactly(thePos, theHeader, sizeof(theHeader))) {
+        const uint32_t theSize = vxBitString::BigEndianTouint32(theHeader) & 0xFFFFFF;
+        thePos += sizeof(theHeader);
+        ReadFLACBlock(aSource, theHeader[0], MediaBytes(thePos, theSize), aTags);
+        thePos += theSize;
+        if (IsLastFLACBlock(theHeader[0])) {
+            return;
+        }
+    }
+}
+
 }  // namespace
 
 const char* ReadFLACStreamInfo(const uint8_t* aBlock, MediaFacts& aFacts) {
@@ -56,6 +71,19 @@ const char* ReadFLACStreamInfo(const uint8_t* aBlock, MediaFacts& aFacts) {
     return nullptr;
 }
 
-const MediaFormat kMediaFormat_FLAC = {"FLAC", ",flac,", true, RecognizeFLAC, ReadFLAC};
+void ReadFLACBlock(MediaSource& aSource, uint8_t aHeader, const MediaBytes& aBytes,
+                   MediaTags& aTags) {
+    constexpr uint8_t kComment = 4;
+    constexpr uint8_t kPicture = 6;
+    const uint8_t theType = aHeader & 0x7F;
+    if (theType == kComment) {
+        ReadVorbisComment(aSource, aBytes, aTags);
+    } else if (theType == kPicture) {
+        ReadFLACPicture(aSource, aBytes, aTags);
+    }
+}
+
+const MediaFormat kMediaFormat_FLAC = {"FLAC",        ",flac,", true,
+                                       RecognizeFLAC, ReadFLAC, ReadFLACTags};
 
 }  // namespace vxmedia

@@ -52,6 +52,6 @@ const char* ReadGIF(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) {
 
 }  // namespace
 
-const MediaFormat kMediaFormat_GIF = {"GIF", ",gif,", false, RecognizeGIF, ReadGIF};
+const MediaFormat kMediaFormat_GIF = {"GIF", ",gif,", false, RecognizeGIF, ReadGIF, nullptr};
 
 }  // namespace vxmedia

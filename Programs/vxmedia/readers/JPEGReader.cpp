@@ -2,6 +2,8 @@
 //
 // Pictures inside other segments, such as a camera's preview, are never looked at.
 
+#include <cstring>
+
 #include "MediaReader.h"
 #include "vx/BitString.h"
 
@@ -12,6 +14,7 @@ namespace {
 constexpr uint8_t kJPEG_StartOfImage = 0xD8;
 constexpr uint8_t kJPEG_EndOfImage = 0xD9;
 constexpr uint8_t kJPEG_StartOfScan = 0xDA;
+constexpr uint8_t kJPEG_App1 = 0xE1;
 
 // Frame headers are C0 to CF but for the tables and reserved codes among them.
 bool IsFrameHeader(uint8_t aMarker) {
@@ -115,8 +118,32 @@ const char* ReadJPEG(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) 
     }
 }
 
+void ReadJPEGTags(MediaSource& aSource, uint64_t aStart, MediaTags& aTags) {
+    uint64_t thePos = aStart + 2;
+    uint8_t theMarker;
+    while (NextMarker(aSource, thePos, theMarker) == nullptr && theMarker != kJPEG_StartOfScan &&
+           theMarker != kJPEG_EndOfImage) {
+        if (StandsAlone(theMarker)) {
+            continue;
+        }
+        uint8_t theHead[8];  // length, and what an EXIF segment begins with
+        const size_t theCount = aSource.Read(thePos, theHead, sizeof(theHead));
+        const uint32_t theSize = theCount < 2 ? 0 : vxBitString::BigEndianTouint16(theHead);
+        if (theSize < 2) {
+            return;
+        }
+        if (theMarker == kJPEG_App1 && theCount == sizeof(theHead) && theSize > sizeof(theHead) &&
+            memcmp(theHead + 2, "Exif\0\0", 6) == 0) {
+            ReadExif(aSource, MediaBytes(thePos + sizeof(theHead), theSize - sizeof(theHead)),
+                     aTags);
+        }
+        thePos += theSize;
+    }
+}
+
 }  // namespace
 
-const MediaFormat kMediaFormat_JPEG = {"JPEG", ",jpg,jpeg,jpe,", false, RecognizeJPEG, ReadJPEG};
+const MediaFormat kMediaFormat_JPEG = {"JPEG",        ",jpg,jpeg,jpe,", false,
+                                       RecognizeJPEG, ReadJPEG,         ReadJPEGTags};
 
 }  // namespace vxmedia

@@ -198,8 +198,12 @@ const char* ReadMP3(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) {
     return nullptr;
 }
 
+void ReadMP3Tags(MediaSource& aSource, uint64_t, MediaTags& aTags) {
+    ReadID3Tags(aSource, aTags);
+}
+
 }  // namespace
 
-const MediaFormat kMediaFormat_MP3 = {"MP3", ",mp3,", true, RecognizeMP3, ReadMP3};
+const MediaFormat kMediaFormat_MP3 = {"MP3", ",mp3,", true, RecognizeMP3, ReadMP3, ReadMP3Tags};
 
 }  // namespace vxmedia

@@ -66,21 +66,28 @@ uint64_t MediaFacts::DurationMS() const {
     return mFrames / mRate * 1000 + (mFrames % mRate * 1000 + mRate / 2) / mRate;
 }
 
+uint64_t PositionAfterTag(MediaSource& aSource, uint64_t aPos) {
+    uint8_t theHeader[10];
+    if (!aSource.ReadExactly(aPos, theHeader, sizeof(theHeader)) ||
+        memcmp(theHeader, "ID3", 3) != 0) {
+        return 0;
+    }
+    // Four bytes of seven bits each; the size leaves out this header and a footer like it.
+    uint32_t theSize = 0;
+    for (int i = 6; i < 10; ++i) {
+        if ((theHeader[i] & 0x80) != 0) {
+            return 0;
+        }
+        theSize = (theSize << 7) | theHeader[i];
+    }
+    const bool theHasFooter = (theHeader[5] & 0x10) != 0;
+    return aPos + sizeof(theHeader) * (theHasFooter ? 2 : 1) + theSize;
+}
+
 uint64_t PositionAfterTags(MediaSource& aSource) {
     uint64_t thePos = 0;
-    uint8_t theHeader[10];
-    while (aSource.ReadExactly(thePos, theHeader, sizeof(theHeader)) &&
-           memcmp(theHeader, "ID3", 3) == 0) {
-        // Four bytes of seven bits each; the size leaves out this header and a footer like it.
-        uint32_t theSize = 0;
-        for (int i = 6; i < 10; ++i) {
-            if ((theHeader[i] & 0x80) != 0) {
-                return thePos;
-            }
-            theSize = (theSize << 7) | theHeader[i];
-        }
-        const bool theHasFooter = (theHeader[5] & 0x10) != 0;
-        thePos += sizeof(theHeader) * (theHasFooter ? 2 : 1) + theSize;
+    while (const uint64_t theEnd = PositionAfterTag(aSource, thePos)) {
+        thePos = theEnd;
     }
     return thePos;
 }
@@ -101,6 +108,9 @@ MediaReading ReadMedia(MediaSource& aSource, const char* aFileName) {
     }
     const char* theReason = theReading.mFormat->mRead(aSource, theStart, theReading.mFacts);
     theReading.mReason = RefusalOf(aSource, theReason);
+    if (theReading.IsMedia() && theReading.mFormat->mReadTags != nullptr) {
+        theReading.mFormat->mReadTags(aSource, theStart, theReading.mTags);
+    }
     return theReading;
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "MediaSource.h"
+#include "MediaTags.h"
 #include "vx/CString.h"
 
 namespace vxmedia {
@@ -35,6 +36,9 @@ struct MediaFormat {
 
     /// Fills `aFacts` from the header at `aStart`. Returns null, or the reason of a refusal.
     const char* (*mRead)(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts);
+
+    /// Fills `aTags` as far as the file has tags that can be read; null where the format has none.
+    void (*mReadTags)(MediaSource& aSource, uint64_t aStart, MediaTags& aTags);
 };
 
 extern const MediaFormat kMediaFormat_PNG;
@@ -53,18 +57,24 @@ struct MediaReading {
     const MediaFormat* mFormat = nullptr;  // null: not a media file
     const char* mReason = nullptr;         // why a media file was refused, else null
     MediaFacts mFacts;
+    MediaTags mTags;  // empty unless it is media
 
     bool IsMedia() const { return mFormat != nullptr && mReason == nullptr; }
     bool IsRefused() const { return mFormat != nullptr && mReason != nullptr; }
 };
 
-/// Finds out the format of a file from its content and reads its facts.
+/// Finds out the format of a file from its content and reads its facts and tags.
 ///
 /// A file whose content is of no known format counts as media only if its name ends like that of
 /// one; it is then refused with the reason.
 ///
-/// Cost:     at most 2 MiB of reading, usually one window of 4 KiB.
+/// Tags are read last: where a file has used up what may be fetched, those that are left are missing.
+///
+/// Cost:     at most 2 MiB of reading, usually a few windows of 4 KiB.
 MediaReading ReadMedia(MediaSource& aSource, const char* aFileName);
+
+/// Returns the position behind the ID3v2 tag at `aPos`; 0 when there is none.
+uint64_t PositionAfterTag(MediaSource& aSource, uint64_t aPos);
 
 /// Returns the position behind the ID3v2 tags at the start of the file; 0 when there are none.
 uint64_t PositionAfterTags(MediaSource& aSource);

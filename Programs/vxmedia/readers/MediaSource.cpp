@@ -28,7 +28,7 @@ size_t MediaSource::Read(uint64_t aPos, uint8_t* aBuffer, size_t aCount) {
 }
 
 size_t MediaSource::CountedFetch(uint64_t aPos, uint8_t* aBuffer, size_t aCount) {
-    if (mFetched + aCount > kFetch_Limit) {
+    if (mFetched + aCount > mFetchLimit) {
         mfExhausted = true;
     }
     if (mfExhausted || mfFailed) {

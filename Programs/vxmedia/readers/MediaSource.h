@@ -29,6 +29,12 @@ public:
         return Read(aPos, aBuffer, aCount) == aCount;
     }
 
+    /// Lets `aCount` bytes more be fetched.
+    void Allow(uint64_t aCount) {
+        mFetchLimit += aCount;
+        mfExhausted = false;
+    }
+
     /// Returns whether a read was refused because too much had been fetched.
     bool IsExhausted() const { return mfExhausted; }
 
@@ -37,7 +43,6 @@ public:
 
 private:
     static constexpr size_t kWindow_Size = 4096;
-    static constexpr uint64_t kFetch_Limit = 2 * 1024 * 1024;
 
     /// Copies up to `aCount` bytes from the file; `aPos` plus `aCount` is at most its size.
     virtual size_t Fetch(uint64_t aPos, uint8_t* aBuffer, size_t aCount) = 0;
@@ -47,7 +52,8 @@ private:
     bool FillWindow(uint64_t aPos);
 
     const uint64_t mSize;
-    uint64_t mFetched = 0;  // bytes, of every fetch so far
+    uint64_t mFetched = 0;                   // bytes, of every fetch so far
+    uint64_t mFetchLimit = 2 * 1024 * 1024;  // bytes
     bool mfExhausted = false;
     bool mfFailed = false;
     uint64_t mWindowPos = 0;   // position of the window's first byte

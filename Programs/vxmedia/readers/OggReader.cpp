@@ -18,9 +18,12 @@ constexpr uint8_t kOgg_FirstPage = 2;    // flag of a stream's first page
 constexpr int kOgg_MaxStreams = 32;      // first pages that are looked at
 constexpr size_t kOgg_TailSize = 65536;  // bytes looked at in one piece
 constexpr int kOgg_MaxTails = 4;
+constexpr int kOgg_MaxBlocks = 64;     // of FLAC
 constexpr size_t kOgg_IdentSize = 51;  // the longest start of a stream, that of FLAC
 
 struct OggPage {
+    uint8_t mLengths[255] = {};  // of the pieces of its body
+    size_t mCount = 0;           // pieces
     uint8_t mFlags = 0;
     uint64_t mGranule = 0;  // all bits set: no packet ends on the page
     uint32_t mSerial = 0;
@@ -35,28 +38,28 @@ struct OggPage {
 // What the start of a stream tells beyond the facts.
 struct OggStream {
     uint32_t mSerial = 0;
-    uint64_t mSkip = 0;  // frames at the start that are not played
+    uint64_t mFirstPos = 0;  // of its first page
+    uint64_t mSkip = 0;      // frames at the start that are not played
 };
 
 bool ReadPage(MediaSource& aSource, uint64_t aPos, OggPage& aPage) {
     uint8_t theHeader[kOgg_PageHeaderSize];
-    uint8_t theLengths[255];
     if (!aSource.ReadExactly(aPos, theHeader, sizeof(theHeader)) ||
         memcmp(theHeader, "OggS\0", 5) != 0) {
         return false;
     }
-    const size_t theCount = theHeader[26];
-    if (!aSource.ReadExactly(aPos + sizeof(theHeader), theLengths, theCount)) {
+    aPage.mCount = theHeader[26];
+    if (!aSource.ReadExactly(aPos + sizeof(theHeader), aPage.mLengths, aPage.mCount)) {
         return false;
     }
     aPage.mFlags = theHeader[5];
     aPage.mGranule = vxBitString::LittleEndianTouint32(theHeader + 6) |
                      uint64_t(vxBitString::LittleEndianTouint32(theHeader + 10)) << 32;
     aPage.mSerial = vxBitString::LittleEndianTouint32(theHeader + 14);
-    aPage.mBodyPos = aPos + sizeof(theHeader) + theCount;
+    aPage.mBodyPos = aPos + sizeof(theHeader) + aPage.mCount;
     aPage.mBodySize = 0;
-    for (size_t i = 0; i < theCount; ++i) {
-        aPage.mBodySize += theLengths[i];
+    for (size_t i = 0; i < aPage.mCount; ++i) {
+        aPage.mBodySize += aPage.mLengths[i];
     }
     return aPage.EndPos() <= aSource.Size();
 }
@@ -132,6 +135,7 @@ const char* ReadStreams(MediaSource& aSource, uint64_t aStart, MediaFacts& aFact
         const char* theReason = ReadIdent(theIdent, theSize, aFacts, aStream, theIsKnown);
         if (theIsKnown) {
             aStream.mSerial = thePage.mSerial;
+            aStream.mFirstPos = thePos;
             return theReason;
         }
         thePos = thePage.EndPos();
@@ -195,8 +199,82 @@ const char* ReadOgg(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) {
     return nullptr;
 }
 
+// The packets of one stream, each in pieces of at most one page.
+class PacketWalk {
+public:
+    PacketWalk(MediaSource& aSource, const OggStream& aStream)
+        : mSource(aSource), mSerial(aStream.mSerial), mPagePos(aStream.mFirstPos) {}
+
+    bool Next(MediaBytes& aPacket) {
+        aPacket = MediaBytes();
+        for (;;) {
+            while (mNext < mPage.mCount) {
+                const uint8_t theLength = mPage.mLengths[mNext++];
+                aPacket.Add(mPos, theLength);
+                mPos += theLength;
+                if (theLength < 255) {
+                    return true;
+                }
+            }
+            if (!NextPage()) {
+                return false;
+            }
+        }
+    }
+
+private:
+    bool NextPage() {
+        do {
+            if (!ReadPage(mSource, mPagePos, mPage)) {
+                mPage.mCount = 0;
+                return false;
+            }
+            mPagePos = mPage.EndPos();
+        } while (mPage.mSerial != mSerial);
+        mPos = mPage.mBodyPos;
+        mNext = 0;
+        return true;
+    }
+
+    MediaSource& mSource;
+    const uint32_t mSerial;
+    uint64_t mPagePos;  // of the next page
+    OggPage mPage;
+    size_t mNext = 0;   // piece of the page
+    uint64_t mPos = 0;  // of that piece
+};
+
+// The second packet is the comment. FLAC has one packet for each of its blocks.
+void ReadOggTags(MediaSource& aSource, uint64_t aStart, MediaTags& aTags) {
+    MediaFacts theFacts;
+    OggStream theStream;
+    if (ReadStreams(aSource, aStart, theFacts, theStream) != nullptr) {
+        return;
+    }
+    PacketWalk theWalk(aSource, theStream);
+    MediaBytes thePacket;
+    theWalk.Next(thePacket);
+    uint8_t theHead[8] = {};
+    for (int i = 0; i < kOgg_MaxBlocks && theWalk.Next(thePacket); ++i) {
+        if (!thePacket.ReadExactly(aSource, 0, theHead, sizeof(theHead))) {
+            return;
+        }
+        const bool theIsVorbis = memcmp(theHead, "\x03vorbis", 7) == 0;
+        if (theIsVorbis || memcmp(theHead, "OpusTags", 8) == 0) {
+            ReadVorbisComment(aSource, thePacket.Part(theIsVorbis ? 7 : 8, thePacket.Size()),
+                              aTags);
+            return;
+        }
+        ReadFLACBlock(aSource, theHead[0], thePacket.Part(4, thePacket.Size()), aTags);
+        if (IsLastFLACBlock(theHead[0])) {
+            return;
+        }
+    }
+}
+
 }  // namespace
 
-const MediaFormat kMediaFormat_Ogg = {"Ogg", ",ogg,oga,opus,", false, RecognizeOgg, ReadOgg};
+const MediaFormat kMediaFormat_Ogg = {"Ogg",        ",ogg,oga,opus,", false,
+                                      RecognizeOgg, ReadOgg,          ReadOggTags};
 
 }  // namespace vxmedia

@@ -168,6 +168,6 @@ const char* ReadWAV(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) {
 
 }  // namespace
 
-const MediaFormat kMediaFormat_WAV = {"WAV", ",wav,wave,", false, RecognizeWAV, ReadWAV};
+const MediaFormat kMediaFormat_WAV = {"WAV", ",wav,wave,", false, RecognizeWAV, ReadWAV, nullptr};
 
 }  // namespace vxmedia
