@@ -34,7 +34,7 @@ Program::Program(const ProgramOptions& anOptions, Settings& aSettings)
 void Program::AddModules() {
     mInterpreter.AddModule(new LibraryModule(mConsole, mLibrary, mScanApplet, mProbes, mSettings));
     mInterpreter.AddModule(new TimerModule(mConsole, mTimerApplet));
-    mInterpreter.AddModule(new SysModule(mConsole, mLibrary, mActivity));
+    mInterpreter.AddModule(new SysModule(mConsole, mLibrary, mActivity, mWorkers));
     mInterpreter.AddModule(new ConfigModule(mConsole, mSettings));
     mInterpreter.AddModule(new ExportModule(mConsole, mLibrary, mSettings));
     mInterpreter.AddModule(new PluginModule(mConsole, mProbes, mScanApplet));
@@ -45,6 +45,7 @@ void Program::AddApplets() {
     AppletSetOptions(vxAppletOption_Multithreaded);
     AppletAttach(&mConsoleApplet, vxAppletOption_None);
     AppletAttach(&mScanApplet, vxAppletOption_None);
+    AppletAttach(&mWorkers, vxAppletOption_None);
     AppletAttach(&mTimerApplet, vxAppletOption_None);
     mConsoleApplet.SetEndCallback([this] { RequestExit(); });
     mScanApplet.SetDoneCallback([this] { mConsoleApplet.AppletWakeUp(); });
@@ -63,6 +64,7 @@ void Program::TakeSettings() {
     theOptions.mExpectedEndings = NameEndings(mSettings.GetList("expect"));
     theOptions.mShownRefusals = mSettings.GetNumber("refusals");
     mScanApplet.SetOptions(theOptions);
+    mWorkers.SetThreadCount(mSettings.GetNumber("threads"));
     mProbes.SetDirectory(mSettings.GetDirectory("plugin-path"));
 }
 
@@ -80,6 +82,7 @@ int Program::Run() {
     while (AppletRun(vxAppletMsg_None) != vxAppletMsg_Exit) {
         SelfWait();
     }
+    mWorkers.Stop();
     return mOptions.mfHasLines && mConsoleApplet.HasFailed() ? 1 : 0;
 }
 

@@ -9,6 +9,7 @@
 #include "MediaLibrary.h"
 #include "ScanApplet.h"
 #include "TimerApplet.h"
+#include "WorkerPool.h"
 #include "config/Settings.h"
 #include "probes/MediaProbes.h"
 #include "vx/ActivityManager.h"
@@ -31,6 +32,7 @@ struct ProgramOptions {
 ///
 ///     Program ─┬─ ConsoleApplet   lines in, answers out
 ///              ├─ ScanApplet      files into the library
+///              ├─ WorkerPool      results of worker threads
 ///              └─ TimerApplet     lines whose time has come
 ///
 /// The root sleeps in select: until standard input can be read, the earliest time-out of the tree is
@@ -67,6 +69,7 @@ private:
     vxActivityManager mActivity;
     MediaProbes mProbes;  // above the library: formats of its files lie there
     MediaLibrary mLibrary;
+    WorkerPool mWorkers;  // below what its jobs use
     Console mConsole;
     Interpreter mInterpreter;
     ScanApplet mScanApplet;

@@ -3,8 +3,10 @@
 #include <libteskTools/JSON.h>
 
 #include "BenchJobs.h"
+#include "ItemFacts.h"
 #include "ScanApplet.h"
 #include "TerminalText.h"
+#include "TextTable.h"
 #include "TimerApplet.h"
 #include "vx/BitString.h"
 #include "vx/GrowingBuffer.h"
@@ -46,10 +48,14 @@ vxCString WithoutApostrophes(const vxCString& aText) {
 }  // namespace
 
 SysModule::SysModule(Console& aConsole, const MediaLibrary& aLibrary,
-                     const vxActivityManager& anActivity)
-    : CommandModule("sys", aConsole), mLibrary(aLibrary), mActivity(anActivity) {
+                     const vxActivityManager& anActivity, const WorkerPool& aWorkers)
+    : CommandModule("sys", aConsole),
+      mLibrary(aLibrary),
+      mActivity(anActivity),
+      mWorkers(aWorkers) {
     Declare("version", "", "show the version of the program");
     Declare("idle", "", "show what is active, and for how long nothing was");
+    Declare("threads", "", "show what the worker threads do");
     Declare("watch", "id:ui32[1,4294967295]", "log the references to one media file");
     Declare("bits", "data:base64", "show the bits of bytes that are given as base64");
     Declare("bench", "name:str", "measure how long a built-in job takes");
@@ -71,6 +77,8 @@ bool SysModule::HandleCLICommand(const vxRef<vxCLICommand>& aCommand) {
     }
     if (aCommand->CommandIs("idle")) {
         ShowIdle();
+    } else if (aCommand->CommandIs("threads")) {
+        ShowThreads();
     } else {
         ShowVersion();
     }
@@ -92,6 +100,16 @@ void SysModule::ShowIdle() {
     } else {
         mConsole.PrintLine(vxCString::Format("idle for %u s", mActivity.GetInactivityDuration()));
     }
+}
+
+void SysModule::ShowThreads() {
+    TextTable theTable("lrl");
+    theTable.AddRow({"NAME", "JOBS", "STATE"});
+    for (const WorkerStatus& theWorker : mWorkers.GetWorkers()) {
+        theTable.AddRow({theWorker.mName, NumberText(theWorker.mJobCount),
+                         theWorker.mTitle == NULL ? "waiting" : theWorker.mTitle});
+    }
+    mConsole.Print(theTable.GetText());
 }
 
 bool SysModule::Watch(uint32_t anID) {

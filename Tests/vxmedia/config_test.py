@@ -372,6 +372,7 @@ hidden       switch     true
 skip         list       ''
 expect       list       ''
 refusals     number     10
+threads      number     0
 plugins      text       ''
 plugin-path  directory  ''
 owner        text       ''

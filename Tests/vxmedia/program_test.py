@@ -889,6 +889,7 @@ HELP_SYS = """\
     sys bits data : show the bits of bytes that are given as base64
     sys idle : show what is active, and for how long nothing was
     sys json path text : fetch a value by its path from a JSON text
+    sys threads : show what the worker threads do
     sys version : show the version of the program
     sys watch id[1,4294967295] : log the references to one media file
 """
