@@ -6,7 +6,7 @@ usage: run.py BUILD_FOLDER [AREA]
 A benchmark is named area/item/who; what has the same area and item did the same work in the same
 process. Every program repeats each measurement in random order; the medians are compared. The ratio
 is the best peer's time over the library's: above 1 the library is faster. Tables go to
-Benchmarks/results/AREA.md together with the command that made them.
+Benchmarks/results/AREA.md together with the command that made them. The area scan is scan.py's.
 """
 import collections
 import datetime
@@ -83,3 +83,6 @@ for area, items in sorted(times.items()):
         f'# {area}\n\nMade by `./dev bench {area}` on {datetime.date.today()}: {platform.machine()}, {model}, '
         f'two shared cores, g++ -O2, medians of 7.\n\n{text}\n')
     print(f'\n{text}')
+
+if wanted in ('', 'scan'):
+    subprocess.run([sys.executable, str(pathlib.Path(__file__).with_name('scan.py')), str(build)], check=True)

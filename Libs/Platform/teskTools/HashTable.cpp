@@ -13,6 +13,7 @@
 #include <cstring>
 #include <utility>
 
+#include "HashTablePlace.h"
 #include "TextHash.h"
 
 namespace {
@@ -153,27 +154,32 @@ void vxReplaceValue(const vxHashTable* aTable, vxHashNode* aNode, void* aValue) 
     }
 }
 
+// Adds a node behind the others of its key, of which the first is given, or null.
+vxHashNode* vxAppendNode(vxHashTable* aTable, const vxKey& aKey, void* aValue, vxHashNode* aFirst) {
+    vxHashNode* theNode =
+        vxReserveBucket(aTable) && vxReserveSlot(aTable) ? vxNewNode(aKey, aValue) : NULL;
+    if (theNode == NULL) {
+        return NULL;
+    }
+    theNode->mSlot = aTable->mOrderCount++;
+    aTable->mOrder[theNode->mSlot] = theNode;
+    if (aFirst != NULL) {
+        aFirst->mLastValue->mNextValue = theNode;
+        aFirst->mLastValue = theNode;
+    } else {
+        vxLinkKey(aTable, theNode);
+        ++aTable->mKeyCount;
+    }
+    return theNode;
+}
+
 bool vxAddNode(vxHashTable* aTable, const vxKey& aKey, void* aValue) {
     vxHashNode* theFirst = vxFindNode(aTable, aKey);
     if (theFirst != NULL && !aTable->mfAllowDuplicates) {
         vxReplaceValue(aTable, theFirst, aValue);
         return true;
     }
-    vxHashNode* theNode =
-        vxReserveBucket(aTable) && vxReserveSlot(aTable) ? vxNewNode(aKey, aValue) : NULL;
-    if (theNode == NULL) {
-        return false;
-    }
-    theNode->mSlot = aTable->mOrderCount++;
-    aTable->mOrder[theNode->mSlot] = theNode;
-    if (theFirst != NULL) {
-        theFirst->mLastValue->mNextValue = theNode;
-        theFirst->mLastValue = theNode;
-    } else {
-        vxLinkKey(aTable, theNode);
-        ++aTable->mKeyCount;
-    }
-    return true;
+    return vxAppendNode(aTable, aKey, aValue, theFirst) != NULL;
 }
 
 void vxPackOrder(vxHashTable* aTable) {
@@ -371,6 +377,15 @@ void vxCustomHashTable_Delete(vxCustomHashTable* aTable) {
 
 void vxCustomHashTable_AllowDuplicates(vxCustomHashTable* aTable) {
     aTable->mfAllowDuplicates = true;
+}
+
+void** vxCustomHashTable_PlaceOf(vxCustomHashTable* aTable, const char* aKey) {
+    const vxKey theKey = vxMakeKey(aKey);
+    vxHashNode* theNode = vxFindNode(aTable, theKey);
+    if (theNode == NULL) {
+        theNode = vxAppendNode(aTable, theKey, NULL, NULL);
+    }
+    return theNode == NULL ? NULL : &theNode->mValue;
 }
 
 bool vxCustomHashTable_Add(vxCustomHashTable* aTable, const char* aKey, void* aValue) {

@@ -1,11 +1,13 @@
 // Property lists over a hash table, which finds names and keeps their order.
 //
-// The values of a property are one array. A list that dies does not call itself for the lists in it:
-// those that die with it wait in a chain for their turn.
+// A list that dies does not call itself for the lists in it: those that die with it wait in a chain
+// for their turn.
 
 #include <libteskTools/HashTable.h>
 #include <libteskTools/Memory.h>
 #include <libteskTools/PropertyList.h>
+
+#include "HashTablePlace.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -26,9 +28,46 @@ struct vxData {
     };
 };
 
+namespace {
+
+/// The values of a property: most have one, which needs no block of its own.
+class vxValues {
+public:
+    size_t Count() const { return mCount; }
+
+    vxData& At(size_t anIndex) { return anIndex == 0 ? mFirst : mOthers[anIndex - 1]; }
+    const vxData& At(size_t anIndex) const { return anIndex == 0 ? mFirst : mOthers[anIndex - 1]; }
+
+    void Append(const vxData& aData) {
+        if (mCount == 0) {
+            mFirst = aData;
+        } else {
+            mOthers.push_back(aData);
+        }
+        ++mCount;
+    }
+
+    vxData TakeLast() {
+        const vxData theData = At(--mCount);
+        if (mCount > 0) {
+            mOthers.pop_back();
+        }
+        return theData;
+    }
+
+private:
+    size_t mCount = 0;
+    vxData mFirst = {};
+    std::vector<vxData> mOthers;
+};
+
+}  // namespace
+
 struct vxProperty {
+    explicit vxProperty(const char* aName) : mName(aName) {}
+
     std::string mName;
-    std::vector<vxData> mValues;
+    vxValues mValues;
 };
 
 struct vxPropertyList {
@@ -94,18 +133,18 @@ void vxFreeProperty(void* aProperty) {
 }
 
 bool vxCanSet(const vxProperty* aProperty, size_t anIndex) {
-    return aProperty != NULL && anIndex <= aProperty->mValues.size();
+    return aProperty != NULL && anIndex <= aProperty->mValues.Count();
 }
 
 bool vxSet(vxProperty* aProperty, size_t anIndex, const vxData& aData) {
     if (!vxCanSet(aProperty, anIndex)) {
         return false;
     }
-    if (anIndex == aProperty->mValues.size()) {
-        aProperty->mValues.push_back(aData);
+    if (anIndex == aProperty->mValues.Count()) {
+        aProperty->mValues.Append(aData);
     } else {
         // The new value may come out of the old one: that goes last.
-        vxFreeData(std::exchange(aProperty->mValues[anIndex], aData));
+        vxFreeData(std::exchange(aProperty->mValues.At(anIndex), aData));
     }
     return true;
 }
@@ -171,14 +210,15 @@ vxProperty* vxPropertyList_Find(const vxPropertyList* aList, const char* aName) 
 }
 
 vxProperty* vxPropertyList_Add(vxPropertyList* aList, const char* aName) {
-    vxProperty* theProperty = vxPropertyList_Find(aList, aName);
-    if (theProperty == NULL && aList != NULL && aName != NULL) {
-        theProperty = new vxProperty{aName, {}};
-        if (!vxCustomHashTable_Add(aList->mTable, aName, theProperty)) {
-            delete std::exchange(theProperty, nullptr);
-        }
+    void** thePlace =
+        aList == NULL || aName == NULL ? NULL : vxCustomHashTable_PlaceOf(aList->mTable, aName);
+    if (thePlace == NULL) {
+        return NULL;
     }
-    return theProperty;
+    if (*thePlace == NULL) {
+        *thePlace = new vxProperty(aName);
+    }
+    return static_cast<vxProperty*>(*thePlace);
 }
 
 bool vxPropertyList_Remove(vxPropertyList* aList, const char* aName) {
@@ -216,18 +256,16 @@ const char* vxProperty_GetName(const vxProperty* aProperty) {
 }
 
 size_t vxProperty_GetCount(const vxProperty* aProperty) {
-    return aProperty == NULL ? 0 : aProperty->mValues.size();
+    return aProperty == NULL ? 0 : aProperty->mValues.Count();
 }
 
 const vxData* vxProperty_GetAt(const vxProperty* aProperty, size_t anIndex) {
-    return anIndex < vxProperty_GetCount(aProperty) ? &aProperty->mValues[anIndex] : NULL;
+    return anIndex < vxProperty_GetCount(aProperty) ? &aProperty->mValues.At(anIndex) : NULL;
 }
 
 void vxProperty_Truncate(vxProperty* aProperty, size_t aCount) {
     while (vxProperty_GetCount(aProperty) > aCount) {
-        const vxData theData = aProperty->mValues.back();
-        aProperty->mValues.pop_back();
-        vxFreeData(theData);
+        vxFreeData(aProperty->mValues.TakeLast());
     }
 }
 

@@ -24,6 +24,23 @@ inline uint64_t vxTextHash_Mix(uint64_t aState, uint64_t aWord) {
     return theProduct ^ (theProduct >> 32);
 }
 
+/// Fewer than eight bytes in one word; texts of one length that differ give words that do.
+inline uint64_t vxTextHash_ShortWord(const char* aText, size_t aLength) {
+    if (aLength >= sizeof(uint32_t)) {
+        uint32_t theFirst, theLast;
+        memcpy(&theFirst, aText, sizeof(theFirst));
+        memcpy(&theLast, aText + aLength - sizeof(theLast), sizeof(theLast));
+        return static_cast<uint64_t>(theLast) << 32 | theFirst;
+    }
+    if (aLength == 0) {
+        return 0;
+    }
+    const auto theByte = [aText](size_t anIndex) {
+        return static_cast<uint64_t>(static_cast<unsigned char>(aText[anIndex]));
+    };
+    return theByte(0) | theByte(aLength / 2) << 8 | theByte(aLength - 1) << 16;
+}
+
 /// Hashes `aLength` bytes; `aScope` sets equal texts of different scopes apart.
 inline uint32_t vxTextHash(const char* aText, size_t aLength, uint32_t aScope = 0) {
     static const uint64_t sStart = vxTextHash_RandomStart();
@@ -35,10 +52,7 @@ inline uint32_t vxTextHash(const char* aText, size_t aLength, uint32_t aScope = 
         aText += sizeof(theWord);
         aLength -= sizeof(theWord);
     }
-    uint64_t theRest = 0;
-    if (aLength != 0) {
-        memcpy(&theRest, aText, aLength);
-    }
+    const uint64_t theRest = vxTextHash_ShortWord(aText, aLength);
     theState = vxTextHash_Mix(vxTextHash_Mix(theState, theRest), sStart);
     return static_cast<uint32_t>(theState ^ (theState >> 29));
 }
