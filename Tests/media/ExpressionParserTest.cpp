@@ -14,7 +14,6 @@
 #include "support/SmallStack.h"
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
