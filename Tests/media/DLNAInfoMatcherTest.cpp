@@ -5,6 +5,9 @@
 #include <string>
 #include <thread>
 
+#include "support/Reports.h"
+#include "support/ScriptedMemory.h"
+
 namespace {
 
 struct ProfileCase {
@@ -174,6 +177,17 @@ TEST(DLNAInfoMatcherTest, ANameIsNeeded) {
     EXPECT_FALSE(vxDLNAInfoMatcher::AddProfile(nullptr, "audio/x", "x"));
     EXPECT_FALSE(vxDLNAInfoMatcher::AddProfile("", "audio/x", "x"));
     EXPECT_EQ(vxDLNAInfoMatcher::FindProfile(""), nullptr);
+}
+
+TEST(DLNAInfoMatcherTest, WithoutMemoryNothingIsAdded) {
+    vxtest::Reports theReports;
+    {
+        const vxtest::NoMemory theNoMemory;
+        EXPECT_FALSE(vxDLNAInfoMatcher::AddProfile("X_LATER", "audio/x", "x"));
+    }
+    EXPECT_EQ(theReports.FatalErrors().size(), 1U);
+    EXPECT_EQ(vxDLNAInfoMatcher::FindProfile("X_LATER"), nullptr);
+    EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile("X_LATER", "audio/x", "x"));
 }
 
 TEST(DLNAInfoMatcherTest, ThreadsAddAndFindAtTheSameTime) {

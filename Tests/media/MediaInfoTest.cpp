@@ -11,6 +11,7 @@
 
 #include "support/LocalZone.h"
 #include "support/Reports.h"
+#include "support/ScriptedMemory.h"
 #include "support/TempDir.h"
 
 using testing::ElementsAre;
@@ -382,6 +383,27 @@ TEST(MediaInfoTest, ANewPlaceOfTheCoverArtIsNotEncodedUnlessSaidSo) {
     theInfo.SetCoverArt("image/jpeg", 1, 2);
     EXPECT_EQ(theInfo.GetCoverArtEncoding(), 0);
     EXPECT_EQ(theInfo.GetCoverArtEncodedOffset(), 0U);
+}
+
+TEST(MediaInfoTest, WithoutMemoryValuesStayAsTheyWere) {
+    vxtest::Reports theReports;
+    vxMediaInfo theInfo;
+    vxMediaInfo theEmpty;
+    theInfo.Set("id", "1", true);
+    {
+        const vxtest::NoMemory theNoMemory;
+        theInfo.Set("id", "2", true);
+        theInfo.Set("x", "3", true);
+        theInfo.DeserializeInfo("id=4\ny=5");
+        theEmpty.Set("x", "6", true);
+        theEmpty.DeserializeInfo("y=7");
+        EXPECT_EQ(Serialized(theInfo), "");
+    }
+    EXPECT_EQ(Serialized(theInfo), "id=1");
+    EXPECT_FALSE(theEmpty.HasInfo());
+    EXPECT_EQ(theReports.FatalErrors().at(0).mResource, "memory:malloc");
+    theEmpty.Set("x", "8", true);
+    EXPECT_EQ(Serialized(theEmpty), "x=8");
 }
 
 // Serialized text
