@@ -22,7 +22,8 @@ struct FileIdentity {
 
 struct FileStatus {
     FileKind mKind = FileKind::Missing;
-    uint64_t mSize = 0;  // bytes of a regular file, else 0
+    uint64_t mSize = 0;     // bytes of a regular file, else 0
+    int64_t mModified = 0;  // nanoseconds since 1970: when a regular file was changed last, else 0
     FileIdentity mIdentity;
 };
 

@@ -18,6 +18,10 @@ FileKind KindOf(mode_t aMode) {
     return S_ISLNK(aMode) ? FileKind::Link : FileKind::Special;
 }
 
+int64_t NanosecondsOf(const timespec& aTime) {
+    return int64_t{aTime.tv_sec} * 1000000000 + aTime.tv_nsec;
+}
+
 }  // namespace
 
 FileStatus GetFileStatus(const char* aPath, bool afFollow) {
@@ -30,6 +34,7 @@ FileStatus GetFileStatus(const char* aPath, bool afFollow) {
     theStatus.mIdentity = FileIdentity{theStat.st_dev, theStat.st_ino};
     if (theStatus.mKind == FileKind::Regular) {
         theStatus.mSize = static_cast<uint64_t>(theStat.st_size);
+        theStatus.mModified = NanosecondsOf(theStat.st_mtim);
     }
     return theStatus;
 }

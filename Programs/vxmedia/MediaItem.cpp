@@ -11,9 +11,10 @@ MediaItem::~MediaItem() {
     }
 }
 
-void MediaItem::Renew(uint64_t aSize, const MediaReading& aReading) {
+void MediaItem::Renew(const FileStatus& aStatus, const MediaReading& aReading) {
     mFormat = aReading.mFormat;
-    mSize = aSize;
+    mSize = aStatus.mSize;
+    mModified = aStatus.mModified;
     mFacts = aReading.mFacts;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "FileStatus.h"
 #include "readers/MediaReader.h"
 #include "vx/CString.h"
 #include "vx/Ref.h"
@@ -26,7 +27,12 @@ public:
     ~MediaItem() override;
 
     /// Takes over what a scan has found out.
-    void Renew(uint64_t aSize, const MediaReading& aReading);
+    void Renew(const FileStatus& aStatus, const MediaReading& aReading);
+
+    /// Returns whether the file has the size and the time that it had when it was read.
+    bool IsUnchanged(const FileStatus& aStatus) const {
+        return aStatus.mSize == mSize && aStatus.mModified == mModified;
+    }
 
     /// Lets the library log every retain and release of this item, and of no other.
     void Watch();
@@ -35,6 +41,7 @@ public:
     const vxCString& GetPath() const { return mPath; }
     const MediaFormat& GetFormat() const { return *mFormat; }
     uint64_t GetSize() const { return mSize; }
+    int64_t GetModified() const { return mModified; }
     const MediaFacts& GetFacts() const { return mFacts; }
 
 private:
@@ -44,6 +51,7 @@ private:
     const vxCString mPath;              // bytes as the file system has them
     const MediaFormat* mFormat = NULL;  // set by Renew()
     uint64_t mSize = 0;                 // bytes
+    int64_t mModified = 0;              // nanoseconds since 1970
     MediaFacts mFacts;
 };
 

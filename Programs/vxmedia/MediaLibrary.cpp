@@ -34,24 +34,53 @@ void RemoveBelow(Map& aMap, const vxCString& aRoot, IsGone aIsGone) {
 
 }  // namespace
 
-void MediaLibrary::AddItem(const vxCString& aPath, uint64_t aSize, const MediaReading& aReading) {
+void DirectoryCounts::Add(const DirectoryCounts& aCounts) {
+    mOtherFiles += aCounts.mOtherFiles;
+    mLinks += aCounts.mLinks;
+    mSpecialFiles += aCounts.mSpecialFiles;
+}
+
+void MediaLibrary::AddItem(const vxCString& aPath, const FileStatus& aStatus,
+                           const MediaReading& aReading) {
     vxRef<MediaItem>& theItem = mItems[aPath];
     if (theItem.IsNull()) {
         theItem = new MediaItem(++mLastID, aPath);
     }
-    theItem->Renew(aSize, aReading);
+    theItem->Renew(aStatus, aReading);
     Place& thePlace = mPlaces[theItem->GetID()];
     if (thePlace.mItem.IsNull()) {
         thePlace.mItem = theItem;
     }
     thePlace.mScan = mScan;
+    mRefusals.erase(aPath);
+}
+
+bool MediaLibrary::KeepItem(uint32_t anID) {
+    const auto thePlace = mPlaces.find(anID);
+    if (thePlace == mPlaces.end()) {
+        return false;
+    }
+    thePlace->second.mScan = mScan;
+    return true;
 }
 
 void MediaLibrary::AddRefusal(const vxCString& aPath, const char* aReason) {
     mRefusals[aPath] = Refusal{aReason, mScan};
+    ForgetItem(aPath);
+}
+
+void MediaLibrary::ForgetItem(const vxCString& aPath) {
+    const auto theItem = mItems.find(aPath);
+    if (theItem != mItems.end()) {
+        mPlaces.erase(theItem->second->GetID());
+        mItems.erase(theItem);
+    }
 }
 
 bool MediaLibrary::AddDirectory(const vxCString& aPath, const FileIdentity& anIdentity) {
+    if (IsAdded(anIdentity)) {
+        return false;
+    }
     Directory& theDirectory = mDirectories[aPath];
     if (theDirectory.mScan == mScan) {
         return false;
@@ -59,6 +88,16 @@ bool MediaLibrary::AddDirectory(const vxCString& aPath, const FileIdentity& anId
     theDirectory = Directory{DirectoryCounts(), anIdentity, mScan};
     mDirectoryPaths[anIdentity] = aPath;
     return true;
+}
+
+bool MediaLibrary::IsAdded(const FileIdentity& anIdentity) const {
+    const auto theDirectory = mDirectories.find(FindDirectory(anIdentity));
+    return theDirectory != mDirectories.end() && theDirectory->second.mScan == mScan &&
+           theDirectory->second.mIdentity == anIdentity;
+}
+
+void MediaLibrary::AddCounts(const vxCString& aPath, const DirectoryCounts& aCounts) {
+    mDirectories[aPath].mCounts.Add(aCounts);
 }
 
 vxCString MediaLibrary::FindDirectory(const FileIdentity& anIdentity) const {
@@ -89,6 +128,11 @@ void MediaLibrary::EndScan(const vxCString& aRoot) {
     });
 }
 
+MediaItem* MediaLibrary::FindItemByPath(const vxCString& aPath) const {
+    const auto theItem = mItems.find(aPath);
+    return theItem == mItems.end() ? NULL : theItem->second.Get();
+}
+
 MediaItem* MediaLibrary::FindItem(uint32_t anID) const {
     const auto thePlace = mPlaces.find(anID);
     return thePlace == mPlaces.end() ? NULL : thePlace->second.mItem.Get();
@@ -105,10 +149,7 @@ std::vector<MediaLibrary::ReasonCount> MediaLibrary::CountReasons() const {
 DirectoryCounts MediaLibrary::CountOthers() const {
     DirectoryCounts theSum;
     for (const auto& theDirectory : mDirectories) {
-        const DirectoryCounts& theCounts = theDirectory.second.mCounts;
-        theSum.mOtherFiles += theCounts.mOtherFiles;
-        theSum.mLinks += theCounts.mLinks;
-        theSum.mSpecialFiles += theCounts.mSpecialFiles;
+        theSum.Add(theDirectory.second.mCounts);
     }
     return theSum;
 }

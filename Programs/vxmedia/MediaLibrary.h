@@ -15,6 +15,8 @@ struct DirectoryCounts {
     uint64_t mOtherFiles = 0;    // files that are no media
     uint64_t mLinks = 0;         // symbolic links, which are not followed
     uint64_t mSpecialFiles = 0;  // pipes, sockets, devices
+
+    void Add(const DirectoryCounts& aCounts);
 };
 
 /// All media files known, in the order of their paths, and an account of everything else seen.
@@ -31,16 +33,18 @@ public:
     /// Starts a scan: what is added from here on belongs to it.
     void BeginScan() { ++mScan; }
 
-    void AddItem(const vxCString& aPath, uint64_t aSize, const MediaReading& aReading);
+    void AddItem(const vxCString& aPath, const FileStatus& aStatus, const MediaReading& aReading);
     void AddRefusal(const vxCString& aPath, const char* aReason);
 
-    /// Adds a directory before what lies in it. Returns false when this scan has added it already.
+    /// Adds an item that is known already and has not changed; returns false when it has gone.
+    bool KeepItem(uint32_t anID);
+
+    /// Adds a directory before what lies in it. Returns false when this scan has added it already,
+    /// under whatever path.
     bool AddDirectory(const vxCString& aPath, const FileIdentity& anIdentity);
 
-    /// Sets what else lies in a directory that was added.
-    void SetCounts(const vxCString& aPath, const DirectoryCounts& aCounts) {
-        mDirectories[aPath].mCounts = aCounts;
-    }
+    /// Adds to what else lies in a directory that was added.
+    void AddCounts(const vxCString& aPath, const DirectoryCounts& aCounts);
 
     /// Returns the path under which a directory was added; empty when it never was.
     vxCString FindDirectory(const FileIdentity& anIdentity) const;
@@ -50,6 +54,11 @@ public:
 
     /// Returns the items in the order of their paths, compared byte by byte.
     const ItemMap& GetItems() const { return mItems; }
+
+    /// Returns the item of that path, or null.
+    ///
+    /// Owner:    as FindItem().
+    MediaItem* FindItemByPath(const vxCString& aPath) const;
 
     /// Returns the item of that number, or null.
     ///
@@ -78,6 +87,9 @@ private:
         FileIdentity mIdentity;
         uint32_t mScan = 0;
     };
+    bool IsAdded(const FileIdentity& anIdentity) const;
+    void ForgetItem(const vxCString& aPath);
+
     struct Place {
         vxRef<MediaItem> mItem;
         uint32_t mScan;  // the scan that has seen it last

@@ -111,7 +111,7 @@ void ScanApplet::BeginJob() {
     if (theStatus.mKind == FileKind::Directory) {
         mPending.push_back(theRoot);
     } else {
-        LookAtFile(theRoot, theStatus.mSize);
+        LookAtFile(theRoot, theStatus);
     }
 }
 
@@ -151,7 +151,7 @@ void ScanApplet::OpenDirectory() {
 }
 
 void ScanApplet::CloseDirectory() {
-    mLibrary.SetCounts(mDirectory, mCounts);
+    mLibrary.AddCounts(mDirectory, mCounts);
     mPending.insert(mPending.end(), mFound.rbegin(), mFound.rend());
     mFound.clear();
     mDirectory.Empty();
@@ -175,7 +175,7 @@ void ScanApplet::LookAtEntry(const vxCString& aPath) {
             mFound.push_back(aPath);
             break;
         case FileKind::Regular:
-            LookAtFile(aPath, theStatus.mSize);
+            LookAtFile(aPath, theStatus);
             break;
         case FileKind::Link:
             mCounts.mLinks += 1;
@@ -189,15 +189,15 @@ void ScanApplet::LookAtEntry(const vxCString& aPath) {
     }
 }
 
-void ScanApplet::LookAtFile(const vxCString& aPath, uint64_t aSize) {
+void ScanApplet::LookAtFile(const vxCString& aPath, const FileStatus& aStatus) {
     if (mOptions.mSkippedEndings.Match(aPath)) {
         CountOther();
         return;
     }
-    FileSource theSource(aPath, aSize);
+    FileSource theSource(aPath, aStatus.mSize);
     const MediaReading theReading = mProbes.Read(theSource, aPath);
     if (theReading.IsMedia()) {
-        mLibrary.AddItem(aPath, aSize, theReading);
+        mLibrary.AddItem(aPath, aStatus, theReading);
         mMediaCount += 1;
     } else if (theReading.IsRefused()) {
         Refuse(aPath, theReading.mReason);

@@ -62,7 +62,7 @@ private:
     void CloseDirectory();
     vxCString KnownPath(const vxCString& aPath, const FileIdentity& anIdentity);
     void LookAtEntry(const vxCString& aPath);
-    void LookAtFile(const vxCString& aPath, uint64_t aSize);
+    void LookAtFile(const vxCString& aPath, const FileStatus& aStatus);
     void CountOther();
     void Refuse(const vxCString& aPath, const char* aReason);
     vxCString GetReport() const;

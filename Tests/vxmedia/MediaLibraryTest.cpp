@@ -15,6 +15,14 @@ MediaReading Picture(uint32_t aWidth) {
     return theReading;
 }
 
+FileStatus File(uint64_t aSize, int64_t aModified = 0) {
+    FileStatus theStatus;
+    theStatus.mKind = FileKind::Regular;
+    theStatus.mSize = aSize;
+    theStatus.mModified = aModified;
+    return theStatus;
+}
+
 std::string Paths(const MediaLibrary& aLibrary) {
     std::string theText;
     for (const auto& theEntry : aLibrary.GetItems()) {
@@ -27,7 +35,7 @@ std::string Paths(const MediaLibrary& aLibrary) {
 void Scan(MediaLibrary& aLibrary, const char* aRoot, std::initializer_list<const char*> aPaths) {
     aLibrary.BeginScan();
     for (const char* thePath : aPaths) {
-        aLibrary.AddItem(thePath, 10, Picture(5));
+        aLibrary.AddItem(thePath, File(10), Picture(5));
     }
     aLibrary.EndScan(aRoot);
 }
@@ -77,8 +85,8 @@ TEST(MediaLibraryTest, RefusalsAndOthersAreCountedOnce) {
         EXPECT_TRUE(theLibrary.AddDirectory("r", FileIdentity{1, 1}));
         EXPECT_TRUE(theLibrary.AddDirectory("r/s", FileIdentity{1, 2}));
         EXPECT_FALSE(theLibrary.AddDirectory("r", FileIdentity{1, 1}));
-        theLibrary.SetCounts("r", theCounts);
-        theLibrary.SetCounts("r/s", theCounts);
+        theLibrary.AddCounts("r", theCounts);
+        theLibrary.AddCounts("r/s", theCounts);
         theLibrary.AddRefusal("r/x", "z");
         theLibrary.AddRefusal("r/y", "a");
         theLibrary.AddRefusal("r/s/y", "z");
@@ -97,7 +105,7 @@ TEST(MediaLibraryTest, RefusalsAndOthersAreCountedOnce) {
     EXPECT_EQ(theReasons[1].second, 2u);
 
     theLibrary.BeginScan();
-    theLibrary.AddItem("r/x", 10, Picture(5));
+    theLibrary.AddItem("r/x", File(10), Picture(5));
     theLibrary.EndScan("r/x");
     EXPECT_EQ(theLibrary.GetRefusalCount(), 2u);
 }
@@ -127,7 +135,7 @@ TEST(MediaLibraryTest, AnotherScanRenewsTheFacts) {
     MediaLibrary theLibrary;
     Scan(theLibrary, "r", {"r/a"});
     theLibrary.BeginScan();
-    theLibrary.AddItem("r/a", 20, Picture(7));
+    theLibrary.AddItem("r/a", File(20), Picture(7));
     theLibrary.EndScan("r");
     EXPECT_EQ(theLibrary.FindItem(1)->GetSize(), 20u);
     EXPECT_EQ(theLibrary.FindItem(1)->GetFacts().mWidth, 7u);
@@ -141,6 +149,55 @@ TEST(MediaLibraryTest, AFileThatBreaksIsNoItemAnyMore) {
     theLibrary.EndScan("r");
     EXPECT_EQ(Paths(theLibrary), "");
     EXPECT_EQ(theLibrary.GetRefusalCount(), 1u);
+}
+
+TEST(MediaLibraryTest, AFileThatIsMendedIsNotRefusedAnyMore) {
+    MediaLibrary theLibrary;
+    theLibrary.BeginScan();
+    theLibrary.AddRefusal("r/a", "broken");
+    theLibrary.BeginScan();
+    theLibrary.AddItem("r/a", File(10), Picture(5));
+    EXPECT_EQ(theLibrary.GetRefusalCount(), 0u);
+    theLibrary.AddRefusal("r/a", "broken");
+    EXPECT_EQ(Paths(theLibrary), "");
+    EXPECT_EQ(theLibrary.FindItem(1), nullptr);
+}
+
+TEST(MediaLibraryTest, AnItemThatIsKeptStaysAsItIs) {
+    MediaLibrary theLibrary;
+    Scan(theLibrary, "r", {"r/a", "r/b"});
+    theLibrary.BeginScan();
+    EXPECT_TRUE(theLibrary.KeepItem(2));
+    EXPECT_FALSE(theLibrary.KeepItem(3));
+    theLibrary.EndScan("r");
+    EXPECT_EQ(Paths(theLibrary), "2:r/b ");
+    EXPECT_EQ(theLibrary.FindItemByPath("r/b"), theLibrary.FindItem(2));
+    EXPECT_EQ(theLibrary.FindItemByPath("r/a"), nullptr);
+}
+
+TEST(MediaLibraryTest, AnItemIsUnchangedWithTheSameSizeAndTime) {
+    MediaLibrary theLibrary;
+    theLibrary.BeginScan();
+    theLibrary.AddItem("a", File(10, 1700000000000000001), Picture(5));
+    const MediaItem& theItem = *theLibrary.FindItem(1);
+    EXPECT_TRUE(theItem.IsUnchanged(File(10, 1700000000000000001)));
+    EXPECT_FALSE(theItem.IsUnchanged(File(10, 1700000000000000002)));
+    EXPECT_FALSE(theItem.IsUnchanged(File(11, 1700000000000000001)));
+}
+
+TEST(MediaLibraryTest, ADirectoryIsAddedOnceInAScanWhateverItsPath) {
+    MediaLibrary theLibrary;
+    theLibrary.BeginScan();
+    EXPECT_TRUE(theLibrary.AddDirectory("r/a", FileIdentity{1, 1}));
+    EXPECT_FALSE(theLibrary.AddDirectory("r/b", FileIdentity{1, 1}));
+    EXPECT_TRUE(theLibrary.AddDirectory("r/c", FileIdentity{1, 2}));
+    EXPECT_EQ(theLibrary.GetDirectoryCount(), 2u);
+    theLibrary.BeginScan();
+    EXPECT_TRUE(theLibrary.AddDirectory("r/b", FileIdentity{1, 1}));
+    // What was r/b in an earlier scan may be another directory now.
+    theLibrary.BeginScan();
+    EXPECT_TRUE(theLibrary.AddDirectory("r/b", FileIdentity{1, 3}));
+    EXPECT_TRUE(theLibrary.AddDirectory("r/d", FileIdentity{1, 1}));
 }
 
 }  // namespace
