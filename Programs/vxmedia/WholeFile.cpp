@@ -1,10 +1,12 @@
 // New contents are written beside the file and take its name when the medium has them. A program that
-// is killed meanwhile leaves the old file, and beside it the beginning of the new one, which its next
-// write with the same process number replaces.
+// is killed meanwhile leaves the old file, and beside it the beginning of the new one, which a later
+// write with the same process number replaces. Threads may write at the same time.
 
 #include "WholeFile.h"
 
 #include <unistd.h>
+
+#include <atomic>
 
 #include "FileStatus.h"
 #include "vx/DataBuffer.h"
@@ -52,6 +54,12 @@ bool WriteAll(vxFile& aFile, const void* aBytes, size_t aSize) {
     return true;
 }
 
+vxCString NewPathBeside(const vxCString& aPath) {
+    static std::atomic<unsigned> sCount{0};
+    return aPath.BeforeLast('/') +
+           vxCString::Format("/.vxmedia-%ld-%u.tmp", static_cast<long>(getpid()), sCount++);
+}
+
 // Returns the reason of a failure, or null.
 const char* WriteNewFile(const vxCString& aPath, const void* aBytes, size_t aSize) {
     vxFile theFile;
@@ -84,9 +92,7 @@ vxCString WriteWholeFile(const vxCString& aPath, const void* aBytes, size_t aSiz
     if (thePath.Last() == '/') {
         return WriteError(aPath, "it is no file name");
     }
-    const vxCString theNewPath =
-        thePath.BeforeLast('/') +
-        vxCString::Format("/.vxmedia-%ld.tmp", static_cast<long>(getpid()));
+    const vxCString theNewPath = NewPathBeside(thePath);
     vxFile::Remove(theNewPath);
     const char* theReason = WriteNewFile(theNewPath, aBytes, aSize);
     if (theReason == NULL && !vxFile::Rename(theNewPath, thePath)) {
