@@ -28,7 +28,8 @@ void OpenStandardDescriptors() {
 // What goes wrong with a file, a text or an argument is answered on the console. The library's own
 // records of it would come twice; whoever wants them asks for them in the environment.
 void KeepLogQuiet() {
-    constexpr vxLogModule kModules[] = {VXLOG_M_FILE, VXLOG_M_JSON, VXLOG_M_DEFAULT};
+    constexpr vxLogModule kModules[] = {VXLOG_M_FILE, VXLOG_M_FILECACHE, VXLOG_M_JSON,
+                                        VXLOG_M_DEFAULT};
     for (const vxLogModule theModule : kModules) {
         vxLog_SetLevel(theModule, VXLOGLEVEL_NONE);
     }
