@@ -1,5 +1,7 @@
 #include "MediaItem.h"
 
+#include "library/MediaInfoBuilder.h"
+
 namespace vxmedia {
 
 const MediaItem* MediaItem::sWatched = NULL;
@@ -12,15 +14,28 @@ MediaItem::~MediaItem() {
 }
 
 void MediaItem::Renew(const FileStatus& aStatus, const MediaReading& aReading) {
-    mFormat = aReading.mFormat;
     mSize = aStatus.mSize;
     mModified = aStatus.mModified;
-    mFacts = aReading.mFacts;
+    mReading = aReading;
+    MakeInfo();
+}
+
+void MediaItem::SetEdits(const EditMap& anEdits) {
+    mEdits = anEdits;
+    MakeInfo();
 }
 
 void MediaItem::Watch() {
     sWatched = this;
     SetDebugReference(this);
+}
+
+void MediaItem::MakeInfo() {
+    mInfo = std::make_unique<vxMediaInfo>();
+    FillMediaInfo(*this, *mInfo);
+    for (const auto& theEdit : mEdits) {
+        EditMediaInfo(*mInfo, theEdit.first, theEdit.second);
+    }
 }
 
 }  // namespace vxmedia

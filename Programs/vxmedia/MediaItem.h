@@ -1,15 +1,18 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <memory>
 
 #include "FileStatus.h"
 #include "readers/MediaReader.h"
 #include "vx/CString.h"
+#include "vx/MediaInfo.h"
 #include "vx/Ref.h"
 
 namespace vxmedia {
 
-/// The order of paths: byte by byte.
+/// The order of paths, and of other texts: byte by byte.
 struct PathLess {
     bool operator()(const vxCString& aLeft, const vxCString& aRight) const {
         return aLeft.Compare(aRight) < 0;
@@ -18,11 +21,16 @@ struct PathLess {
 
 /// One media file of the library.
 ///
-/// Its number and path stay for as long as it lives; a later scan may renew the rest.
+/// Its number and path stay for as long as it lives; a later scan may renew the rest. What somebody
+/// has edited is kept apart from what the file says, and stays when the file is read anew.
 ///
 /// Owner:    its handles. Destroying a watched item ends the watch.
+/// Threads:  one at a time.
 class MediaItem : public vxRefCounted {
 public:
+    /// Values by the names of editable keys; an empty one stands for a value that was taken away.
+    using EditMap = std::map<vxCString, vxCString, PathLess>;
+
     MediaItem(uint32_t anID, const vxCString& aPath) : mID(anID), mPath(aPath) {}
     ~MediaItem() override;
 
@@ -34,25 +42,36 @@ public:
         return aStatus.mSize == mSize && aStatus.mModified == mModified;
     }
 
+    /// Sets values that stand above those of the file, in place of all earlier ones.
+    void SetEdits(const EditMap& anEdits);
+
     /// Lets the library log every retain and release of this item, and of no other.
     void Watch();
 
     uint32_t GetID() const { return mID; }
     const vxCString& GetPath() const { return mPath; }
-    const MediaFormat& GetFormat() const { return *mFormat; }
+    const MediaFormat& GetFormat() const { return *mReading.mFormat; }
     uint64_t GetSize() const { return mSize; }
     int64_t GetModified() const { return mModified; }
-    const MediaFacts& GetFacts() const { return mFacts; }
+    const MediaFacts& GetFacts() const { return mReading.mFacts; }
+    const MediaReading& GetReading() const { return mReading; }
+    const EditMap& GetEdits() const { return mEdits; }
+
+    /// Returns all that is known, under the keys of the library: what the file says, then the edits.
+    const vxMediaInfo& GetInfo() const { return *mInfo; }
 
 private:
+    void MakeInfo();
+
     static const MediaItem* sWatched;  // null: none
 
-    const uint32_t mID;                 // from 1
-    const vxCString mPath;              // bytes as the file system has them
-    const MediaFormat* mFormat = NULL;  // set by Renew()
-    uint64_t mSize = 0;                 // bytes
-    int64_t mModified = 0;              // nanoseconds since 1970
-    MediaFacts mFacts;
+    const uint32_t mID;                  // from 1
+    const vxCString mPath;               // bytes as the file system has them
+    uint64_t mSize = 0;                  // bytes
+    int64_t mModified = 0;               // nanoseconds since 1970
+    MediaReading mReading;               // set by Renew()
+    EditMap mEdits;                      // by key
+    std::unique_ptr<vxMediaInfo> mInfo;  // of mReading and mEdits; null before Renew()
 };
 
 }  // namespace vxmedia

@@ -54,7 +54,7 @@ TEST(MP3ReaderTest, AnIndexTellsTheNumberOfFrames) {
     EXPECT_EQ(DescribeBytes(Index(k128, 36, Raw("Info\0\0\0\x01\0\0\0\x0A")) + theRest),
               "MP3 2ch 44100Hz 261ms (MPEG-1 layer III, 128 kbit/s)");
     EXPECT_EQ(DescribeBytes(Index(k128, 36, Raw("VBRI\0\x01\0\0\0\0\0\0\0\0\0\0\0\x0A")) + theRest),
-              "MP3 2ch 44100Hz 261ms (MPEG-1 layer III, 1278 kbit/s on average)");
+              "MP3 2ch 44100Hz 261ms (MPEG-1 layer III, 1277 kbit/s on average)");
     EXPECT_EQ(DescribeBytes(Index(kMono, 13, Raw("Info\0\0\0\x01\0\0\0\x0A")) + Times(kMono, 99)),
               "MP3 1ch 16000Hz 360ms (MPEG-2 layer III, 16 kbit/s)");
 }

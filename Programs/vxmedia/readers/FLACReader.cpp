@@ -65,6 +65,7 @@ const char* ReadFLACStreamInfo(const uint8_t* aBlock, MediaFacts& aFacts) {
     }
     aFacts.mRate = theRate;
     aFacts.mChannels = theChannels;
+    aFacts.mBits = theBitCount;
     aFacts.mFrames = theFrames;
     aFacts.mfDurationKnown = theFrames != 0;
     aFacts.mDetail = vxCString::Format("%u-bit", theBitCount);

@@ -41,9 +41,11 @@ const char* ReadGIF(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) {
     vxBitString theFlags(theHeader + 10, 1);
     const bool theHasColors = theFlags.Get(1) != 0;
     theFlags.Skip(4);
-    const uint64_t theColorsSize = theHasColors ? uint64_t(3) << (theFlags.Get(3) + 1) : 0;
+    const uint32_t theBitCount = theFlags.Get(3) + 1;
+    const uint64_t theColorsSize = theHasColors ? uint64_t(3) << theBitCount : 0;
     aFacts.mWidth = theWidth;
     aFacts.mHeight = theHeight;
+    aFacts.mBits = theHasColors ? theBitCount : 0;
     aFacts.mDetail = vxCString::Format(
         "version %.3s%s", reinterpret_cast<const char*>(theHeader) + 3,
         Loops(aSource, aStart + kGIF_HeaderSize + theColorsSize) ? ", animated" : "");

@@ -77,6 +77,7 @@ const char* ReadFrameHeader(MediaSource& aSource, uint64_t aPos, uint8_t aMarker
     }
     aFacts.mWidth = theWidth;
     aFacts.mHeight = theHeight;
+    aFacts.mBits = thePrecision * theComponents;
     aFacts.mDetail = vxCString::Format("%s, %u-bit, %u component%s", NameOfCoding(aMarker),
                                        thePrecision, theComponents, theComponents == 1 ? "" : "s");
     return nullptr;

@@ -163,14 +163,20 @@ bool RecognizeMP3(MediaSource& aSource, uint64_t aStart) {
     return aStart != 0 || StartsFrames(aSource, aStart, theFrame);
 }
 
-vxCString DetailOf(const MP3Frame& aFrame, const MP3Length& aLength, uint64_t aSize,
+// Bits per second: those of the frames, or the average of frames that differ.
+uint32_t BitRateOf(const MP3Frame& aFrame, const MP3Length& aLength, uint64_t aSize,
                    const MediaFacts& aFacts) {
-    const uint64_t theDuration = aFacts.DurationMS();
-    const bool theIsAverage = aLength.mfVariable && theDuration != 0;
-    const uint64_t theBitRate =
-        theIsAverage ? (aSize * 8 + theDuration / 2) / theDuration : aFrame.mBitRate;
+    if (!aLength.mfVariable || aFacts.mFrames == 0) {
+        return aFrame.mBitRate * 1000;
+    }
+    const double theSeconds = static_cast<double>(aFacts.mFrames) / aFacts.mRate;
+    const double theBitRate = static_cast<double>(aSize) * 8 / theSeconds;
+    return static_cast<uint32_t>(std::min<double>(theBitRate, UINT32_MAX));
+}
+
+vxCString DetailOf(const MP3Frame& aFrame, const MP3Length& aLength, const MediaFacts& aFacts) {
     return vxCString::Format("%s layer III, %u kbit/s%s%s", kMP3_Versions[aFrame.mVersion],
-                             static_cast<unsigned>(theBitRate),
+                             (aFacts.mBitRate + 500) / 1000,
                              aLength.mfVariable ? " on average" : "",
                              aLength.mfEstimated ? ", duration estimated" : "");
 }
@@ -194,7 +200,8 @@ const char* ReadMP3(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) {
     aFacts.mRate = theFrame.mRate;
     aFacts.mFrames = theLength.mFrames * theFrame.mSamples;
     aFacts.mfDurationKnown = true;
-    aFacts.mDetail = DetailOf(theFrame, theLength, theSize, aFacts);
+    aFacts.mBitRate = BitRateOf(theFrame, theLength, theSize, aFacts);
+    aFacts.mDetail = DetailOf(theFrame, theLength, aFacts);
     return nullptr;
 }
 

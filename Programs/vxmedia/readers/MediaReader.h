@@ -14,6 +14,8 @@ struct MediaFacts {
     uint32_t mHeight = 0;          // pixels
     uint32_t mChannels = 0;        // of sound
     uint32_t mRate = 0;            // samples per second and channel
+    uint32_t mBits = 0;            // of a sample of sound, or of a pixel
+    uint32_t mBitRate = 0;         // of sound, bits per second
     uint64_t mFrames = 0;          // samples of one channel
     bool mfDurationKnown = false;  // whether mFrames says anything
     vxCString mDetail;             // in words: coding, sample size, peculiarities

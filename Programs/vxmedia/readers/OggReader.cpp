@@ -70,6 +70,8 @@ const char* ReadVorbis(const uint8_t* anIdent, size_t aSize, MediaFacts& aFacts)
     }
     aFacts.mChannels = anIdent[11];
     aFacts.mRate = vxBitString::LittleEndianTouint32(anIdent + 12);
+    const uint32_t theBitRate = vxBitString::LittleEndianTouint32(anIdent + 20);
+    aFacts.mBitRate = theBitRate <= INT32_MAX ? theBitRate : 0;  // below 0: not said
     aFacts.mDetail = "Vorbis";
     return nullptr;
 }

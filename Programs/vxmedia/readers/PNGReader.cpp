@@ -20,18 +20,19 @@ constexpr size_t kPNG_MaxKeyword = 79;  // bytes
 
 struct PNGColorType {
     const char* mName;
-    uint32_t mDepths;  // bit n: a sample may have n bits
+    uint32_t mSamples;  // of one pixel
+    uint32_t mDepths;   // bit n: a sample may have n bits
 };
 
 // Indexed by the color type; types without a name do not exist.
 constexpr PNGColorType kPNG_ColorTypes[] = {
-    {"grayscale", 1u << 1 | 1u << 2 | 1u << 4 | 1u << 8 | 1u << 16},
-    {nullptr, 0},
-    {"RGB", 1u << 8 | 1u << 16},
-    {"palette", 1u << 1 | 1u << 2 | 1u << 4 | 1u << 8},
-    {"grayscale and alpha", 1u << 8 | 1u << 16},
-    {nullptr, 0},
-    {"RGBA", 1u << 8 | 1u << 16},
+    {"grayscale", 1, 1u << 1 | 1u << 2 | 1u << 4 | 1u << 8 | 1u << 16},
+    {nullptr, 0, 0},
+    {"RGB", 3, 1u << 8 | 1u << 16},
+    {"palette", 1, 1u << 1 | 1u << 2 | 1u << 4 | 1u << 8},
+    {"grayscale and alpha", 2, 1u << 8 | 1u << 16},
+    {nullptr, 0, 0},
+    {"RGBA", 4, 1u << 8 | 1u << 16},
 };
 
 uint32_t PNGChecksum(const uint8_t* aBytes, size_t aCount) {
@@ -80,6 +81,7 @@ const char* ReadPNG(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) {
     }
     aFacts.mWidth = theWidth;
     aFacts.mHeight = theHeight;
+    aFacts.mBits = theDepth * kPNG_ColorTypes[theType].mSamples;
     aFacts.mDetail = vxCString::Format("%u-bit %s%s", theDepth, kPNG_ColorTypes[theType].mName,
                                        theIsInterlaced ? ", interlaced" : "");
     return nullptr;

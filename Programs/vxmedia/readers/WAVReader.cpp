@@ -111,6 +111,12 @@ void SetDuration(const WAVHeader& aHeader, const WAVCoding& aCoding, uint64_t aD
     aFacts.mfDurationKnown = true;
 }
 
+uint32_t BitRateOf(const WAVHeader& aHeader, const WAVCoding& aCoding) {
+    const uint64_t theBytes = aCoding.mfEvenFrames ? uint64_t(aHeader.mBlockSize) * aHeader.mRate
+                                                   : aHeader.mBytesPerSecond;
+    return static_cast<uint32_t>(std::min<uint64_t>(theBytes * 8, UINT32_MAX));
+}
+
 const char* ReadData(const WAVHeader& aHeader, uint64_t aSize, uint64_t aRest, MediaFacts& aFacts) {
     if (!aHeader.mfHasFormat) {
         return "WAV: the data comes before its format";
@@ -121,6 +127,8 @@ const char* ReadData(const WAVHeader& aHeader, uint64_t aSize, uint64_t aRest, M
     }
     aFacts.mChannels = aHeader.mChannels;
     aFacts.mRate = aHeader.mRate;
+    aFacts.mBits = aHeader.mBits;
+    aFacts.mBitRate = BitRateOf(aHeader, *theCoding);
     SetDuration(aHeader, *theCoding, std::min(aSize, aRest), aFacts);
     aFacts.mDetail = vxCString::Format("%u-bit %s%s%s", aHeader.mBits, theCoding->mName,
                                        aHeader.mfExtensible ? ", extensible" : "",
