@@ -88,6 +88,10 @@ TEST(MediaTagsTest, ID3FramesHoldTextsInFourEncodings) {
                                                "b")))),
               "title=ab");
     EXPECT_EQ(Tags(Tagged(3, Frame("TIT2", Raw("\4text")))), "");
+    for (const char theFlags : {'\0', '\x80'}) {
+        EXPECT_EQ(Tags(Tagged(3, Frame("TIT2", "") + Frame("TALB", Raw("\0a")), theFlags)),
+                  "album=a");
+    }
 }
 
 TEST(MediaTagsTest, ID3FramesOfAllVersionsAreRead) {

@@ -11,7 +11,7 @@
 namespace vxmedia {
 
 size_t MediaSource::Read(uint64_t aPos, uint8_t* aBuffer, size_t aCount) {
-    if (aPos >= mSize) {
+    if (aPos >= mSize || aCount == 0) {
         return 0;
     }
     const size_t theCount = static_cast<size_t>(std::min<uint64_t>(aCount, mSize - aPos));
