@@ -112,6 +112,16 @@ TEST(MediaTagsTest, ID3FramesOfAllVersionsAreRead) {
                                  Frame("TDAT", Raw("\0"
                                                    "3112")))),
               "album=a | date=1999-12-31");
+    EXPECT_EQ(Tags(Tagged(3, Frame("TYER", Raw("\0"
+                                               "201\xE9")) +
+                                 Frame("TDAT", Raw("\0"
+                                                   "3112")))),
+              "date=201\xC3\xA9");
+    EXPECT_EQ(Tags(Tagged(3, Frame("TYER", Raw("\0"
+                                               "2015!")) +
+                                 Frame("TDAT", Raw("\0"
+                                                   "31.2")))),
+              "date=2015");
     EXPECT_EQ(Tags(Tagged(4, Frame("TDRC", Raw("\0"
                                                "1999-12")) +
                                  Frame("TPE1", Raw("\3x\0y")))),

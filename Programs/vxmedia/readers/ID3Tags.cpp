@@ -176,19 +176,31 @@ vxCString GenreOf(const vxCString& aText) {
     return aText;
 }
 
+bool IsFourDigits(const vxCString& aText) {
+    return aText.length() == 4 && aText.HasOnlyNumbers();
+}
+
 // Older versions keep the year, the day as "3006" and the time as "1800" in frames of their own.
 vxCString DateOf(const FrameTexts& aTexts) {
     if (!aTexts.mRecorded.IsEmpty() || !aTexts.mReleased.IsEmpty()) {
         return aTexts.mRecorded.IsEmpty() ? aTexts.mReleased : aTexts.mRecorded;
     }
     vxCString theDate = aTexts.mYear.Left(4);
-    if (theDate.length() == 4 && aTexts.mDay.length() == 4) {
+    if (!IsFourDigits(theDate)) {
+        return aTexts.mYear;
+    }
+    if (IsFourDigits(aTexts.mDay)) {
         theDate += vxCString("-") + aTexts.mDay.Mid(2) + "-" + aTexts.mDay.Left(2);
-        if (aTexts.mTime.length() == 4) {
+        if (IsFourDigits(aTexts.mTime)) {
             theDate += vxCString(" ") + aTexts.mTime.Left(2) + ":" + aTexts.mTime.Mid(2);
         }
     }
     return theDate;
+}
+
+// Version 2.2 has formats of three letters.
+vxCString MimeTypeOf(const vxCString& aText) {
+    return aText == "JPG" ? "image/jpeg" : aText == "PNG" ? "image/png" : aText;
 }
 
 // One tag of version 2.
@@ -207,6 +219,7 @@ private:
     uint32_t SizeOf(const uint8_t* aBytes);
     void ReadFlags(const uint8_t* aFlags, Frame& aFrame);
     void ReadText(const Frame& aFrame, vxCString FrameTexts::*aField);
+    uint64_t RawSize(const Frame& aFrame, size_t aDecoded);
     void ReadPicture(const Frame& aFrame, MediaTags& aTags);
     std::vector<uint8_t> ReadContent(const Frame& aFrame, size_t aLimit);
 
@@ -312,47 +325,43 @@ void ID3v2Tag::ReadText(const Frame& aFrame, vxCString FrameTexts::*aField) {
     }
 }
 
-// Encoding, MIME type (three letters up to version 2.2), kind, description, picture.
+// Returns how many bytes of the file the first `aDecoded` bytes of a frame take up.
+uint64_t ID3v2Tag::RawSize(const Frame& aFrame, size_t aDecoded) {
+    if (!aFrame.mfUnsynchronised) {
+        return aDecoded;
+    }
+    uint8_t theRaw[kID3_MaxPictureHead];
+    const size_t theCount = mBody.Read(aFrame.mPos, theRaw, sizeof(theRaw));
+    size_t theSize = 0;
+    for (; theSize < theCount && aDecoded > 0; ++theSize) {
+        aDecoded -= theRaw[theSize] != 0 || theSize == 0 || theRaw[theSize - 1] != 0xFF;
+    }
+    return theSize;
+}
+
+// Encoding, MIME type (three letters in version 2.2), kind, description, picture.
 void ID3v2Tag::ReadPicture(const Frame& aFrame, MediaTags& aTags) {
     const std::vector<uint8_t> theHead = ReadContent(aFrame, kID3_MaxPictureHead);
-    const size_t theMimeSize = theHead.size() < 6 ? 0
-                               : mVersion == 2
-                                   ? 3
-                                   : SizeWithNUL(Latin1, theHead.data() + 1, theHead.size() - 1);
-    const size_t theKind = 1 + theMimeSize;
-    if (theMimeSize == 0 || theKind + 1 >= theHead.size()) {
+    if (theHead.size() < 6) {
         return;
     }
+    const size_t theMimeSize =
+        mVersion == 2 ? 3 : SizeWithNUL(Latin1, theHead.data() + 1, theHead.size() - 1);
+    const size_t theKind = 1 + theMimeSize;
     const size_t theDescription = theKind + 1;
+    if (theDescription >= theHead.size()) {
+        return;
+    }
     const size_t thePicture =
         theDescription +
         SizeWithNUL(theHead[0], theHead.data() + theDescription, theHead.size() - theDescription);
-    if (thePicture >= theHead.size()) {
-        return;
-    }
     CoverArt theArt;
-    theArt.mMimeType = TextOfLatin1(theHead.data() + 1, theMimeSize);
-    if (mVersion == 2) {
-        theArt.mMimeType = theArt.mMimeType == "JPG"   ? "image/jpeg"
-                           : theArt.mMimeType == "PNG" ? "image/png"
-                                                       : theArt.mMimeType;
-    }
-    if (theArt.mMimeType == "-->") {  // a link to a picture
+    theArt.mMimeType = MimeTypeOf(TextOfLatin1(theHead.data() + 1, theMimeSize));
+    if (thePicture >= theHead.size() || theArt.mMimeType == "-->") {  // a link to a picture
         return;
     }
-    // How many bytes of the file the head takes up.
-    uint64_t theStart = thePicture;
-    if (aFrame.mfUnsynchronised) {
-        uint8_t theRaw[kID3_MaxPictureHead];
-        const size_t theCount = mBody.Read(aFrame.mPos, theRaw, sizeof(theRaw));
-        size_t theDecoded = 0;
-        for (theStart = 0; theStart < theCount && theDecoded < thePicture; ++theStart) {
-            theDecoded += theRaw[theStart] != 0 || theStart == 0 || theRaw[theStart - 1] != 0xFF;
-        }
-    }
-    const uint64_t theFirst = mBody.PlaceOf(aFrame.mPos + theStart);
-    const uint64_t theEnd = mBody.PlaceOf(aFrame.mPos + aFrame.mSize);
-    theArt.mBytes = MediaBytes(theFirst, theEnd - theFirst);
+    const uint64_t theFirst = mBody.PlaceOf(aFrame.mPos + RawSize(aFrame, thePicture));
+    theArt.mBytes = MediaBytes(theFirst, mBody.PlaceOf(aFrame.mPos + aFrame.mSize) - theFirst);
     theArt.mEncoding =
         aFrame.mfUnsynchronised || mBody.IsDecoded() ? CoverArt::Unsynchronisation : CoverArt::None;
     theArt.mfIsFront = theHead[theKind] == kID3_FrontCover;
