@@ -440,6 +440,41 @@ TEST(ExpressionParserTest, DerivedParsersRefusePropertiesAndOperators) {
     EXPECT_TRUE(theGood.Parse());
 }
 
+TEST(ExpressionParserTest, UnsupportedKeywordsAreSkipped) {
+    class Parser : public vxExpressionParser {
+    public:
+        using vxExpressionParser::vxExpressionParser;
+        bool OperandSupported(const char* anOperand) override {
+            return strcmp(anOperand, "<=") != 0 && strcmp(anOperand, "and") != 0;
+        }
+    };
+    const ShapeCase kCases[] = {
+        {"a < \"1\"", "[a]"},
+        {"a <= \"1\"", "3: whitespace"},  // "<" fits
+        {"a = \"1\" or b = \"1\"", "[a or [b]]"},
+        {"a = \"1\" and b = \"1\"", "8: a logical operator or the end"},
+    };
+    for (const ShapeCase& theCase : kCases) {
+        SCOPED_TRACE(theCase.mText);
+        Parser theParser(theCase.mText);
+        EXPECT_EQ(theParser.Parse() ? Shape(theParser.GetExpression())
+                                    : std::to_string(theParser.GetErrorPosition()) + ": " +
+                                          theParser.GetExpected(),
+                  theCase.mShape);
+    }
+}
+
+TEST(ExpressionParserTest, WhitespaceIsTheBlankAndFiveControlBytes) {
+    for (int i = 1; i < 256; ++i) {
+        const std::string theByte(1, static_cast<char>(i));
+        const bool theIsSpace = i == ' ' || (i >= 9 && i <= 13);
+        EXPECT_EQ(ShapeOf("a" + theByte + "= \"1\"") == "[a]", theIsSpace) << i;
+        EXPECT_EQ(ShapeOf("a =" + theByte + "\"1\"") == "[a]", theIsSpace) << i;
+        EXPECT_EQ(ShapeOf("a = \"1\"" + theByte + "or b = \"1\"") == "[a or [b]]", theIsSpace) << i;
+        EXPECT_EQ(ShapeOf("a = \"1\" or" + theByte + "b = \"1\"") == "[a or [b]]", theIsSpace) << i;
+    }
+}
+
 TEST(ExpressionParserTest, TablesMayBeReplaced) {
     static const vxExpressionOperand kLogic[] = {
         {"&", kvxExpressionOperandID_And, kvxExpressionValueID_Operand},
