@@ -34,6 +34,8 @@ for name in (build / 'benchmarks.txt').read_text().split():
         + ([f'--benchmark_filter=^{wanted}/'] if wanted else []),
         stdout=subprocess.PIPE, text=True, check=True)
     for row in json.loads(run.stdout)['benchmarks']:
+        if row.get('error_occurred'):
+            raise SystemExit(f"{row['name']}: {row['error_message']}")
         if row['aggregate_name'] != 'median':
             continue
         parts = [p for p in row['run_name'].split('/') if p not in ('real_time', 'process_time')

@@ -579,6 +579,58 @@ TEST(SearchExpressionTest, LongAndDeepTreesFitASmallStack) {
     });
 }
 
+/// Makes a random tree that is deep on the left, and tells what its evaluation must ask and answer.
+class RandomTree {
+public:
+    explicit RandomTree(uint32_t aState) : mState(aState) {}
+
+    vxSearchExpression* Make(int aDepth, bool* aResult, std::string* anAsked) {
+        const uint32_t theKind = aDepth == 0 ? 0 : Next(40);
+        if (theKind == 0) {
+            *aResult = Next(2) == 0;
+            *anAsked = *aResult ? "t" : "f";
+            return Leaf(anAsked->c_str());
+        }
+        if (theKind < 8) {
+            return Group(Make(aDepth - 1, aResult, anAsked));
+        }
+        if (theKind < 12) {
+            return Link(Make(aDepth - 1, aResult, anAsked));
+        }
+        vxSearchExpression* theFirst = Make(aDepth - 1, aResult, anAsked);
+        const bool theIsAnd = Next(2) == 0;
+        bool theRest = false;
+        std::string theRestAsked;
+        vxSearchExpression* theNext = Make(static_cast<int>(Next(3)), &theRest, &theRestAsked);
+        if (*aResult == theIsAnd) {
+            *aResult = theRest;
+            *anAsked += theRestAsked;
+        }
+        return Link(theFirst, theIsAnd ? kAnd : kOr, theNext);
+    }
+
+private:
+    uint32_t Next(uint32_t aCount) {
+        mState = mState * 1664525U + 1013904223U;
+        return (mState >> 16) % aCount;
+    }
+
+    uint32_t mState;
+};
+
+TEST(SearchExpressionTest, TreesOfEveryDepthAskAsLittleAsTheyCan) {
+    RandomTree theRandom(11);
+    for (int i = 0; i < 3000; ++i) {
+        bool theResult = false;
+        std::string theAsked;
+        const std::unique_ptr<vxSearchExpression> theTree(
+            theRandom.Make(i % 60, &theResult, &theAsked));
+        NameEvaluator theEvaluator;
+        EXPECT_EQ(theTree->Evaluate(&theEvaluator), theResult) << theTree->GetText().c_str();
+        EXPECT_EQ(theEvaluator.mAsked, theAsked) << theTree->GetText().c_str();
+    }
+}
+
 TEST(SearchExpressionTest, RandomTreesAreFreedWhole) {
     uint32_t theState = 7;
     const auto theNext = [&theState](uint32_t aCount) {

@@ -169,6 +169,34 @@ struct vxExpressionTree {
 
     static bool Evaluate(vxSearchExpression* anExpression,
                          vxSearchExpressionEvaluator* anEvaluator) {
+        return EvaluateNear(anExpression, anEvaluator, 0);
+    }
+
+    // The first levels, which are all in practice, are calls: processors foresee those best.
+    static bool EvaluateNear(vxSearchExpression* anExpression,
+                             vxSearchExpressionEvaluator* anEvaluator, int aDepth) {
+        constexpr int kvxNearLevels = 16;
+        vxSearchExpression* theNode = anExpression;
+        while (theNode != NULL && HasInner(theNode)) {
+            const vxLinearExpression* theLink = AsLink(theNode);
+            if (theLink == NULL || theLink->mNext == NULL) {
+                theNode = Inner(theNode);
+                continue;
+            }
+            if (aDepth == kvxNearLevels) {
+                return EvaluateFar(theNode, anEvaluator);
+            }
+            const bool theResult = EvaluateNear(theLink->mExpression, anEvaluator, aDepth + 1);
+            if (!vxNeedsRest(theLink, theResult)) {
+                return theResult;
+            }
+            theNode = theLink->mNext;
+        }
+        return theNode == NULL || theNode->Evaluate(anEvaluator);
+    }
+
+    static bool EvaluateFar(vxSearchExpression* anExpression,
+                            vxSearchExpressionEvaluator* anEvaluator) {
         vxOpenLinks theOpen;
         for (vxSearchExpression* theNode = anExpression;;) {
             while (theNode != NULL && HasInner(theNode)) {
