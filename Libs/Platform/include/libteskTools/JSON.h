@@ -17,7 +17,9 @@
 // Threads:  one at a time for a tree that is changed; any number of threads may read one that is
 //           not. Detached nodes may be used and freed in any thread.
 // Cost:     16 bytes for a value, and its texts beside it. No operation recurses: depth costs no
-//           stack. Lookups in large objects and arrays build an index on first use.
+//           stack. Lookups in large objects and arrays build an index on first use, which edits keep
+//           up to date. The memory of a tree that was read or cloned comes in blocks of up to 16 KB,
+//           each of which goes with the last node in it, wherever that has been put.
 
 #include <libteskTools/Types.h>
 
