@@ -794,6 +794,55 @@ TEST(ExpressionParserTest, NamesThatAreNotPartOfTheTreeAreNotKept) {
     EXPECT_LT(theWatcher.mInUse, 20000000U);
 }
 
+// How a tree evaluates, written down as it reads.
+bool Value(vxSearchExpression* anExpression) {
+    if (anExpression->IsComposite()) {
+        return Value(static_cast<vxCompositeExpression*>(anExpression)->GetExpression());
+    }
+    if (!anExpression->IsLinear()) {
+        NameEvaluator theEvaluator;
+        return anExpression->Evaluate(&theEvaluator);
+    }
+    const auto* theLink = static_cast<vxLinearExpression*>(anExpression);
+    const bool theValue = Value(theLink->GetExpression());
+    switch (theLink->GetOperandID()) {
+        case kvxExpressionOperandID_And:
+            return theValue && Value(theLink->GetNext());
+        case kvxExpressionOperandID_Or:
+            return theValue || Value(theLink->GetNext());
+        default:
+            return theValue;
+    }
+}
+
+TEST(ExpressionParserTest, GroupsInGroupsEvaluateAtEveryDepth) {
+    uint32_t theState = 99;
+    const auto theNext = [&theState] {
+        theState = theState * 1664525U + 1013904223U;
+        return (theState >> 16 & 1) != 0;
+    };
+    NameEvaluator theEvaluator;
+    std::string theLeft = "t = \"1\"";
+    std::string theRight = theLeft;
+    bool theLeftValue = true;
+    bool theRightValue = true;
+    for (int i = 0; i < 200; ++i) {
+        const bool theIsTrue = theNext();
+        const bool theIsAnd = theNext();
+        const std::string theName = theIsTrue ? "t = \"1\"" : "f = \"1\"";
+        const std::string theOperator = theIsAnd ? " and " : " or ";
+        theLeft = "(" + theLeft + ")" + theOperator + theName;
+        theLeftValue = theIsAnd ? theLeftValue && theIsTrue : theLeftValue || theIsTrue;
+        theRight = theName + theOperator + "(" + theRight + ")";
+        theRightValue = theIsAnd ? theRightValue && theIsTrue : theRightValue || theIsTrue;
+        vxExpressionParser theLeftParser(theLeft.c_str());
+        vxExpressionParser theRightParser(theRight.c_str());
+        ASSERT_TRUE(theLeftParser.Parse() && theRightParser.Parse());
+        ASSERT_EQ(theLeftParser.Evaluate(&theEvaluator), theLeftValue) << theLeft;
+        ASSERT_EQ(theRightParser.Evaluate(&theEvaluator), theRightValue) << theRight;
+    }
+}
+
 // The grammar and the steps of grouping written down as they read, with recursion and copies.
 class Model {
 public:
@@ -1029,14 +1078,17 @@ TEST(ExpressionParserTest, RandomTextsReadAsTheGrammarSays) {
                                          : Shape(theParser.GetExpression());
         ASSERT_EQ(theShape, theExpected) << theText;
         theShapes.insert(theShape);
-        if (theParser.GetExpression() == nullptr ||
-            theParser.GetSearchCriteriaList().Contains("(")) {
+        if (theParser.GetExpression() == nullptr) {
+            continue;
+        }
+        NameEvaluator theEvaluator;
+        ASSERT_EQ(theParser.Evaluate(&theEvaluator), Value(theParser.GetExpression())) << theText;
+        if (theParser.GetSearchCriteriaList().Contains("(")) {
             continue;
         }
         // The printed tree selects what the tree selects.
         vxExpressionParser theAgain(theParser.GetExpression()->GetText());
         ASSERT_TRUE(theAgain.Parse()) << theText;
-        NameEvaluator theEvaluator;
         ASSERT_EQ(theAgain.Evaluate(&theEvaluator), theParser.Evaluate(&theEvaluator)) << theText;
     }
     EXPECT_GT(theShapes.size(), 500u);
