@@ -13,6 +13,9 @@ class Console {
 public:
     explicit Console(bool afPrompts) : mfPrompts(afPrompts) {}
 
+    /// Returns whether somebody sits at a terminal.
+    bool IsTerminal() const { return mfPrompts; }
+
     /// Writes text that ends with a line feed; nothing when it is empty.
     void Print(const vxCString& aText);
 

@@ -26,7 +26,13 @@ void ConsoleApplet::EndLines() {
 }
 
 bool ConsoleApplet::WantsInput() const {
-    return !mLines.HasEnded() && !mLines.HasLine() && !mScanApplet.IsScanning();
+    return !mLines.HasEnded() && !mLines.HasLine() && !mScanApplet.IsScanning() && !IsAnswerDue();
+}
+
+void ConsoleApplet::LateAnswerCame(bool afOK) {
+    --mLateAnswers;
+    mfFailed = mfFailed || !afOK;
+    AppletWakeUp();
 }
 
 void ConsoleApplet::InputIsReadable() {

@@ -10,6 +10,9 @@ namespace vxmedia {
 
 /// Reads command lines and executes them one by one, each only when the scan before it has ended.
 ///
+/// Where nobody sits at a terminal, a line also waits for the answers to those before it that come
+/// later.
+///
 /// Lines come from standard input, or were given on the program's command line; then standard input
 /// is not read.
 ///
@@ -40,13 +43,23 @@ public:
     /// Counts a failure that belongs to no line.
     void NoteFailure() { mfFailed = true; }
 
+    /// Tells that a line was executed whose answer comes later.
+    void LateAnswerComes() { ++mLateAnswers; }
+
+    /// Tells that one of those answers was given, and whether the line has succeeded.
+    void LateAnswerCame(bool afOK);
+
     vxAppletMsg AppletLoop(vxAppletMsg aMsg) override;
 
 private:
     void ReadInput();
     bool ExecuteNextLine();
-    /// Whether no line may be executed now: a scan goes on, or "exit" was the last line.
-    bool IsHeld() const { return mScanApplet.IsScanning() || mInterpreter.HasExited(); }
+    /// Whether no line may be executed now: a scan goes on, an answer is due, or "exit" was the last
+    /// line.
+    bool IsHeld() const {
+        return mScanApplet.IsScanning() || IsAnswerDue() || mInterpreter.HasExited();
+    }
+    bool IsAnswerDue() const { return mLateAnswers > 0 && !mConsole.IsTerminal(); }
     bool IsDone() const { return mLines.HasEnded() && !mLines.HasLine(); }
 
     Console& mConsole;
@@ -54,7 +67,8 @@ private:
     ScanApplet& mScanApplet;
     std::function<void()> mEnd;
     LineReader mLines;
-    bool mfReadable = false;  // one read will not wait
+    unsigned int mLateAnswers = 0;  // that are still to come
+    bool mfReadable = false;        // one read will not wait
     bool mfFailed = false;
 };
 

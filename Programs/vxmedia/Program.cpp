@@ -5,6 +5,7 @@
 #include "LibraryModule.h"
 #include "SysModule.h"
 #include "TimerModule.h"
+#include "cache/CacheModule.h"
 #include "config/ConfigModule.h"
 #include "export/ExportModule.h"
 #include "probes/PluginModule.h"
@@ -38,6 +39,8 @@ void Program::AddModules() {
     mInterpreter.AddModule(new ConfigModule(mConsole, mSettings));
     mInterpreter.AddModule(new ExportModule(mConsole, mLibrary, mSettings));
     mInterpreter.AddModule(new PluginModule(mConsole, mProbes, mScanApplet));
+    mInterpreter.AddModule(
+        new CacheModule(mConsole, mConsoleApplet, mLibrary, mCovers, mWorkers, mSettings));
     mInterpreter.SetExitCallback([this] { RequestExit(); });
 }
 
@@ -65,6 +68,8 @@ void Program::TakeSettings() {
     theOptions.mShownRefusals = mSettings.GetNumber("refusals");
     mScanApplet.SetOptions(theOptions);
     mWorkers.SetThreadCount(mSettings.GetNumber("threads"));
+    mCovers.SetPlace(CoverPlace{mSettings.GetDirectory("cache-path").c_str(),
+                                mSettings.GetNumber("cache-limit")});
     mProbes.SetDirectory(mSettings.GetDirectory("plugin-path"));
 }
 

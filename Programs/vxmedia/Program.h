@@ -10,6 +10,7 @@
 #include "ScanApplet.h"
 #include "TimerApplet.h"
 #include "WorkerPool.h"
+#include "cache/CoverStore.h"
 #include "config/Settings.h"
 #include "probes/MediaProbes.h"
 #include "vx/ActivityManager.h"
@@ -69,6 +70,7 @@ private:
     vxActivityManager mActivity;
     MediaProbes mProbes;  // above the library: formats of its files lie there
     MediaLibrary mLibrary;
+    CoverStore mCovers;
     WorkerPool mWorkers;  // below what its jobs use
     Console mConsole;
     Interpreter mInterpreter;

@@ -28,6 +28,7 @@ namespace vxmedia {
 namespace {
 
 constexpr int kCover_Attempts = 4;
+constexpr const char* kCover_TrimName = ".trim";
 constexpr const char* kCover_DirectoryName = "covers";
 constexpr const char* kCover_ProgramName = "vxmedia";
 
@@ -78,6 +79,19 @@ const char* MimeTypeOf(const uint8_t* aBytes, size_t aCount) {
     const bool theIsWebP =
         aCount >= 12 && StartsWith(aBytes, aCount, "RIFF", 4) && memcmp(aBytes + 8, "WEBP", 4) == 0;
     return theIsWebP ? "image/webp" : "application/octet-stream";
+}
+
+// The manager looks at its limit when a file is complete. An empty one makes it look.
+void Trim(vxFileCacheManager& aManager) {
+    bool theIsNew = false;
+    const std::unique_ptr<vxFile> theFile(aManager.OpenCachedFile(
+        kCover_TrimName, &theIsNew, kvxFileCacheOpenMode_CreateReadWrite_OpenRead));
+    if (theIsNew) {
+        aManager.SetCachedFileState(kCover_TrimName, theFile.get(), true);
+    }
+    if (theFile != nullptr) {
+        aManager.RemoveTempFile(kCover_TrimName);
+    }
 }
 
 vxCString UnusableError(const vxPathName& aDirectory) {
@@ -166,6 +180,7 @@ vxCString CoverStore::Open(bool afAnew) {
         return UnusableError(CoverDirectory(thePlace));
     }
     mManager.reset(theManager);
+    Trim(*mManager);
     mOpenPlace = thePlace;
     mLimit = LimitOf(thePlace);
     return vxCString();

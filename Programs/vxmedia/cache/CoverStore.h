@@ -41,7 +41,8 @@ struct Cover {
 /// any time: covers that have gone are made again, files that are there are taken for what they are
 /// called.
 ///
-/// Threads:  any. Fetch() and Empty() may take as long as a disk takes; all else returns at once.
+/// Threads:  any. SetPlace() and GetStatus() wait for nobody; all else may take as long as a cover
+///           takes that is being produced.
 class CoverStore {
 public:
     /// Obtains the bytes of a cover. Returns an error text, empty on success.
@@ -54,6 +55,11 @@ public:
 
     /// Sets where covers are kept and how many; it counts from the next use on.
     void SetPlace(const CoverPlace& aPlace);
+
+    /// Lets the place that was set count now: covers beyond the limit are removed.
+    ///
+    /// Fails:    with an error text, which is empty on success, as Fetch() does.
+    vxCString TakePlace() { return Open(false); }
 
     /// Returns the cover of this file name, which is produced if it is not there.
     ///

@@ -19,6 +19,8 @@ const vxConfigMapperInfo kOptions[] = {
     {"expect", "Scan", "Expect", kvxConfigEntryType_CSVString, ""},
     {"refusals", "Scan", "Refusals", kvxConfigEntryType_uint16, "10"},
     {"threads", "Scan", "Threads", kvxConfigEntryType_uint16, "0"},
+    {"cache-path", "Cache", "Path", kvxConfigEntryType_dirPath, ""},
+    {"cache-limit", "Cache", "Limit", kvxConfigEntryType_uint16, "64"},
     {"plugins", "Plugins", "Load", kvxConfigEntryType_string, ""},
     {"plugin-path", "Plugins", "Path", kvxConfigEntryType_dirPath, ""},
     {"owner", "Export", "Owner", kvxConfigEntryType_string, ""},
@@ -28,7 +30,7 @@ const vxConfigMapperInfo kOptions[] = {
 namespace {
 
 constexpr OptionRange kRanges[] = {
-    {"list-limit", 1, 100000}, {"refusals", 1, 1000}, {"threads", 0, 64}};
+    {"list-limit", 1, 100000}, {"refusals", 1, 1000}, {"cache-limit", 1, 4096}, {"threads", 0, 64}};
 
 // A longer text would let the file grow until it is not read any more.
 constexpr size_t kOption_MaxLength = 4096;
