@@ -1,12 +1,10 @@
 // New contents are written beside the file and take its name when the medium has them. A program that
 // is killed meanwhile leaves the old file, and beside it the beginning of the new one, which a later
-// write with the same process number replaces. Threads may write at the same time.
+// write by a thread of the same number replaces: no two threads of the system have one number.
 
 #include "WholeFile.h"
 
 #include <unistd.h>
-
-#include <atomic>
 
 #include "FileStatus.h"
 #include "vx/DataBuffer.h"
@@ -55,9 +53,8 @@ bool WriteAll(vxFile& aFile, const void* aBytes, size_t aSize) {
 }
 
 vxCString NewPathBeside(const vxCString& aPath) {
-    static std::atomic<unsigned> sCount{0};
     return aPath.BeforeLast('/') +
-           vxCString::Format("/.vxmedia-%ld-%u.tmp", static_cast<long>(getpid()), sCount++);
+           vxCString::Format("/.vxmedia-%ld.tmp", static_cast<long>(gettid()));
 }
 
 // Returns the reason of a failure, or null.

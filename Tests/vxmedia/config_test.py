@@ -373,6 +373,8 @@ skip         list       ''
 expect       list       ''
 refusals     number     10
 threads      number     0
+cache-path   directory  ''
+cache-limit  number     64
 plugins      text       ''
 plugin-path  directory  ''
 owner        text       ''
