@@ -246,7 +246,7 @@ class Commands(Scratch):
 
     def test_help_lists_modules_and_commands(self):
         self.assertEqual(ask('help\n'), 'Available modules:\n    !\n    library,lib\n    timer\n    sys\n'
-                         '    config\n    export,ex\n    plugin\n')
+                         '    config\n    export,ex\n    plugin\n    cache,fc\n')
         self.assertEqual(ask('help lib\n'), HELP_LIB)
         self.assertEqual(ask('help library\n'), HELP_LIB.replace('    lib ', '    library '))
         self.assertEqual(ask('help timer\n'), HELP_TIMER)
