@@ -10,30 +10,12 @@
 #include "TerminalText.h"
 #include "TextTable.h"
 #include "TypedText.h"
+#include "library/ItemTable.h"
+#include "library/SearchCommands.h"
 
 namespace vxmedia {
 
 namespace {
-
-vxCString PictureText(const MediaFacts& aFacts) {
-    return aFacts.IsPicture() ? vxCString::Format("%ux%u", aFacts.mWidth, aFacts.mHeight) : "-";
-}
-
-vxCString ChannelsText(const MediaFacts& aFacts) {
-    return aFacts.IsSound() ? NumberText(aFacts.mChannels) : "-";
-}
-
-vxCString RateText(const MediaFacts& aFacts) {
-    return aFacts.IsSound() ? NumberText(aFacts.mRate) : "-";
-}
-
-vxCString PlayingTimeText(const MediaFacts& aFacts) {
-    return aFacts.mfDurationKnown ? SecondsText(aFacts.DurationMS()) : "-";
-}
-
-vxCString PathText(const MediaItem& anItem) {
-    return EscapeForTerminal(anItem.GetPath(), EscapeMode::Name);
-}
 
 // The sums of one format, or of all.
 struct FormatSums {
@@ -129,6 +111,8 @@ LibraryModule::LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanAppl
       mSettings(aSettings) {
     Declare("scan", "path:...", "read the media files of a directory and below");
     Declare("list", "(limit:ui32[1,100000])", "list media files by path");
+    Declare("find", "criteria:...", "list media files that match search criteria");
+    Declare("first", "count:ui32[1,1000] criteria:...", "list the first ones that match");
     Declare("show", "id:ui32[1,4294967295]", "show all about one media file");
     Declare("stats", "", "show numbers of files, bytes and seconds by format");
 }
@@ -139,6 +123,14 @@ bool LibraryModule::HandleCLICommand(const vxRef<vxCLICommand>& aCommand) {
     }
     if (aCommand->CommandIs("show")) {
         return Show(aCommand->Parameter(0)->GetUInt32());
+    }
+    if (aCommand->CommandIs("find")) {
+        return Answer(
+            FindItems(mLibrary, aCommand->Parameter(0)->GetString(), UINT32_MAX, mConsole));
+    }
+    if (aCommand->CommandIs("first")) {
+        return Answer(FindItems(mLibrary, aCommand->Parameter(1)->GetString(),
+                                aCommand->Parameter(0)->GetUInt32(), mConsole));
     }
     if (aCommand->CommandIs("list")) {
         const vxRef<vxCLIParameter> theLimit = aCommand->Parameter(0);
@@ -158,25 +150,14 @@ bool LibraryModule::Scan(const vxCString& aTypedPath) {
 }
 
 void LibraryModule::List(uint32_t aLimit) {
-    TextTable theTable("rlrlrrrl");
-    theTable.AddRow({"ID", "FORMAT", "BYTES", "PICTURE", "CHANNELS", "RATE", "SECONDS", "PATH"});
-    uint32_t theCount = 0;
+    ItemTable theTable;
     for (const auto& theEntry : mLibrary.GetItems()) {
-        if (theCount == aLimit) {
+        if (theTable.GetCount() == aLimit) {
             break;
         }
-        ++theCount;
-        const MediaItem& theItem = *theEntry.second.Get();
-        const MediaFacts& theFacts = theItem.GetFacts();
-        theTable.AddRow({NumberText(theItem.GetID()),
-                         EscapeForTerminal(theItem.GetFormat().mName, EscapeMode::Text),
-                         NumberText(theItem.GetSize()), PictureText(theFacts),
-                         ChannelsText(theFacts), RateText(theFacts), PlayingTimeText(theFacts),
-                         PathText(theItem)});
+        theTable.Add(*theEntry.second.Get());
     }
-    mConsole.Print(theTable.GetText());
-    mConsole.PrintLine(NumberText(theCount) + " of " + NumberText(mLibrary.GetItems().size()) +
-                       " media files");
+    mConsole.Print(theTable.GetText(mLibrary.GetItems().size()));
 }
 
 bool LibraryModule::Show(uint32_t anID) {

@@ -7,7 +7,7 @@
 
 namespace vxmedia {
 
-/// The commands of the module "library": scan, list, show, stats.
+/// The commands of the module "library": scan, list, find, first, show, stats.
 class LibraryModule : public CommandModule {
 public:
     LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet,

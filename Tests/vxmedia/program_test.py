@@ -873,6 +873,8 @@ Usage: vxmedia [-h] [-q] [-c<str>] [-e<str>] [-s<str>] [directory...]
   -s <str>\texecute the lines of this script file, then end
 """
 HELP_LIB = """\
+    lib find criteria : list media files that match search criteria
+    lib first count[1,1000] criteria : list the first ones that match
     lib list (limit[1,100000]) : list media files by path
     lib scan path : read the media files of a directory and below
     lib show id[1,4294967295] : show all about one media file
