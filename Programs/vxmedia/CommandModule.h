@@ -15,6 +15,9 @@ public:
     CommandModule(const char* aNames, Console& aConsole)
         : vxCLIApplet(aNames), mConsole(aConsole) {}
 
+    /// Returns whether the command is answered while a scan goes on, also where lines wait for its end.
+    virtual bool IsImmediate(const vxRef<vxCLICommand>&) const { return false; }
+
 protected:
     /// Declares a command in the description language of the console.
     void Declare(const char* aNames, const char* aDescription, const char* aHelp) {

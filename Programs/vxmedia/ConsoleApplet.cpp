@@ -26,7 +26,7 @@ void ConsoleApplet::EndLines() {
 }
 
 bool ConsoleApplet::WantsInput() const {
-    return !mLines.HasEnded() && !mLines.HasLine() && !mScanApplet.IsScanning() && !IsAnswerDue();
+    return !mLines.HasEnded() && !mLines.HasLine() && !HasLine();
 }
 
 void ConsoleApplet::LateAnswerCame(bool afOK) {
@@ -46,18 +46,19 @@ vxAppletMsg ConsoleApplet::AppletLoop(vxAppletMsg) {
         mfReadable = false;
         ReadInput();
     }
-    for (int i = 0; i < kConsole_LinesPerStep && !IsHeld() && ExecuteNextLine(); ++i) {}
-    if (IsHeld()) {
+    for (int i = 0; i < kConsole_LinesPerStep && ExecuteNextLine(); ++i) {}
+    if (mInterpreter.HasExited()) {
         return vxAppletMsg_None;
     }
-    if (mLines.HasLine()) {
-        return vxAppletMsg_LoopAgain;
+    TakeNextLine();
+    if (HasLine()) {
+        return MayExecute() ? vxAppletMsg_LoopAgain : vxAppletMsg_None;
     }
-    if (IsDone()) {
+    if (!mLines.HasEnded()) {
+        mConsole.ShowPrompt();
+    } else if (!IsHeld()) {
         mConsole.Finish();
         mEnd();
-    } else {
-        mConsole.ShowPrompt();
     }
     return vxAppletMsg_None;
 }
@@ -72,24 +73,44 @@ void ConsoleApplet::ReadInput() {
     }
 }
 
-// Returns false when there is no line.
+void ConsoleApplet::TakeNextLine() {
+    if (!HasLine()) {
+        mNextResult = mLines.NextLine(mNextLine);
+    }
+}
+
+// Whether the line that was taken may be executed now. One that is refused anyway waits as others do.
+bool ConsoleApplet::MayExecute() const {
+    return !IsHeld() || (mNextResult == LineReader::Result::Line &&
+                         mInterpreter.IsImmediate(vxCString(mNextLine.data(), mNextLine.size())));
+}
+
+// Returns false when there is no line, or none that may be executed now.
 bool ConsoleApplet::ExecuteNextLine() {
-    std::string theLine;
-    const LineReader::Result theResult = mLines.NextLine(theLine);
-    if (theResult == LineReader::Result::None) {
+    if (mInterpreter.HasExited()) {
+        return false;
+    }
+    TakeNextLine();
+    if (!HasLine() || !MayExecute()) {
         return false;
     }
     mConsole.LineWasTyped();
-    bool theSucceeded = false;
+    mfFailed = !Execute() || mfFailed;
+    return true;
+}
+
+bool ConsoleApplet::Execute() {
+    const LineReader::Result theResult = mNextResult;
+    mNextResult = LineReader::Result::None;
     if (theResult == LineReader::Result::TooLong) {
         mConsole.PrintError("ERROR: The line is too long");
-    } else if (theResult == LineReader::Result::HasNul) {
-        mConsole.PrintError("ERROR: The line holds a NUL byte");
-    } else {
-        theSucceeded = mInterpreter.Execute(vxCString(theLine.data(), theLine.size()));
+        return false;
     }
-    mfFailed = mfFailed || !theSucceeded;
-    return true;
+    if (theResult == LineReader::Result::HasNul) {
+        mConsole.PrintError("ERROR: The line holds a NUL byte");
+        return false;
+    }
+    return mInterpreter.Execute(vxCString(mNextLine.data(), mNextLine.size()));
 }
 
 }  // namespace vxmedia

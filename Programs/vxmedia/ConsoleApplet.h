@@ -8,7 +8,8 @@
 
 namespace vxmedia {
 
-/// Reads command lines and executes them one by one, each only when the scan before it has ended.
+/// Reads command lines and executes them one by one. At a terminal they are answered at once; else
+/// each waits until the scan before it has ended, but for those that ask about scans.
 ///
 /// Where nobody sits at a terminal, a line also waits for the answers to those before it that come
 /// later.
@@ -53,20 +54,24 @@ public:
 
 private:
     void ReadInput();
+    void TakeNextLine();
     bool ExecuteNextLine();
-    /// Whether no line may be executed now: a scan goes on, an answer is due, or "exit" was the last
-    /// line.
+    bool Execute();
+    /// Whether a scan, or an answer that is due, must come to its end before lines are executed or the
+    /// end of the input counts.
     bool IsHeld() const {
-        return mScanApplet.IsScanning() || IsAnswerDue() || mInterpreter.HasExited();
+        return !mConsole.IsTerminal() && (mScanApplet.IsScanning() || mLateAnswers > 0);
     }
-    bool IsAnswerDue() const { return mLateAnswers > 0 && !mConsole.IsTerminal(); }
-    bool IsDone() const { return mLines.HasEnded() && !mLines.HasLine(); }
+    bool MayExecute() const;
+    bool HasLine() const { return mNextResult != LineReader::Result::None; }
 
     Console& mConsole;
     Interpreter& mInterpreter;
     ScanApplet& mScanApplet;
     std::function<void()> mEnd;
     LineReader mLines;
+    LineReader::Result mNextResult = LineReader::Result::None;
+    std::string mNextLine;          // to be executed next, if mNextResult says so
     unsigned int mLateAnswers = 0;  // that are still to come
     bool mfReadable = false;        // one read will not wait
     bool mfFailed = false;

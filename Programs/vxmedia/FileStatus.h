@@ -32,4 +32,7 @@ struct FileStatus {
 /// A symbolic link is looked through only with `afFollow`. What cannot be examined counts as missing.
 FileStatus GetFileStatus(const char* aPath, bool afFollow);
 
+/// Returns the system's number of the error with which a directory cannot be opened; 0: it can.
+int GetDirectoryError(const char* aPath);
+
 }  // namespace vxmedia

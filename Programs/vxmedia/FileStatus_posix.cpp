@@ -1,4 +1,8 @@
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 
 #include "FileStatus.h"
 
@@ -37,6 +41,15 @@ FileStatus GetFileStatus(const char* aPath, bool afFollow) {
         theStatus.mModified = NanosecondsOf(theStat.st_mtim);
     }
     return theStatus;
+}
+
+int GetDirectoryError(const char* aPath) {
+    const int theFD = open(aPath, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (theFD < 0) {
+        return errno;
+    }
+    close(theFD);
+    return 0;
 }
 
 }  // namespace vxmedia

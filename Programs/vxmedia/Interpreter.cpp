@@ -11,6 +11,22 @@ void Interpreter::AddModule(const vxRef<CommandModule>& aModule) {
     mModules.push_back(aModule);
 }
 
+// Parsing a line that begins with `!` could change the active module before its time.
+bool Interpreter::IsImmediate(const vxCString& aLine) const {
+    vxCString theLine = aLine;
+    theLine.TrimLeftRight();
+    if (theLine.IsEmpty() || theLine.First() == '!') {
+        return false;
+    }
+    const vxRef<vxCLICommand> theCommand = mManager->Parse(aLine);
+    if (!theCommand->IsValid()) {
+        return false;
+    }
+    const CommandModule* theModule = FindModule(theCommand);
+    return theCommand->ModuleIs("help") ||
+           (theModule != NULL && theModule->IsImmediate(theCommand));
+}
+
 bool Interpreter::Execute(const vxCString& aLine) {
     const vxRef<vxCLICommand> theCommand = mManager->Parse(aLine);
     if (!theCommand->IsValid()) {
@@ -35,12 +51,17 @@ bool Interpreter::Help(const vxRef<vxCLICommand>& aCommand) {
 
 // An empty line and a change of the active module lead to no module: there is nothing left to do.
 bool Interpreter::Dispatch(const vxRef<vxCLICommand>& aCommand) {
+    CommandModule* theModule = FindModule(aCommand);
+    return theModule == NULL || theModule->HandleCLICommand(aCommand);
+}
+
+CommandModule* Interpreter::FindModule(const vxRef<vxCLICommand>& aCommand) const {
     for (const vxRef<CommandModule>& theModule : mModules) {
         if (aCommand->GetCLICommandSet() == theModule->GetCommandSet()) {
-            return theModule->HandleCLICommand(aCommand);
+            return theModule.Get();
         }
     }
-    return true;
+    return NULL;
 }
 
 }  // namespace vxmedia

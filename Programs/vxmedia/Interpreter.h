@@ -24,6 +24,10 @@ public:
     /// Returns whether "exit" was executed: no line is to follow.
     bool HasExited() const { return mfExited; }
 
+    /// Returns whether the line is answered while a scan goes on, also where lines wait for its end:
+    /// help, and what a module says. A line that begins with `!` is not.
+    bool IsImmediate(const vxCString& aLine) const;
+
     /// Executes a line, prints what it answers or its error, and returns whether it succeeded.
     ///
     /// A scan that the line starts may go on when this returns.
@@ -32,6 +36,7 @@ public:
 private:
     bool Help(const vxRef<vxCLICommand>& aCommand);
     bool Dispatch(const vxRef<vxCLICommand>& aCommand);
+    CommandModule* FindModule(const vxRef<vxCLICommand>& aCommand) const;
 
     Console& mConsole;
     vxRef<vxCLIManager> mManager;

@@ -110,6 +110,8 @@ LibraryModule::LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanAppl
       mProbes(aProbes),
       mSettings(aSettings) {
     Declare("scan", "path:...", "read the media files of a directory and below");
+    Declare("stop", "", "stop the scan, and drop those that wait behind it");
+    Declare("progress", "", "show how far the scan is");
     Declare("list", "(limit:ui32[1,100000])", "list media files by path");
     Declare("find", "criteria:...", "list media files that match search criteria");
     Declare("first", "count:ui32[1,1000] criteria:...", "list the first ones that match");
@@ -135,6 +137,10 @@ bool LibraryModule::HandleCLICommand(const vxRef<vxCLICommand>& aCommand) {
     if (aCommand->CommandIs("list")) {
         const vxRef<vxCLIParameter> theLimit = aCommand->Parameter(0);
         List(theLimit->IsMissing() ? mSettings.GetNumber("list-limit") : theLimit->GetUInt32());
+    } else if (aCommand->CommandIs("stop")) {
+        Stop();
+    } else if (aCommand->CommandIs("progress")) {
+        ShowProgress();
     } else {
         ShowStats();
     }
@@ -147,6 +153,17 @@ bool LibraryModule::Scan(const vxCString& aTypedPath) {
         return Answer("ERROR: Please specify the directory to scan");
     }
     return Answer(mScanApplet.Scan(thePath, false));
+}
+
+void LibraryModule::Stop() {
+    if (!mScanApplet.Stop()) {
+        mConsole.PrintLine("No scan is running");
+    }
+}
+
+void LibraryModule::ShowProgress() {
+    const vxCString theProgress = mScanApplet.GetProgress();
+    mConsole.PrintLine(theProgress.IsEmpty() ? vxCString("No scan is running") : theProgress);
 }
 
 void LibraryModule::List(uint32_t aLimit) {

@@ -7,16 +7,21 @@
 
 namespace vxmedia {
 
-/// The commands of the module "library": scan, list, find, first, show, stats.
+/// The commands of the module "library": scan, stop, progress, list, find, first, show, stats.
 class LibraryModule : public CommandModule {
 public:
     LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet,
                   const MediaProbes& aProbes, const Settings& aSettings);
 
     bool HandleCLICommand(const vxRef<vxCLICommand>& aCommand) override;
+    bool IsImmediate(const vxRef<vxCLICommand>& aCommand) const override {
+        return aCommand->CommandIs("progress") || aCommand->CommandIs("stop");
+    }
 
 private:
     bool Scan(const vxCString& aTypedPath);
+    void Stop();
+    void ShowProgress();
     void List(uint32_t aLimit);
     bool Show(uint32_t anID);
     void ShowStats();

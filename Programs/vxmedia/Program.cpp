@@ -23,7 +23,7 @@ Program::Program(const ProgramOptions& anOptions, Settings& aSettings)
       mSettings(aSettings),
       mConsole(!anOptions.mfHasLines && isatty(STDIN_FILENO) != 0),
       mInterpreter(mConsole),
-      mScanApplet(mLibrary, mProbes, mConsole, mActivity),
+      mScanApplet(mLibrary, mProbes, mWorkers, mConsole, mActivity),
       mTimerApplet(mActivity),
       mConsoleApplet(mConsole, mInterpreter, mScanApplet) {
     AddModules();
@@ -125,7 +125,13 @@ void Program::RequestExit() {
     AppletWakeUp();
 }
 
+// As long as applets are awake nobody waits, and so nobody looks at standard input, where somebody may
+// ask how far the scan is: look at it in each step.
 vxAppletMsg Program::AppletLoop(vxAppletMsg) {
+    if (!mfHasWaited && mConsoleApplet.WantsInput()) {
+        WaitWakeUpSignal(0);
+    }
+    mfHasWaited = false;
     return mfExit ? vxAppletMsg_Exit : vxAppletMsg_None;
 }
 
@@ -134,6 +140,7 @@ void Program::RaiseWakeUpSignal() {
 }
 
 void Program::WaitWakeUpSignal(unsigned int aMSTimeout) {
+    mfHasWaited = true;
     const bool theWantsInput = mConsoleApplet.WantsInput();
     fd_set theInput;
     FD_ZERO(&theInput);

@@ -67,6 +67,7 @@ private:
     Settings& mSettings;
     vxSelect mSelect;  // above the applets: their ends may still signal
     bool mfExit = false;
+    bool mfHasWaited = false;  // since the last step, and looked at standard input
     vxActivityManager mActivity;
     MediaProbes mProbes;  // above the library: formats of its files lie there
     MediaLibrary mLibrary;

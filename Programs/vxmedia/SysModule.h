@@ -15,6 +15,9 @@ public:
               const WorkerPool& aWorkers);
 
     bool HandleCLICommand(const vxRef<vxCLICommand>& aCommand) override;
+    bool IsImmediate(const vxRef<vxCLICommand>& aCommand) const override {
+        return aCommand->CommandIs("threads");
+    }
 
 private:
     void ShowVersion();

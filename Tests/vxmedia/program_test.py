@@ -538,14 +538,15 @@ class Terminal(Scratch):
                          'timer after 300 sys version\nTimer 1: after 300 ms\nvxmedia> ')
         self.assertEqual(self.read_until(b'vxmedia> '), '\nvxmedia 1.0.0\nvxmedia> ')
 
-    def test_a_scan_answers_before_the_next_prompt(self):
+    def test_a_scan_starts_its_own_line_and_the_prompt_comes_back(self):
         self.write(b'x.gif')
         self.start('-q', '.')
         self.read_until(b'vxmedia> ')
         self.type('lib scan .\n')
         self.assertEqual(self.read_until(b'vxmedia> '),
-                         'lib scan .\nScanned .: media 1, others 0, refused 0, directories 1\n'
-                         'vxmedia> ')
+                         'lib scan .\nvxmedia> ')
+        self.assertEqual(self.read_until(b'vxmedia> '),
+                         '\nScanned .: media 1, others 0, refused 0, directories 1\nvxmedia> ')
 
     def test_commands_in_arguments_need_no_prompt(self):
         self.start('-q', '-esys version')
@@ -709,7 +710,8 @@ class BadInput(Scratch):
         self.assertEqual(output.splitlines()[:4],
                          ['Scanned .: media 0, others 0, refused 2, directories 2',
                           '  refused ./locked.gif: the file cannot be read',
-                          '  refused ./shut: the directory cannot be read',
+                          "  refused ./shut: the directory cannot be read (error: 1 [scan] 'tried 3 times')"
+                          " (error: 13 [system] 'Permission denied')",
                           "ERROR: Unable to read the directory 'shut'"])
 
     def test_directories_may_be_nested_deep(self):
@@ -876,9 +878,11 @@ HELP_LIB = """\
     lib find criteria : list media files that match search criteria
     lib first count[1,1000] criteria : list the first ones that match
     lib list (limit[1,100000]) : list media files by path
+    lib progress : show how far the scan is
     lib scan path : read the media files of a directory and below
     lib show id[1,4294967295] : show all about one media file
     lib stats : show numbers of files, bytes and seconds by format
+    lib stop : stop the scan, and drop those that wait behind it
 """
 HELP_TIMER = """\
     timer after ms[0,86400000] command : execute a command line after a time

@@ -122,6 +122,16 @@ const char* MediaProbes::Keep(const char* aReason) {
     return mReasons.insert(EscapeForTerminal(aReason, EscapeMode::Text).c_str()).first->c_str();
 }
 
+bool MediaProbes::Has(const MediaFormat& aFormat) const {
+    for (const MediaFormat* const* theRow = kMediaFormats; *theRow != nullptr; ++theRow) {
+        if (*theRow == &aFormat) {
+            return true;
+        }
+    }
+    return std::any_of(mProbes.begin(), mProbes.end(),
+                       [&aFormat](const MediaProbe& aProbe) { return aProbe.mFormat == &aFormat; });
+}
+
 MediaReading MediaProbes::Read(MediaSource& aSource, const char* aFileName) {
     MediaReading theReading = ReadMedia(aSource, aFileName);
     if (theReading.IsMedia()) {

@@ -48,6 +48,9 @@ public:
     /// Returns what is loaded or linked in, sorted by format.
     const std::vector<MediaProbe>& GetProbes() const { return mProbes; }
 
+    /// Returns whether files of this format can be read now.
+    bool Has(const MediaFormat& aFormat) const;
+
     /// Reads a file as ReadMedia() does, and by the plug-ins where that knows nothing.
     MediaReading Read(MediaSource& aSource, const char* aFileName);
 

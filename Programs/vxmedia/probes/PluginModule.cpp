@@ -1,5 +1,5 @@
-// A scan works with the plug-ins, and a timer may fire in the middle of one: nothing is loaded or
-// unloaded then.
+// Worker threads read files with the plug-ins while a scan goes on: nothing is loaded or unloaded
+// then, nor as long as a job of a scan that was stopped is under way.
 
 #include "probes/PluginModule.h"
 
