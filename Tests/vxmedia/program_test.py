@@ -543,10 +543,9 @@ class Terminal(Scratch):
         self.start('-q', '.')
         self.read_until(b'vxmedia> ')
         self.type('lib scan .\n')
-        self.assertEqual(self.read_until(b'vxmedia> '),
-                         'lib scan .\nvxmedia> ')
-        self.assertEqual(self.read_until(b'vxmedia> '),
-                         '\nScanned .: media 1, others 0, refused 0, directories 1\nvxmedia> ')
+        self.assertEqual(self.read_until(b'directories 1\r\nvxmedia> '),
+                         'lib scan .\nvxmedia> \n'
+                         'Scanned .: media 1, others 0, refused 0, directories 1\nvxmedia> ')
 
     def test_commands_in_arguments_need_no_prompt(self):
         self.start('-q', '-esys version')
