@@ -108,6 +108,61 @@ TEST(XMLBuilderTest, ALimitCountsTheLongerEntitiesOfDoubleEscaping) {
     EXPECT_STREQ(theBuilder.TakeXML(), "<t>a</t><t>a&amp;amp;b</t><t></t>");
 }
 
+/// Byte by byte: what escaping must give.
+std::string Escaped(const std::string& aText, size_t aLimit, bool afDouble) {
+    std::string theResult;
+    for (const char theChar : aText) {
+        const std::string theName = theChar == '"'    ? "quot;"
+                                    : theChar == '\'' ? "apos;"
+                                    : theChar == '<'  ? "lt;"
+                                    : theChar == '>'  ? "gt;"
+                                    : theChar == '&'  ? "amp;"
+                                                      : "";
+        const std::string thePiece =
+            theName.empty() ? std::string(1, theChar) : (afDouble ? "&amp;" : "&") + theName;
+        if (aLimit != 0 && theResult.size() + thePiece.size() > aLimit) {
+            break;
+        }
+        theResult += thePiece;
+    }
+    return theResult;
+}
+
+TEST(XMLBuilderTest, EveryPlaceOfATextIsEscapedUnderEveryLimit) {
+    for (size_t theLength = 1; theLength < 28; ++theLength) {
+        for (size_t thePlace = 0; thePlace < theLength; ++thePlace) {
+            const char theChar = "\"'<>&"[(theLength + thePlace) % 5];
+            std::string theText(theLength, '\x80');
+            theText[thePlace] = theChar;
+            theText[thePlace * 3 % theLength] = '&';
+            for (uint32_t theLimit = 0; theLimit < theLength + 12; ++theLimit) {
+                const bool theIsDouble = theLimit % 2 == 1;
+                ASSERT_EQ(vxXMLBuilder::Escape(theText.c_str(), static_cast<uint32_t>(theLength),
+                                               theLimit, theIsDouble)
+                              .c_str(),
+                          Escaped(theText, theLimit, theIsDouble));
+            }
+        }
+    }
+}
+
+TEST(XMLBuilderTest, ElementsMayNestAndNamesMayBeLong) {
+    vxXMLBuilder theBuilder(0);
+    std::string theExpected;
+    std::string theEnds;
+    for (size_t i = 0; i < 300; ++i) {
+        const std::string theName(i, 'n');
+        theBuilder.StartTag(theName.c_str());
+        theBuilder.AddRaw("-");
+        theExpected += "<" + theName + ">-";
+        theEnds = "</" + theName + ">" + theEnds;
+    }
+    for (size_t i = 0; i < 300; ++i) {
+        theBuilder.EndTag();
+    }
+    EXPECT_EQ(theBuilder.TakeXML().c_str(), theExpected + theEnds);
+}
+
 TEST(XMLBuilderTest, TextAndAttributesAreEscapedOnceAndRawTextNever) {
     vxXMLBuilder theBuilder(0);
     theBuilder.StartTag("a");

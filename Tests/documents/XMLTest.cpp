@@ -65,6 +65,30 @@ TEST(XMLTest, AnAmpersandThatIsEscapedAlreadyIsLeftAlone) {
     EXPECT_EQ(Saved(theNode), "&amp; &amp;lt; &amp;am &amp;amp\n");
 }
 
+TEST(XMLTest, EveryPlaceOfATextIsEscaped) {
+    const struct {
+        const char* mText;
+        const char* mInText;
+        const char* mInValue;
+    } kCases[] = {{"<", "&lt;", "&lt;"},       {">", "&gt;", "&gt;"},
+                  {"\"", "\"", "&quot;"},      {"&", "&amp;", "&amp;"},
+                  {"&amp;", "&amp;", "&amp;"}, {"&amp", "&amp;amp", "&amp;amp"}};
+    for (size_t thePlace = 0; thePlace < 20; ++thePlace) {
+        for (size_t theRest = 0; theRest < 10; ++theRest) {
+            for (const auto& theCase : kCases) {
+                const std::string theFront(thePlace, '\x80');
+                const std::string theBack(theRest, '\'');
+                vxXMLNode theNode(vxXMLNodeType_Element, "a", "");
+                theNode.AddProperty("b", (theFront + theCase.mText + theBack).c_str());
+                theNode.AddChild(Text((theFront + theCase.mText + theBack).c_str()));
+                EXPECT_EQ(Saved(theNode), "<a b=\"" + theFront + theCase.mInValue + theBack +
+                                              "\">" + theFront + theCase.mInText + theBack +
+                                              "</a>\n");
+            }
+        }
+    }
+}
+
 TEST(XMLTest, ContentOfAnElementWithoutChildrenIsWrittenAsItIs) {
     EXPECT_EQ(Saved(vxXMLNode(vxXMLNodeType_Element, "e", "a<b")), "<e>a<b</e>\n");
     EXPECT_EQ(Saved(vxXMLNode(vxXMLNodeType_Element, "e", "")), "<e/>\n");

@@ -1,21 +1,20 @@
 #pragma once
 
-// Looking for a few bytes in a text, eight at a time where none of them is.
+// Looking for a few bytes in a text, eight at a time.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-using vxBytes = uint64_t;  // eight bytes of a text, in the order of memory
+using vxBytes = uint64_t;  // eight bytes of a text, the first one lowest
+
+constexpr ptrdiff_t kvxBytes_Count = sizeof(vxBytes);
 
 inline vxBytes vxLoadBytes(const char* aText) {
     vxBytes theBytes;
     memcpy(&theBytes, aText, sizeof(theBytes));
-    return theBytes;
-}
-
-inline void vxStoreBytes(char* aTarget, vxBytes aBytes) {
-    memcpy(aTarget, &aBytes, sizeof(aBytes));
+    return __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? theBytes : __builtin_bswap64(theBytes);
 }
 
 /// The same byte eight times.
@@ -23,19 +22,56 @@ constexpr vxBytes vxRepeat(unsigned char aByte) {
     return aByte * UINT64_C(0x0101010101010101);
 }
 
-/// Is one of the bytes one of these?
+/// Marks the bytes that are one of these. A mark is the byte's highest bit; the lowest mark is right,
+/// those above it need not be.
 template <typename... Byte>
-inline bool vxHasAnyOf(vxBytes aBytes, Byte... aByte) {
+inline vxBytes vxMarkAnyOf(vxBytes aBytes, Byte... aByte) {
     const auto theMarks = [aBytes](unsigned char aOne) {
         const vxBytes theDifference = aBytes ^ vxRepeat(aOne);
         return (theDifference - vxRepeat(1)) & ~theDifference;
     };
-    return ((theMarks(static_cast<unsigned char>(aByte)) | ...) & vxRepeat(0x80)) != 0;
+    return (theMarks(static_cast<unsigned char>(aByte)) | ...) & vxRepeat(0x80);
 }
 
-/// Is one of the bytes below 0x20?
-inline bool vxHasControl(vxBytes aBytes) {
-    return ((aBytes - vxRepeat(0x20)) & ~aBytes & vxRepeat(0x80)) != 0;
+/// Marks the bytes below 0x20, as vxMarkAnyOf().
+inline vxBytes vxMarkControls(vxBytes aBytes) {
+    return (aBytes - vxRepeat(0x20)) & ~aBytes & vxRepeat(0x80);
+}
+
+/// Which byte has the lowest mark? There is one.
+inline size_t vxFirstMarked(vxBytes aMarks) {
+    return static_cast<size_t>(__builtin_ctzll(aMarks)) / 8;
+}
+
+/// Calls a function with the place of every eight bytes, of which the last ones may overlap those
+/// before, until it returns marks; returns the first byte marked, or the end. The text has eight bytes.
+template <typename Mark>
+inline const char* vxFindMarked(const char* aText, const char* anEnd, Mark aMark) {
+    const char* const theLast = anEnd - kvxBytes_Count;
+    for (;;) {
+        const vxBytes theMarks = aMark(aText);
+        if (theMarks != 0) {
+            return aText + vxFirstMarked(theMarks);
+        }
+        if (aText == theLast) {
+            return anEnd;
+        }
+        aText += std::min(kvxBytes_Count, theLast - aText);
+    }
+}
+
+/// Returns the first byte that is one of these, or the end.
+template <typename... Byte>
+inline const char* vxFindAnyOf(const char* aText, const char* anEnd, Byte... aByte) {
+    if (anEnd - aText >= kvxBytes_Count) {
+        return vxFindMarked(aText, anEnd, [aByte...](const char* aPlace) {
+            return vxMarkAnyOf(vxLoadBytes(aPlace), aByte...);
+        });
+    }
+    while (aText != anEnd && !((*aText == aByte) || ...)) {
+        ++aText;
+    }
+    return aText;
 }
 
 /// Is one of the bytes below 0x20 and no line feed?

@@ -99,17 +99,16 @@ void vxWriteEscaped(const char* aText, const vxEscapes& anEscapes, char* aTarget
     }
 }
 
-/// Copies a text up to the first byte that must be escaped; returns that byte, or the end.
+/// Copies a text up to the first byte that must be escaped, and returns that byte, or the end. The
+/// target has room for all of it: more than what counts may be copied.
 const char* vxCopyPlain(const char* aText, const char* anEnd, bool afStrict, char* aTarget) {
-    const unsigned char theSlash = afStrict ? '/' : '"';
-    while (anEnd - aText >= static_cast<ptrdiff_t>(sizeof(vxBytes))) {
-        const vxBytes theBytes = vxLoadBytes(aText);
-        if (vxHasControl(theBytes) || vxHasAnyOf(theBytes, '"', '\\', theSlash)) {
-            break;
-        }
-        vxStoreBytes(aTarget, theBytes);
-        aText += sizeof(theBytes);
-        aTarget += sizeof(theBytes);
+    if (anEnd - aText >= kvxBytes_Count) {
+        const char theSlash = afStrict ? '/' : '"';
+        return vxFindMarked(aText, anEnd, [=](const char* aPlace) {
+            memcpy(aTarget + (aPlace - aText), aPlace, sizeof(vxBytes));
+            const vxBytes theBytes = vxLoadBytes(aPlace);
+            return vxMarkControls(theBytes) | vxMarkAnyOf(theBytes, '"', '\\', theSlash);
+        });
     }
     const vxEscapes& theEscapes = afStrict ? kvxEscapes_Strict : kvxEscapes_Lax;
     while (aText != anEnd && theEscapes[static_cast<unsigned char>(*aText)] == '\0') {
@@ -147,22 +146,6 @@ size_t vxDigits(const char* aText) {
         ++theLength;
     }
     return theLength;
-}
-
-/// The first quote or backslash, or the end.
-const char* vxEndOfPlain(const char* aText, const char* anEnd, char aQuote) {
-    const unsigned char theQuote = static_cast<unsigned char>(aQuote);
-    while (anEnd - aText >= static_cast<ptrdiff_t>(sizeof(vxBytes))) {
-        const vxBytes theBytes = vxLoadBytes(aText);
-        if (vxHasAnyOf(theBytes, theQuote, '\\')) {
-            break;
-        }
-        aText += sizeof(theBytes);
-    }
-    while (aText != anEnd && *aText != aQuote && *aText != '\\') {
-        ++aText;
-    }
-    return aText;
 }
 
 /// Length of the integer at the beginning of a text.
@@ -436,7 +419,7 @@ int vxJSONReader::ReadText() {
     mText.SetPosition(0);
     for (;;) {
         const char* theRun = mPos;
-        mPos = vxEndOfPlain(mPos, mEnd, theQuote);
+        mPos = vxFindAnyOf(mPos, mEnd, theQuote, '\\');
         mText.Append(theRun, static_cast<size_t>(mPos - theRun));
         if (*mPos == '\0') {
             return kvxJSONParse_EndedInValue;

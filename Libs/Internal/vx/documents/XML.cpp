@@ -117,16 +117,9 @@ const char* vxEntityOf(const char* aText, const char* anEnd, bool afEscapeQuotes
     }
 }
 
-/// Passes over bytes that stand for themselves, eight at a time.
+/// Passes over bytes that stand for themselves.
 const char* vxSkipPlain(const char* aText, const char* anEnd) {
-    while (anEnd - aText >= static_cast<ptrdiff_t>(sizeof(vxBytes))) {
-        const vxBytes theBytes = vxLoadBytes(aText);
-        if (vxHasAnyOf(theBytes, '<', '>', '"', '&')) {
-            break;
-        }
-        aText += sizeof(theBytes);
-    }
-    return aText;
+    return vxFindAnyOf(aText, anEnd, '<', '>', '"', '&');
 }
 
 template <typename Sink>
@@ -170,14 +163,13 @@ private:
         const char* thePos = vxSkipPlain(theRun, theEnd);
         while (thePos != theEnd) {
             const char* theEntity = vxEntityOf(thePos, theEnd, afEscapeQuotes);
-            ++thePos;
             if (theEntity != NULL) {
-                if (!Run(theRun, thePos - 1) || !Text(theEntity)) {
+                if (!Run(theRun, thePos) || !Text(theEntity)) {
                     return false;
                 }
-                theRun = thePos;
-                thePos = vxSkipPlain(thePos, theEnd);
+                theRun = thePos + 1;
             }
+            thePos = vxSkipPlain(thePos + 1, theEnd);
         }
         return Run(theRun, theEnd);
     }

@@ -29,22 +29,13 @@ constexpr vxEntity kvxXML_Entities[] = {
     {'>', "&gt;", "&amp;gt;"},     {'&', "&amp;", "&amp;amp;"},
 };
 
-/// For every byte its place among the entities, from 1; 0 for one that stands for itself.
-struct vxEntityTable {
-    constexpr vxEntityTable() : mPlace() {
-        uint8_t thePlace = 0;
-        for (const vxEntity& theEntity : kvxXML_Entities) {
-            mPlace[static_cast<unsigned char>(theEntity.mChar)] = ++thePlace;
-        }
+const vxEntity& vxEntityOf(char aChar) {
+    const vxEntity* theEntity = kvxXML_Entities;
+    while (theEntity->mChar != aChar) {
+        ++theEntity;
     }
-    constexpr uint8_t PlaceOf(char aChar) const {
-        return mPlace[static_cast<unsigned char>(aChar)];
-    }
-
-    uint8_t mPlace[256];
-};
-
-constexpr vxEntityTable kvxXML_EntityTable;
+    return *theEntity;
+}
 
 /// Escapes into a buffer: runs of plain bytes as blocks, and entities whole or not at all.
 void vxEscape(vxGrowingBuffer& aBuffer, const char* aText, size_t aLength, size_t aMaxLength,
@@ -55,20 +46,14 @@ void vxEscape(vxGrowingBuffer& aBuffer, const char* aText, size_t aLength, size_
         const char* const theRun = thePos;
         const char* const theRunEnd =
             static_cast<size_t>(theEnd - thePos) < theRoom ? theEnd : thePos + theRoom;
-        while (theRunEnd - thePos >= static_cast<ptrdiff_t>(sizeof(vxBytes)) &&
-               !vxHasAnyOf(vxLoadBytes(thePos), '"', '\'', '<', '>', '&')) {
-            thePos += sizeof(vxBytes);
-        }
-        while (thePos != theRunEnd && kvxXML_EntityTable.PlaceOf(*thePos) == 0) {
-            ++thePos;
-        }
+        thePos = vxFindAnyOf(thePos, theRunEnd, '"', '\'', '<', '>', '&');
         const size_t theLength = static_cast<size_t>(thePos - theRun);
         aBuffer.Append(theRun, theLength);
         theRoom -= theLength;
         if (thePos == theRunEnd) {
             return;
         }
-        const vxEntity& theEntity = kvxXML_Entities[kvxXML_EntityTable.PlaceOf(*thePos) - 1];
+        const vxEntity& theEntity = vxEntityOf(*thePos);
         const std::string_view theText = afDouble ? theEntity.mDouble : theEntity.mSingle;
         if (theText.size() > theRoom) {
             return;

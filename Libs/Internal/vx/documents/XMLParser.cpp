@@ -74,23 +74,9 @@ bool vxIsBlankText(const vxCString& aText) {
     return vxIsBlankRun(aText.c_str(), aText.c_str() + aText.length());
 }
 
-/// Must a run of text be looked at here: at markup, a reference, a line end or a ">"?
-bool vxEndsPlainText(char aChar) {
-    return aChar == '<' || aChar == '&' || aChar == '>' || aChar == '\r';
-}
-
+/// Returns where a run of text must be looked at: at markup, a reference, a line end or a ">".
 const char* vxEndOfPlainText(const char* aText, const char* anEnd) {
-    while (anEnd - aText >= static_cast<ptrdiff_t>(sizeof(vxBytes))) {
-        const vxBytes theBytes = vxLoadBytes(aText);
-        if (vxHasAnyOf(theBytes, '<', '&', '>', '\r')) {
-            break;
-        }
-        aText += sizeof(theBytes);
-    }
-    while (aText != anEnd && !vxEndsPlainText(*aText)) {
-        ++aText;
-    }
-    return aText;
+    return vxFindAnyOf(aText, anEnd, '<', '&', '>', '\r');
 }
 
 /// The first byte of an attribute value that does not stand for itself, or the end.
@@ -408,10 +394,10 @@ bool vxXMLReader::CheckEncoding() {
 // is valid UTF-8 is forbidden.
 bool vxXMLReader::CheckCharacters() {
     for (const char* i = mPos; i != mEnd;) {
-        const ptrdiff_t theCount = std::min<ptrdiff_t>(mEnd - i, sizeof(vxBytes));
-        if (theCount == sizeof(vxBytes)) {
+        const ptrdiff_t theCount = std::min(mEnd - i, kvxBytes_Count);
+        if (theCount == kvxBytes_Count) {
             const vxBytes theBytes = vxLoadBytes(i);
-            if (!vxHasControlButLineFeed(theBytes) && !vxHasAnyOf(theBytes, 0xEF)) {
+            if (!vxHasControlButLineFeed(theBytes) && vxMarkAnyOf(theBytes, 0xEF) == 0) {
                 i += theCount;
                 continue;
             }
