@@ -228,11 +228,12 @@ bool Read(const char* aText, Span<double>& aSpan) {
 
 // Days since 1970 by the Gregorian rule; month 13 is the next January.
 int64_t DayNumber(int64_t aYear, int64_t aMonth, int64_t aDay) {
-    // Years begin in March here, so that the day that some years lack is their last.
-    const int64_t theYear = aMonth > 2 ? aYear : aYear - 1;
+    // Years begin in March here, so that the day that some years lack is their last. They count from
+    // 400 years before year 0, where none is negative.
+    const int64_t theYear = aYear + (aMonth > 2 ? 400 : 399);
     const int64_t theMonth = aMonth > 2 ? aMonth - 3 : aMonth + 9;
     const int64_t theLeapDays = theYear / 4 - theYear / 100 + theYear / 400;
-    return theYear * 365 + theLeapDays + (theMonth * 153 + 2) / 5 + aDay - 719469;
+    return theYear * 365 + theLeapDays + (theMonth * 153 + 2) / 5 + aDay - 865566;
 }
 
 // Milliseconds since 1970. Lengths tell how much of a date is given.
