@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "support/ExactText.h"
 #include "support/Reports.h"
 
 using testing::ElementsAre;
@@ -292,6 +293,22 @@ TEST(SerializeTest, TheResultItselfMayBeWrittenAgain) {
     EXPECT_EQ(theFormatter.Result().c_str(), theExpected);
 }
 
+TEST(SerializeTest, TheResultItselfMayBeAKey) {
+    for (const bool theIsHuman : {false, true}) {
+        vxJSONFormatter theFormatter;
+        theFormatter.SetHuman(theIsHuman);
+        theFormatter.String("a", true);
+        theFormatter.MapKey(theFormatter.Result(), true);
+        const std::string theLong(300, 'b');  // more than the first room
+        theFormatter.String(theLong.c_str(), true);
+        theFormatter.MapKey(theFormatter.Result(), false);
+        const std::string theFirst = theIsHuman ? "a,\na: " + theLong : "a,a:" + theLong;
+        const std::string theKey = theIsHuman ? "a,\\na: " + theLong : theFirst;
+        EXPECT_EQ(theFormatter.Result().c_str(),
+                  theFirst + (theIsHuman ? ",\n\"" + theKey + "\": " : ",\"" + theKey + "\":"));
+    }
+}
+
 TEST(SerializeTest, AskingForTheResultAfterEveryEventCostsLinearTime) {
     vxJSONFormatter theFormatter;
     for (int i = 0; i < 300000; ++i) {
@@ -300,19 +317,44 @@ TEST(SerializeTest, AskingForTheResultAfterEveryEventCostsLinearTime) {
     }
 }
 
-TEST(SerializeTest, EscapesAreFoundAtEveryPlaceOfLongTexts) {
-    for (size_t theLength = 1; theLength < 40; ++theLength) {
+struct EscapeCase {
+    char mByte;
+    const char* mStrict;
+    const char* mLax;
+};
+
+// What is escaped, and the neighbors of it that are not.
+constexpr EscapeCase kEscapeCases[] = {
+    {'"', "\\\"", "\\\""},
+    {'\\', "\\\\", "\\\\"},
+    {'/', "\\/", "/"},
+    {'\n', "\\n", "\\n"},
+    {'\x01', "\\u0001", "\\u0001"},
+    {'\x1f', "\\u001f", "\\u001f"},
+    {' ', " ", " "},
+    {'!', "!", "!"},
+    {'#', "#", "#"},
+    {'.', ".", "."},
+    {'[', "[", "["},
+    {'\x7f', "\x7f", "\x7f"},
+    {'\x80', "\x80", "\x80"},
+    {'\xa2', "\xa2", "\xa2"},
+    {'\xff', "\xff", "\xff"},
+};
+
+TEST(SerializeTest, EscapesAreFoundAtEveryPlaceOfTexts) {
+    for (size_t theLength = 1; theLength <= 40; ++theLength) {
         for (size_t thePlace = 0; thePlace < theLength; ++thePlace) {
-            for (const char* theByte : {"\"", "\\", "/", "\x1f"}) {
-                std::string theText(theLength, '\x80');
-                theText[thePlace] = *theByte;
-                const std::string theEscape =
-                    *theByte == '\x1f' ? "\\u001f" : std::string("\\") + theByte;
-                std::string theExpected(theLength, '\x80');
-                theExpected.replace(thePlace, 1, theEscape);
-                vxJSONFormatter theFormatter;
-                theFormatter.String(theText.c_str(), true);
-                ASSERT_EQ(theFormatter.Result().c_str(), theExpected) << theLength;
+            for (const EscapeCase& theCase : kEscapeCases) {
+                std::string theText(theLength, theLength % 2 == 0 ? 'x' : '\x9f');
+                std::string theStrict = theText;
+                std::string theLax = theText;
+                theText[thePlace] = theCase.mByte;
+                theStrict.replace(thePlace, 1, theCase.mStrict);
+                theLax.replace(thePlace, 1, theCase.mLax);
+                const vxtest::ExactText theSource(theText, (theLength + thePlace) % 8);
+                ASSERT_EQ(Escaped(theSource), theStrict) << theText;
+                ASSERT_EQ(Escaped(theSource, false), theLax) << theText;
             }
         }
     }
@@ -662,6 +704,28 @@ TEST(SerializeTest, AStatusOfTheSinkEndsReadingAtEveryEvent) {
     Recorder theRecorder;
     EXPECT_EQ(vxJSONFormatter::Parse(theText, theRecorder), 0);
     EXPECT_EQ(theRecorder.mCount, theCount);
+}
+
+TEST(SerializeTest, TextsOfEveryLengthEndAtTheirQuote) {
+    for (size_t theLength = 0; theLength <= 40; ++theLength) {
+        for (size_t thePlace = 0; thePlace <= theLength; ++thePlace) {
+            for (const char theByte : {'"', '\'', '\\', '!', '#', '&', '(', '[', ']', '\xa2'}) {
+                SCOPED_TRACE(testing::Message() << theLength << " " << thePlace << " " << theByte);
+                const char theQuote = theByte == '"' ? '\'' : '"';
+                std::string theText(theLength, theLength % 2 == 0 ? 'x' : '\x9f');
+                std::string theJSON = theText;
+                theText.insert(thePlace, 1, theByte);
+                theJSON.insert(thePlace, theByte == '\\' ? "\\\\" : std::string(1, theByte));
+                theJSON = theQuote + theJSON;
+                Recorder theRecorder;
+                const vxtest::ExactText theWhole(theJSON + theQuote, thePlace % 8);
+                ASSERT_EQ(vxJSONFormatter::Parse(theWhole, theRecorder), 0);
+                ASSERT_EQ(theRecorder.mEvents, "string=" + theText);
+                const vxtest::ExactText theCut(theJSON, thePlace % 8);
+                ASSERT_EQ(vxJSONFormatter::Parse(theCut, theRecorder), 3);
+            }
+        }
+    }
 }
 
 TEST(SerializeTest, LongTextsAreReadInLinearTime) {

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "support/ExactText.h"
 #include "support/Reports.h"
 
 using testing::ElementsAre;
@@ -137,8 +138,9 @@ TEST(XMLBuilderTest, EveryPlaceOfATextIsEscapedUnderEveryLimit) {
             theText[thePlace * 3 % theLength] = '&';
             for (uint32_t theLimit = 0; theLimit < theLength + 12; ++theLimit) {
                 const bool theIsDouble = theLimit % 2 == 1;
-                ASSERT_EQ(vxXMLBuilder::Escape(theText.c_str(), static_cast<uint32_t>(theLength),
-                                               theLimit, theIsDouble)
+                const vxtest::ExactBytes theBytes(theText, thePlace % 8);
+                ASSERT_EQ(vxXMLBuilder::Escape(theBytes, static_cast<uint32_t>(theLength), theLimit,
+                                               theIsDouble)
                               .c_str(),
                           Escaped(theText, theLimit, theIsDouble));
             }

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/ExactText.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -175,6 +176,70 @@ TEST(XMLParserTest, BlanksStayOrGoByWhatStandsBesideThem) {
     }
 }
 
+struct PlaceCase {
+    const char* mText;
+    const char* mInText;       // null: refused
+    const char* mInAttribute;  // null: refused
+};
+
+constexpr PlaceCase kPlaceCases[] = {
+    {"\r", "\n", " "},     {"\r\n", "\n", " "},
+    {"\n", "\n", " "},     {"\t", "\t", " "},
+    {">", ">", ">"},       {"]>", "]>", "]>"},
+    {"]]", "]]", "]]"},    {"]]>", NULL, "]]>"},
+    {"&amp;", "&", "&"},   {"&#x41;", "A", "A"},
+    {"&", NULL, NULL},     {"<", NULL, NULL},
+    {"&#13;", "\r", "\r"}, {"<![CDATA[<]]>", "<", NULL},
+    {"'", "'", "'"},       {"\xC3\xA9", "\xC3\xA9", "\xC3\xA9"},
+    {"\x01", NULL, NULL},  {"\x7f", "\x7f", "\x7f"},
+};
+
+/// What a text is read as, where it stands in an element; "refused" where it is.
+std::string ReadText(const std::string& aText, size_t aShift) {
+    const std::string theXML = "<a>" + aText + "</a>";
+    vxXMLDocument theDocument;
+    vxError theError;
+    if (!vxXMLParser().Parse(vxtest::ExactBytes(theXML, aShift), theXML.size(), theDocument,
+                             theError)) {
+        return "refused";
+    }
+    return theDocument.GetRoot()->GetTextContent().c_str();
+}
+
+/// What a text is read as, where it is the value of an attribute; "refused" where it is.
+std::string ReadValue(const std::string& aText, size_t aShift) {
+    const std::string theXML = "<a b=\"" + aText + "\"/>";
+    vxXMLDocument theDocument;
+    vxError theError;
+    if (!vxXMLParser().Parse(vxtest::ExactBytes(theXML, aShift), theXML.size(), theDocument,
+                             theError)) {
+        return "refused";
+    }
+    return theDocument.GetRoot()->GetPropertyValue("b", vxCString("none")).c_str();
+}
+
+TEST(XMLParserTest, WhatIsNotPlainIsFoundAtEveryPlaceOfTexts) {
+    for (size_t theLength = 1; theLength <= 40; ++theLength) {
+        for (size_t thePlace = 0; thePlace <= theLength; ++thePlace) {
+            for (const PlaceCase& theCase : kPlaceCases) {
+                const std::string theBefore(thePlace, 'x');
+                const std::string theBehind(theLength - thePlace, 'y');
+                const std::string theText = theBefore + theCase.mText + theBehind;
+                const size_t theShift = (theLength + thePlace) % 8;
+                ASSERT_EQ(
+                    ReadText(theText, theShift),
+                    theCase.mInText == NULL ? "refused" : theBefore + theCase.mInText + theBehind)
+                    << theText;
+                ASSERT_EQ(ReadValue(theText, theShift),
+                          theCase.mInAttribute == NULL
+                              ? "refused"
+                              : theBefore + theCase.mInAttribute + theBehind)
+                    << theText;
+            }
+        }
+    }
+}
+
 TEST(XMLParserTest, ForbiddenCharactersAreFoundAtEveryPlace) {
     for (size_t thePlace = 0; thePlace < 24; ++thePlace) {
         for (const char* theBad : {"\x01", "\x1f", "\x0b", "\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
@@ -323,9 +388,10 @@ TEST(XMLParserTest, EveryTruncationIsRefused) {
     const std::string theText =
         "<?xml version='1.0'?><a b='1&amp;'><!--c--><![CDATA[d]]>&#65;<e f='g'/>h</a>";
     for (size_t i = 0; i < theText.size(); ++i) {
+        const vxtest::ExactBytes theBytes(theText.substr(0, i), i % 8);
         vxXMLDocument theDocument;
         vxError theError;
-        EXPECT_FALSE(vxXMLParser().Parse(theText.data(), i, theDocument, theError)) << i;
+        EXPECT_FALSE(vxXMLParser().Parse(theBytes, i, theDocument, theError)) << i;
     }
 }
 

@@ -8,6 +8,7 @@
 
 #include <pthread.h>
 
+#include "support/ExactText.h"
 #include "support/Reports.h"
 #include "support/TempDir.h"
 
@@ -149,6 +150,50 @@ TEST(XMLTest, PiecesJoinToTheWholeText) {
     EXPECT_EQ(theText, kTree);
     EXPECT_THAT(thePieces, testing::Contains(" x=\""));
     EXPECT_THAT(thePieces, testing::Contains("\n  "));
+}
+
+struct EntityCase {
+    const char* mText;
+    const char* mInText;
+    const char* mInAttribute;
+};
+
+constexpr EntityCase kEntityCases[] = {
+    {"<", "&lt;", "&lt;"},
+    {">", "&gt;", "&gt;"},
+    {"\"", "\"", "&quot;"},
+    {"&", "&amp;", "&amp;"},
+    {"&amp;", "&amp;", "&amp;"},
+    {"&amp", "&amp;amp", "&amp;amp"},
+    {"&am", "&amp;am", "&amp;am"},
+    {"&lt;", "&amp;lt;", "&amp;lt;"},
+    {"&&amp;", "&amp;&amp;", "&amp;&amp;"},
+    {"&amp;amp;", "&amp;amp;", "&amp;amp;"},
+    {"'", "'", "'"},
+    {"=", "=", "="},
+    {"\xa2", "\xa2", "\xa2"},
+    {"\xff", "\xff", "\xff"},
+};
+
+TEST(XMLTest, EntitiesAreFoundAtEveryPlaceOfTexts) {
+    for (size_t theLength = 0; theLength <= 40; ++theLength) {
+        for (size_t thePlace = 0; thePlace <= theLength; ++thePlace) {
+            for (const EntityCase& theCase : kEntityCases) {
+                const std::string theBefore(thePlace, 'x');
+                const std::string theBehind(theLength - thePlace, '\x9f');
+                SCOPED_TRACE(theBefore + theCase.mText + theBehind);
+                const vxtest::ExactText theText(theBefore + theCase.mText + theBehind,
+                                                (theLength + thePlace) % 8);
+                vxXMLNode theNode(vxXMLNodeType_Element, "e", "");
+                theNode.AddProperty("k", vxCString::FromStaticString(theText));
+                theNode.AddChild(new vxXMLNode(vxXMLNodeType_Text, "text",
+                                               vxCString::FromStaticString(theText)));
+                ASSERT_EQ(Saved(theNode), "<e k=\"" + theBefore + theCase.mInAttribute + theBehind +
+                                              "\">" + theBefore + theCase.mInText + theBehind +
+                                              "</e>\n");
+            }
+        }
+    }
 }
 
 TEST(XMLTest, RunsBetweenEscapedBytesAreSinglePieces) {

@@ -1,6 +1,7 @@
 #include "vx/FileCacheManager.h"
 
 #include <gmock/gmock.h>
+#include <libvxOS/Dir.h>
 #include <libvxOS/File.h>
 
 #include <atomic>
@@ -69,6 +70,11 @@ public:
     GivenCreation& operator=(const GivenCreation&) = delete;
 };
 
+// Makes another process the faster one whenever a directory is made.
+bool sOtherIsFaster = false;
+// How often files were opened with other permissions than reading and writing for all.
+std::atomic<int> sOtherPermissions{0};
+
 bool EndsWith(const std::string& aText, const std::string& anEnd) {
     return aText.size() >= anEnd.size() &&
            aText.compare(aText.size() - anEnd.size(), anEnd.size(), anEnd) == 0;
@@ -80,6 +86,16 @@ int vxFile_Remove(const char* aPath) {
     return !sUnremovable.empty() && EndsWith(aPath, sUnremovable)
                ? kvxFileErrorUnknown
                : VXTEST_REAL(vxFile_Remove)(aPath);
+}
+
+int vxFile_Open(const char* aPath, int aFlags, int aPermissions, vxFileFD* aFD) {
+    sOtherPermissions += aPermissions == 3 ? 0 : 1;
+    return VXTEST_REAL(vxFile_Open)(aPath, aFlags, aPermissions, aFD);
+}
+
+int vxDir_Create(const char* aPath) {
+    const int theResult = VXTEST_REAL(vxDir_Create)(aPath);
+    return sOtherIsFaster ? kvxFileErrorUnknown : theResult;
 }
 
 int vxFile_GetTimes(const char* aPath, vxtimeval* aCreation, vxtimeval* anAccess,
@@ -239,6 +255,25 @@ TEST(FileCacheManagerTest, SubDirectoriesAreMadeOneInTheOther) {
         Produce(theManager, "f", 1);
         EXPECT_TRUE(theDir.Has(theRow.mPath));
     }
+}
+
+TEST(FileCacheManagerTest, SubDirectoriesMayBeMadeByOthersMeanwhile) {
+    const TempDir theDir;
+    sOtherIsFaster = true;
+    const Manager theManager(vxFileCacheManager::New(10, theDir.Path().c_str(), "a", "b"));
+    sOtherIsFaster = false;
+    ASSERT_NE(theManager, nullptr);
+    Produce(theManager, "f", 1);
+    EXPECT_TRUE(theDir.Has("a/b/f"));
+}
+
+TEST(FileCacheManagerTest, FilesAreMadeForAllToReadAndWrite) {
+    const TempDir theDir;
+    const Manager theManager = NewManager(theDir);
+    sOtherPermissions = 0;
+    Produce(theManager, "a", 1);
+    EXPECT_NE(Open(theManager, "a"), nullptr);
+    EXPECT_EQ(sOtherPermissions, 0);
 }
 
 TEST(FileCacheManagerTest, SubDirectoriesThatCannotBeMadeAreNamed) {

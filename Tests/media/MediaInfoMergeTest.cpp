@@ -69,6 +69,16 @@ TEST(MediaInfoMergeTest, MergingKeepsFieldsThatHaveText) {
     EXPECT_EQ(theInfo.GetCoverArtEncodedOffset(), 202U);
 }
 
+TEST(MediaInfoMergeTest, WithoutAnOffsetTheEncodingIsNotMerged) {
+    vxMediaInfo theInfo;
+    vxMediaInfo theOther;
+    theInfo.SetCoverArtEncoding(kvxCoverArtEncoding_Base64, 42);
+    theOther.SetCoverArt("image/jpeg", 0, 7);
+    EXPECT_TRUE(theInfo.MergeAll(&theOther));
+    EXPECT_EQ(theInfo.GetCoverArtEncoding(), 1);
+    EXPECT_EQ(theInfo.GetCoverArtEncodedOffset(), 42U);
+}
+
 TEST(MediaInfoMergeTest, MergingTakesOffsetAndSizeOfTheCoverArtOneByOne) {
     vxMediaInfo theInfo;
     vxMediaInfo theOther;

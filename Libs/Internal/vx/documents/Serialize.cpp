@@ -738,11 +738,14 @@ void vxJSONFormatter::AddByte(char aByte) {
     }
 }
 
+/// What Result() has just returned may be written, too: this copy shares its block and keeps it.
+vxCString vxJSONFormatter::Keep(const char* aText) const {
+    return mPos == NULL && vxLiesIn(aText, mDoc) ? mDoc : vxCString();
+}
+
 void vxJSONFormatter::AddText(const char* aText, bool afQuote) {
     const char* theText = vxText(aText);
     const size_t theLength = strlen(theText);
-    // What Result() has just returned may be written, too: the copy shares its block and keeps it.
-    const vxCString theOld = mPos == NULL && vxLiesIn(theText, mDoc) ? mDoc : vxCString();
     if (!afQuote) {
         AddByte('"');
     }
@@ -800,6 +803,7 @@ int vxJSONFormatter::MapBegin() {
 }
 
 int vxJSONFormatter::MapKey(const char* aKey, bool afQuote) {
+    const vxCString theOld = Keep(aKey);
     if (!mfMapBegin) {
         AddByte(',');
     }
@@ -841,6 +845,7 @@ int vxJSONFormatter::ArrayEnd() {
 }
 
 int vxJSONFormatter::String(const char* aText, bool afQuote) {
+    const vxCString theOld = Keep(aText);
     AddText(aText, afQuote);
     return 0;
 }

@@ -162,6 +162,7 @@ private:
     bool Enlarge(size_t aLength);
     void Add(const char* aText, size_t aLength);
     void AddByte(char aByte);
+    vxCString Keep(const char* aText) const;
     void AddText(const char* aText, bool afQuote);
     void AddEscaped(const char* aText, size_t aLength);
     template <typename Integer>
