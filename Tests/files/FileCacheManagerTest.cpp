@@ -757,6 +757,21 @@ TEST(FileCacheManagerTest, AFileThatIsTheWholeTotalLeavesItAsItIs) {
     EXPECT_TRUE(theDir.Has("b"));
 }
 
+TEST(FileCacheManagerTest, TotalsAreCountedBeyondTheLargestLimit) {
+    Reports theReports;
+    const TempDir theDir;
+    const Manager theManager = NewManager(theDir, UINT32_MAX);
+    for (const char* theName : {"a", "b"}) {
+        const File theFile = Open(theManager, theName);
+        ASSERT_TRUE(theFile->ChangeSize(3000000000));  // a hole
+        theReports.Clear();
+        theManager->SetCachedFileState(theName, theFile.get(), true);
+    }
+    EXPECT_FALSE(theDir.Has("a"));
+    EXPECT_TRUE(theDir.Has("b"));
+    EXPECT_EQ(CacheTexts(theReports).back(), "I After removal cache size is 3000000000\n");
+}
+
 TEST(FileCacheManagerTest, TheOnlyFileRemovedByNameStaysInTheTotal) {
     const TempDir theDir;
     const Manager theManager = NewManager(theDir, 1000);

@@ -80,6 +80,34 @@ public:
     void SetFetching() override { SetState(kvxCachedState_Fetching); }
 };
 
+// One that lets go of itself whenever its content is asked for or dropped.
+class Fleeting : public Cached {
+public:
+    Fleeting(const std::string& aName, int* aDestroyed) : Cached(aName), mDestroyed(aDestroyed) {}
+    ~Fleeting() override {
+        EXPECT_EQ(mCallsWithin, 0);
+        ++*mDestroyed;
+    }
+    bool Fetch() override {
+        LetGo();
+        return Cached::Fetch();
+    }
+    void Trash() override { LetGo(); }
+    void CancelFetch() override { LetGo(); }
+
+    std::function<void()> mLetGo;
+
+private:
+    void LetGo() {
+        ++mCallsWithin;
+        mLetGo();
+        --mCallsWithin;
+    }
+
+    int* mDestroyed;
+    int mCallsWithin = 0;
+};
+
 class Listener : public vxListener {
 public:
     void ListenToMessage(int aMessage, void* aParam) override {
@@ -767,6 +795,50 @@ TEST(CacheTest, ObjectsMayDieOfForgetting) {
     EXPECT_THAT(theReports.Assertions(), IsEmpty());
     EXPECT_THAT(Elements(theCache), ElementsAre("3"));
     EXPECT_THAT(Availables(theCache), ElementsAre("3"));
+}
+
+TEST(CacheTest, ObjectsMayLeaveTheirCacheWhileTheyForget) {
+    int theDestroyed = 0;
+    vxCache theCache(kNoLimit, kNoLimit);
+    vxRef<Fleeting> theObject = new Fleeting("a", &theDestroyed);
+    Fleeting* const thePointer = theObject.Get();
+    thePointer->mLetGo = [] {};
+    theCache.Attach(thePointer);
+    thePointer->Want();
+    thePointer->mLetGo = [&] { theCache.Detach(thePointer); };
+    theObject = 0;  // the cache alone holds it
+    const CachedRef theOther = NewAttached(theCache, "b");
+    theOther->OnReadAccess();
+    theCache.SetLimits(kNoLimit, 0);
+    EXPECT_EQ(theDestroyed, 1);
+    EXPECT_THAT(Elements(theCache), ElementsAre("b"));
+}
+
+TEST(CacheTest, ObjectsMayLoseTheirLastHandleInEachOfTheirCalls) {
+    const std::function<void(Fleeting*)> theCalls[] = {
+        [](Fleeting* anObject) { anObject->Want(); },
+        [](Fleeting* anObject) { anObject->Prefetch(); },
+        [](Fleeting* anObject) { anObject->FetchDone(false); },
+        [](Fleeting* anObject) {
+            anObject->mFailures = 3;
+            anObject->Prefetch();
+        },
+        [](Fleeting* anObject) {
+            anObject->SetState(kvxCachedState_Fetching);
+            anObject->Forget();
+        },
+        [](Fleeting* anObject) {
+            anObject->SetState(kvxCachedState_Available);
+            anObject->SetNotWanted();
+        },
+    };
+    int theDestroyed = 0;
+    for (const auto& theCall : theCalls) {
+        vxRef<Fleeting> theObject = new Fleeting("a", &theDestroyed);
+        theObject->mLetGo = [&] { theObject = 0; };
+        theCall(theObject.Get());
+    }
+    EXPECT_EQ(theDestroyed, 6);
 }
 
 TEST(CacheTest, DestroyedObjectsLeaveByThemselves) {

@@ -74,6 +74,7 @@ void vxCachedBase::SetNotWanted() {
     if (IsUnavailable()) {
         return;
     }
+    const vxHeldObject theHold(this);  // dropping the content may let go of the object
     if (mState == kvxCachedState_Fetching) {
         CancelFetch();
     } else if (IsAvailable()) {
@@ -91,6 +92,7 @@ void vxCachedBase::OnReadAccess() {
 }
 
 void vxCachedBase::SetFetching() {
+    const vxHeldObject theHold(this);
     FetchDone(Fetch());
 }
 
@@ -131,6 +133,7 @@ void vxCachedBase::FetchDone(bool afOK) {
         SetState(kvxCachedState_Available);
         return;
     }
+    const vxHeldObject theHold(this);
     Trash();
     if (mTargetState == kvxCachedState_Available && ++mFailedFetches < kvxCached_Attempts) {
         SetWanted();
