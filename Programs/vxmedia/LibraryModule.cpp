@@ -108,7 +108,8 @@ LibraryModule::LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanAppl
       mLibrary(aLibrary),
       mScanApplet(aScanApplet),
       mProbes(aProbes),
-      mSettings(aSettings) {
+      mSettings(aSettings),
+      mItemCommands(aConsole, aLibrary, *GetCommandSet().Get()) {
     Declare("scan", "path:...", "read the media files of a directory and below");
     Declare("stop", "", "stop the scan, and drop those that wait behind it");
     Declare("progress", "", "show how far the scan is");
@@ -120,6 +121,10 @@ LibraryModule::LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanAppl
 }
 
 bool LibraryModule::HandleCLICommand(const vxRef<vxCLICommand>& aCommand) {
+    bool theSucceeded = false;
+    if (mItemCommands.Handle(aCommand, theSucceeded)) {
+        return theSucceeded;
+    }
     if (aCommand->CommandIs("scan")) {
         return Scan(aCommand->Parameter(0)->GetString());
     }

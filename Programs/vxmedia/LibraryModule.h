@@ -4,10 +4,12 @@
 #include "MediaLibrary.h"
 #include "ScanApplet.h"
 #include "config/Settings.h"
+#include "library/ItemCommands.h"
 
 namespace vxmedia {
 
-/// The commands of the module "library": scan, stop, progress, list, find, first, show, stats.
+/// The commands of the module "library": scan, stop, progress, list, find, first, show, stats, and
+/// those of ItemCommands.
 class LibraryModule : public CommandModule {
 public:
     LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet,
@@ -30,6 +32,7 @@ private:
     ScanApplet& mScanApplet;
     const MediaProbes& mProbes;
     const Settings& mSettings;
+    ItemCommands mItemCommands;
 };
 
 }  // namespace vxmedia

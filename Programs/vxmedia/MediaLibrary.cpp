@@ -53,6 +53,7 @@ void MediaLibrary::AddItem(const vxCString& aPath, const FileStatus& aStatus,
     }
     thePlace.mScan = mScan;
     mRefusals.erase(aPath);
+    NoteChange();
 }
 
 bool MediaLibrary::KeepItem(uint32_t anID) {
@@ -65,7 +66,12 @@ bool MediaLibrary::KeepItem(uint32_t anID) {
 }
 
 void MediaLibrary::AddRefusal(const vxCString& aPath, const char* aReason) {
-    mRefusals[aPath] = Refusal{aReason, mScan};
+    Refusal& theRefusal = mRefusals[aPath];
+    if (theRefusal.mReason != aReason) {
+        theRefusal.mReason = aReason;
+        NoteChange();
+    }
+    theRefusal.mScan = mScan;
     ForgetItem(aPath);
 }
 
@@ -74,6 +80,7 @@ void MediaLibrary::ForgetItem(const vxCString& aPath) {
     if (theItem != mItems.end()) {
         mPlaces.erase(theItem->second->GetID());
         mItems.erase(theItem);
+        NoteChange();
     }
 }
 
@@ -85,7 +92,10 @@ bool MediaLibrary::AddDirectory(const vxCString& aPath, const FileIdentity& anId
     if (theDirectory.mScan == mScan) {
         return false;
     }
-    theDirectory = Directory{DirectoryCounts(), anIdentity, mScan};
+    if (theDirectory.mScan == 0 || !(theDirectory.mIdentity == anIdentity)) {
+        NoteChange();
+    }
+    theDirectory = Directory{DirectoryCounts(), anIdentity, mScan, theDirectory.mCounts};
     mDirectoryPaths[anIdentity] = aPath;
     return true;
 }
@@ -100,16 +110,26 @@ void MediaLibrary::AddCounts(const vxCString& aPath, const DirectoryCounts& aCou
     mDirectories[aPath].mCounts.Add(aCounts);
 }
 
+void MediaLibrary::NoteChange() {
+    if (mChanged) {
+        mChanged();
+    }
+}
+
 vxCString MediaLibrary::FindDirectory(const FileIdentity& anIdentity) const {
     const auto thePath = mDirectoryPaths.find(anIdentity);
     return thePath == mDirectoryPaths.end() ? vxCString() : thePath->second;
 }
 
 void MediaLibrary::EndScan(const vxCString& aRoot) {
+    const size_t theCount = mRefusals.size() + mDirectories.size() + mItems.size();
+    bool theCountsDiffer = false;
     RemoveBelow(mRefusals, aRoot,
                 [this](const auto& anEntry) { return anEntry.second.mScan != mScan; });
-    RemoveBelow(mDirectories, aRoot, [this](const auto& anEntry) {
+    RemoveBelow(mDirectories, aRoot, [this, &theCountsDiffer](const auto& anEntry) {
         if (anEntry.second.mScan == mScan) {
+            theCountsDiffer =
+                theCountsDiffer || !(anEntry.second.mCounts == anEntry.second.mEarlierCounts);
             return false;
         }
         const auto thePath = mDirectoryPaths.find(anEntry.second.mIdentity);
@@ -126,6 +146,38 @@ void MediaLibrary::EndScan(const vxCString& aRoot) {
         mPlaces.erase(thePlace);
         return true;
     });
+    if (theCountsDiffer || theCount != mRefusals.size() + mDirectories.size() + mItems.size()) {
+        NoteChange();
+    }
+}
+
+bool MediaLibrary::RestoreItem(const vxRef<MediaItem>& anItem) {
+    if (anItem->GetID() == 0 || mPlaces.count(anItem->GetID()) != 0 ||
+        !mItems.emplace(anItem->GetPath(), anItem).second) {
+        return false;
+    }
+    mPlaces.emplace(anItem->GetID(), Place{anItem, mScan});
+    mLastID = std::max(mLastID, anItem->GetID());
+    return true;
+}
+
+void MediaLibrary::RestoreRefusal(const vxCString& aPath, const vxCString& aReason) {
+    mRefusals[aPath] = Refusal{aReason, mScan};
+}
+
+void MediaLibrary::RestoreDirectory(const vxCString& aPath, const FileIdentity& anIdentity,
+                                    const DirectoryCounts& aCounts) {
+    mDirectories[aPath] = Directory{aCounts, anIdentity, mScan, aCounts};
+    mDirectoryPaths[anIdentity] = aPath;
+}
+
+void MediaLibrary::Take(MediaLibrary& anOther) {
+    mLastID = anOther.mLastID;
+    mItems = std::move(anOther.mItems);
+    mPlaces = std::move(anOther.mPlaces);
+    mRefusals = std::move(anOther.mRefusals);
+    mDirectories = std::move(anOther.mDirectories);
+    mDirectoryPaths = std::move(anOther.mDirectoryPaths);
 }
 
 MediaItem* MediaLibrary::FindItemByPath(const vxCString& aPath) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <utility>
 #include <vector>
@@ -17,6 +18,11 @@ struct DirectoryCounts {
     uint64_t mSpecialFiles = 0;  // pipes, sockets, devices
 
     void Add(const DirectoryCounts& aCounts);
+
+    bool operator==(const DirectoryCounts& anOther) const {
+        return mOtherFiles == anOther.mOtherFiles && mLinks == anOther.mLinks &&
+               mSpecialFiles == anOther.mSpecialFiles;
+    }
 };
 
 /// All media files known, in the order of their paths, and an account of everything else seen.
@@ -29,6 +35,25 @@ struct DirectoryCounts {
 class MediaLibrary {
 public:
     using ItemMap = std::map<vxCString, vxRef<MediaItem>, PathLess>;
+
+    struct Refusal {
+        vxCString mReason;
+        uint32_t mScan;
+    };
+    struct Directory {
+        DirectoryCounts mCounts;
+        FileIdentity mIdentity;
+        uint32_t mScan = 0;
+        DirectoryCounts mEarlierCounts;  // of the scan before
+    };
+    using RefusalMap = std::map<vxCString, Refusal, PathLess>;
+    using DirectoryMap = std::map<vxCString, Directory, PathLess>;
+
+    /// Sets what is called after each change that lasts beyond this start of the program.
+    void SetChangeCallback(std::function<void()> aCallback) { mChanged = std::move(aCallback); }
+
+    /// Tells that an item was edited.
+    void NoteChange();
 
     /// Starts a scan: what is added from here on belongs to it.
     void BeginScan() { ++mScan; }
@@ -52,6 +77,20 @@ public:
     /// Forgets what lies at or below `aRoot` and was not found by this scan.
     void EndScan(const vxCString& aRoot);
 
+    // Putting back what was known before; nothing of that belongs to a scan, or counts as a change.
+
+    /// Puts an item back. Returns false for a number or a path that is taken, and for number 0.
+    bool RestoreItem(const vxRef<MediaItem>& anItem);
+    void RestoreRefusal(const vxCString& aPath, const vxCString& aReason);
+    void RestoreDirectory(const vxCString& aPath, const FileIdentity& anIdentity,
+                          const DirectoryCounts& aCounts);
+
+    /// Lets numbers of new items begin behind this one.
+    void RestoreLastID(uint32_t anID) { mLastID = anID; }
+
+    /// Takes over all that another library has, in place of what this one had.
+    void Take(MediaLibrary& anOther);
+
     /// Returns the items in the order of their paths, compared byte by byte.
     const ItemMap& GetItems() const { return mItems; }
 
@@ -71,6 +110,12 @@ public:
     /// Returns the reasons of all refusals in alphabetical order.
     std::vector<ReasonCount> CountReasons() const;
 
+    const RefusalMap& GetRefusals() const { return mRefusals; }
+    const DirectoryMap& GetDirectories() const { return mDirectories; }
+
+    /// Returns the highest number that an item ever had.
+    uint32_t GetLastID() const { return mLastID; }
+
     size_t GetDirectoryCount() const { return mDirectories.size(); }
     size_t GetRefusalCount() const { return mRefusals.size(); }
 
@@ -78,15 +123,6 @@ public:
     DirectoryCounts CountOthers() const;
 
 private:
-    struct Refusal {
-        const char* mReason;  // a literal
-        uint32_t mScan;
-    };
-    struct Directory {
-        DirectoryCounts mCounts;
-        FileIdentity mIdentity;
-        uint32_t mScan = 0;
-    };
     bool IsAdded(const FileIdentity& anIdentity) const;
     void ForgetItem(const vxCString& aPath);
 
@@ -95,12 +131,13 @@ private:
         uint32_t mScan;  // the scan that has seen it last
     };
 
+    std::function<void()> mChanged;
     uint32_t mScan = 0;
     uint32_t mLastID = 0;
     ItemMap mItems;
     std::map<uint32_t, Place> mPlaces;  // the items again, by number
-    std::map<vxCString, Refusal, PathLess> mRefusals;
-    std::map<vxCString, Directory, PathLess> mDirectories;
+    RefusalMap mRefusals;
+    DirectoryMap mDirectories;
     std::map<FileIdentity, vxCString> mDirectoryPaths;  // the directories again, one path for each
 };
 

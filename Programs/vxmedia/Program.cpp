@@ -7,8 +7,10 @@
 #include "TimerModule.h"
 #include "cache/CacheModule.h"
 #include "config/ConfigModule.h"
+#include "config/ConfigPlace.h"
 #include "export/ExportModule.h"
 #include "probes/PluginModule.h"
+#include "vx/Config.h"
 
 namespace vxmedia {
 
@@ -22,6 +24,7 @@ Program::Program(const ProgramOptions& anOptions, Settings& aSettings)
     : mOptions(anOptions),
       mSettings(aSettings),
       mConsole(!anOptions.mfHasLines && isatty(STDIN_FILENO) != 0),
+      mKeeper(mLibrary, mProbes, mConsole),
       mInterpreter(mConsole),
       mScanApplet(mLibrary, mProbes, mWorkers, mConsole, mActivity),
       mTimerApplet(mActivity),
@@ -50,6 +53,7 @@ void Program::AddApplets() {
     AppletAttach(&mScanApplet, vxAppletOption_None);
     AppletAttach(&mWorkers, vxAppletOption_None);
     AppletAttach(&mTimerApplet, vxAppletOption_None);
+    AppletAttach(&mKeeper, vxAppletOption_None);
     mConsoleApplet.SetEndCallback([this] { RequestExit(); });
     mScanApplet.SetDoneCallback([this] { mConsoleApplet.AppletWakeUp(); });
     mTimerApplet.SetExecutor([this](const vxCString& aLine) {
@@ -70,6 +74,8 @@ void Program::TakeSettings() {
     mWorkers.SetThreadCount(mSettings.GetNumber("threads"));
     mCovers.SetPlace(CoverPlace{mSettings.GetDirectory("cache-path").c_str(),
                                 mSettings.GetNumber("cache-limit")});
+    mKeeper.SetPath(GetLibraryPath());
+    mKeeper.SetDelay(mSettings.GetNumber("save-after"));
     mProbes.SetDirectory(mSettings.GetDirectory("plugin-path"));
 }
 
@@ -88,6 +94,10 @@ int Program::Run() {
         SelfWait();
     }
     mWorkers.Stop();
+    const vxCString theError = mKeeper.Save();
+    if (!theError.IsEmpty()) {
+        NoteFailure(theError);
+    }
     return mOptions.mfHasLines && mConsoleApplet.HasFailed() ? 1 : 0;
 }
 
@@ -97,6 +107,7 @@ void Program::Start() {
                            ", the media library console. Type 'help' for the modules.");
     }
     LoadPlugins();
+    LoadLibrary();
     for (const vxCString& theDirectory : mOptions.mDirectories) {
         const vxCString theError = mScanApplet.Scan(theDirectory, mOptions.mfQuiet);
         if (!theError.IsEmpty()) {
@@ -116,6 +127,24 @@ void Program::LoadPlugins() {
         return;
     }
     for (const vxCString& theError : mProbes.Load(thePattern)) {
+        NoteFailure(theError);
+    }
+}
+
+// Only who names a configuration directory has the library kept. A name without a directory is that
+// of a file beside the changes of the configuration.
+vxCString Program::GetLibraryPath() const {
+    if (!mOptions.mfHasConfigDirectory || mSettings.GetDirectory().IsEmpty()) {
+        return vxCString();
+    }
+    const vxCString theName = mSettings.GetText("library-file");
+    const bool theIsBare = !theName.IsEmpty() && !theName.Contains("/");
+    return theIsBare ? vxConfig::GetValidPath(FindWritableDirectory(), theName, "") : theName;
+}
+
+void Program::LoadLibrary() {
+    const vxCString theError = mKeeper.Load();
+    if (!theError.IsEmpty()) {
         NoteFailure(theError);
     }
 }

@@ -12,6 +12,7 @@
 #include "WorkerPool.h"
 #include "cache/CoverStore.h"
 #include "config/Settings.h"
+#include "library/LibraryKeeper.h"
 #include "probes/MediaProbes.h"
 #include "vx/ActivityManager.h"
 #include "vx/Applet.h"
@@ -61,6 +62,8 @@ private:
     void AddApplets();
     void Start();
     void LoadPlugins();
+    void LoadLibrary();
+    vxCString GetLibraryPath() const;
     void RequestExit();
 
     const ProgramOptions mOptions;
@@ -74,6 +77,7 @@ private:
     CoverStore mCovers;
     WorkerPool mWorkers;  // below what its jobs use
     Console mConsole;
+    LibraryKeeper mKeeper;
     Interpreter mInterpreter;
     ScanApplet mScanApplet;
     TimerApplet mTimerApplet;

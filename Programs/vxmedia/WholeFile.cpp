@@ -81,6 +81,11 @@ vxCString ReadWholeFile(const vxCString& aPath, vxDataBuffer& aBuffer, unsigned 
 }
 
 vxCString WriteWholeFile(const vxCString& aPath, const void* aBytes, size_t aSize) {
+    return WriteWholeFile(aPath, NewPathBeside(WithDirectory(aPath)), aBytes, aSize);
+}
+
+vxCString WriteWholeFile(const vxCString& aPath, const vxCString& aNewPath, const void* aBytes,
+                         size_t aSize) {
     const FileKind theKind = GetFileStatus(aPath, true).mKind;
     if (theKind != FileKind::Missing && theKind != FileKind::Regular) {
         return WriteError(aPath, "it is no regular file");
@@ -89,7 +94,7 @@ vxCString WriteWholeFile(const vxCString& aPath, const void* aBytes, size_t aSiz
     if (thePath.Last() == '/') {
         return WriteError(aPath, "it is no file name");
     }
-    const vxCString theNewPath = NewPathBeside(thePath);
+    const vxCString theNewPath = WithDirectory(aNewPath);
     vxFile::Remove(theNewPath);
     const char* theReason = WriteNewFile(theNewPath, aBytes, aSize);
     if (theReason == NULL && !vxFile::Rename(theNewPath, thePath)) {

@@ -21,4 +21,8 @@ vxCString ReadWholeFile(const vxCString& aPath, vxDataBuffer& aBuffer, unsigned 
 /// Fails:    with an error text, which is empty on success; the file is the old one then.
 vxCString WriteWholeFile(const vxCString& aPath, const void* aBytes, size_t aSize);
 
+/// As above; the new contents are prepared under that other path, in the same directory.
+vxCString WriteWholeFile(const vxCString& aPath, const vxCString& aNewPath, const void* aBytes,
+                         size_t aSize);
+
 }  // namespace vxmedia

@@ -127,7 +127,7 @@ class Config(ConfigScratch):
         output = self.ask('config secret owner "Jane Doe"', 'config get owner', 'config save',
                           'config dump')
         self.assertEqual(output, 'Jane Doe\nSaved\n' +
-                         DUMP.replace("owner        text       ''", "owner        text       '********'"))
+                         DUMP.replace("owner         text       ''", "owner         text       '********'"))
         saved = self.read(b'conf/_vxmedia.ini')
         self.assertNotIn(b'Jane', saved)
         self.assertRegex(saved, rb'^\[Export\]\nOwner=secret:\d+:[A-Za-z0-9+/=]+\n$')
@@ -364,20 +364,22 @@ HELP = """\
     config set option value : change an option; without a value: to its default
 """
 DUMP = """\
-OPTION       TYPE       VALUE
-banner       switch     true
-prompt       text       'vxmedia> '
-list-limit   number     20
-hidden       switch     true
-skip         list       ''
-expect       list       ''
-refusals     number     10
-threads      number     0
-cache-path   directory  ''
-cache-limit  number     64
-plugins      text       ''
-plugin-path  directory  ''
-owner        text       ''
+OPTION        TYPE       VALUE
+banner        switch     true
+prompt        text       'vxmedia> '
+list-limit    number     20
+library-file  text       'library.json'
+save-after    number     10
+hidden        switch     true
+skip          list       ''
+expect        list       ''
+refusals      number     10
+threads       number     0
+cache-path    directory  ''
+cache-limit   number     64
+plugins       text       ''
+plugin-path   directory  ''
+owner         text       ''
 """
 PATHS_TABLE = """\
 FILE       STATE  PATH

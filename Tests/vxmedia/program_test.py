@@ -876,9 +876,14 @@ Usage: vxmedia [-h] [-q] [-c<str>] [-e<str>] [-s<str>] [directory...]
 HELP_LIB = """\
     lib find criteria : list media files that match search criteria
     lib first count[1,1000] criteria : list the first ones that match
+    lib info id[1,4294967295] : show the media info of a media file
     lib list (limit[1,100000]) : list media files by path
+    lib merge into[1,4294967295] from[1,4294967295] : add to a media info what another one knows
+    lib profile name : show MIME types and extensions of a DLNA profile
+    lib profiles : show all DLNA profiles and how many media files have each
     lib progress : show how far the scan is
     lib scan path : read the media files of a directory and below
+    lib set id[1,4294967295] key value : edit a value of a media info; without a value: as the file has it
     lib show id[1,4294967295] : show all about one media file
     lib stats : show numbers of files, bytes and seconds by format
     lib stop : stop the scan, and drop those that wait behind it

@@ -53,4 +53,12 @@ ConfigPlace FindConfigPlace() {
     return thePlace;
 }
 
+vxCString FindWritableDirectory() {
+    const LogCapture theCapture(VXLOGLEVEL_WARNING);
+    vxCString theReadPath;
+    vxCString theWritePath;
+    vxConfigConfig(kBootstrapFileName).GetPaths(theReadPath, theWritePath);
+    return theWritePath;
+}
+
 }  // namespace vxmedia

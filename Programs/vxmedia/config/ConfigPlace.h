@@ -28,4 +28,7 @@ vxCString ChooseConfigDirectory(const vxCString& aDirectory);
 /// Finds out where the library looks.
 ConfigPlace FindConfigPlace();
 
+/// Returns the directory that takes what the program writes, as the bootstrap file has it.
+vxCString FindWritableDirectory();
+
 }  // namespace vxmedia

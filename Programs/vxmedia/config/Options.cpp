@@ -14,6 +14,8 @@ const vxConfigMapperInfo kOptions[] = {
     {"banner", "Console", "Banner", kvxConfigEntryType_bool, "1"},
     {"prompt", "Console", "Prompt", kvxConfigEntryType_string, "vxmedia> "},
     {"list-limit", "Library", "ListLimit", kvxConfigEntryType_uint32, "20"},
+    {"library-file", "Library", "File", kvxConfigEntryType_string, "library.json"},
+    {"save-after", "Library", "SaveAfter", kvxConfigEntryType_uint32, "10"},
     {"hidden", "Scan", "Hidden", kvxConfigEntryType_bool, "1"},
     {"skip", "Scan", "Skip", kvxConfigEntryType_CSVString, ""},
     {"expect", "Scan", "Expect", kvxConfigEntryType_CSVString, ""},
@@ -29,8 +31,11 @@ const vxConfigMapperInfo kOptions[] = {
 
 namespace {
 
-constexpr OptionRange kRanges[] = {
-    {"list-limit", 1, 100000}, {"refusals", 1, 1000}, {"cache-limit", 1, 4096}, {"threads", 0, 64}};
+constexpr OptionRange kRanges[] = {{"list-limit", 1, 100000},
+                                   {"save-after", 1, 86400},
+                                   {"refusals", 1, 1000},
+                                   {"cache-limit", 1, 4096},
+                                   {"threads", 0, 64}};
 
 // A longer text would let the file grow until it is not read any more.
 constexpr size_t kOption_MaxLength = 4096;

@@ -117,6 +117,15 @@ const MediaFormat* MediaProbes::Format(const char* aName) {
     return &theKept.mFormat;
 }
 
+const MediaFormat* MediaProbes::FormatOf(const char* aName) {
+    for (const MediaFormat* const* theRow = kMediaFormats; *theRow != nullptr; ++theRow) {
+        if (strcmp((*theRow)->mName, aName) == 0) {
+            return *theRow;
+        }
+    }
+    return Format(aName);
+}
+
 const char* MediaProbes::Keep(const char* aReason) {
     const vxMutexLocker theLock(&mMutex);
     return mReasons.insert(EscapeForTerminal(aReason, EscapeMode::Text).c_str()).first->c_str();

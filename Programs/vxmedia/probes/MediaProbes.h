@@ -51,6 +51,10 @@ public:
     /// Returns whether files of this format can be read now.
     bool Has(const MediaFormat& aFormat) const;
 
+    /// Returns the format of that name: one of the program's own, or one that a plug-in has or may
+    /// get.
+    const MediaFormat* FormatOf(const char* aName);
+
     /// Reads a file as ReadMedia() does, and by the plug-ins where that knows nothing.
     MediaReading Read(MediaSource& aSource, const char* aFileName);
 
