@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <cstring>
@@ -343,7 +344,7 @@ TEST(JSONTreeTest, LargeObjectsFollowAModelThroughEveryEdit) {
         if (theNode != nullptr) {
             ASSERT_EQ(Print(theNode), std::to_string(theFound->second));
         }
-        switch (theRandom() % 5) {
+        switch (theRandom() % 6) {
             case 0:
                 vxJSON_AddItemToObject(theRoot, theName.c_str(), NewNumber(i));
                 theModel.emplace_back(theName, i);
@@ -373,8 +374,19 @@ TEST(JSONTreeTest, LargeObjectsFollowAModelThroughEveryEdit) {
             default:
                 if (!theModel.empty()) {
                     const uint32_t theIndex = static_cast<uint32_t>(theRandom() % theModel.size());
-                    ASSERT_EQ(vxJSON_GetName(vxJSON_GetArrayItem(theRoot, theIndex)),
-                              theModel[theIndex].first);
+                    const std::string theOther = theModel[theIndex].first;
+                    ASSERT_EQ(vxJSON_GetName(vxJSON_GetArrayItem(theRoot, theIndex)), theOther);
+                    // The member that was asked for last is edited by its name.
+                    const auto theFirst = std::find_if(
+                        theModel.begin(), theModel.end(),
+                        [&](const auto& aMember) { return aMember.first == theOther; });
+                    if (theRandom() % 3 == 0) {
+                        vxJSON_DeleteItemFromObject(theRoot, theOther.c_str());
+                        theModel.erase(theFirst);
+                    } else {
+                        vxJSON_ReplaceItemInObject(theRoot, theOther.c_str(), NewNumber(i), 0);
+                        theFirst->second = i;
+                    }
                 }
                 break;
         }
@@ -469,6 +481,31 @@ TEST(JSONTreeTest, WhereLookupsAndEditsTakeTurnsThereIsAnIndexThatFollows) {
     }
     EXPECT_EQ(Print(theObject), "{}");
     EXPECT_EQ(Print(theArray), "[]");
+}
+
+TEST(JSONTreeTest, MembersThatAreFoundByPositionAreEditedByNameWithTheSameIndex) {
+    const Tree theTree(vxJSON_CreateObject());
+    for (uint64_t i = 0; i < 1000; ++i) {
+        vxJSON_AddItemToObject(theTree.get(), std::to_string(i).c_str(), NewNumber(i));
+    }
+    sIndexCount = 0;
+    for (uint32_t i = 0; i < 1000; ++i) {
+        const std::string theName = vxJSON_GetName(vxJSON_GetArrayItem(theTree.get(), i));
+        ASSERT_EQ(theName, std::to_string(i));
+        vxJSON_ReplaceItemInObject(theTree.get(), theName.c_str(), NewNumber(i + 1), 0);
+    }
+    for (uint32_t i = 999; i < 1000; --i) {
+        const vxJSON_t* theNode = vxJSON_GetArrayItem(theTree.get(), i);
+        ASSERT_EQ(Print(theNode), std::to_string(i + 1));
+        if (i % 2 == 0) {
+            vxJSON_DeleteItemFromObject(theTree.get(), vxJSON_GetName(theNode));
+        } else if (i % 5 == 0) {
+            vxJSON_Delete(vxJSON_DetachItemFromArray(theTree.get(), i));
+        }
+    }
+    EXPECT_LT(sIndexCount, 30);
+    EXPECT_EQ(vxJSON_GetArraySize(theTree.get()), 400u);
+    EXPECT_STREQ(vxJSON_GetName(vxJSON_GetArrayItem(theTree.get(), 399)), "999");
 }
 
 // ---- Addresses and threads

@@ -120,12 +120,18 @@ vxJSON_t* vxChildAt(const vxJSON_t* aContainer, uint32_t anIndex) {
     if (anIndex < kvxWalkToItem) {
         return vxWalkTo(theChildren, anIndex);
     }
-    const vxJSONTable* theTable = vxTable(aContainer, vxJSONOrder::kByPosition);
-    if (theTable != nullptr) {
-        return vxTable_At(theTable, anIndex);
+    vxJSONTable* theTable = vxTable(aContainer, vxJSONOrder::kByPosition);
+    if (theTable == nullptr) {
+        vxCountLookup(aContainer, vxJSONOrder::kByPosition);
+        theTable = vxTable(aContainer, vxJSONOrder::kByPosition);
     }
-    vxCountLookup(aContainer, vxJSONOrder::kByPosition);
-    return vxWalkTo(theChildren, anIndex);
+    if (theTable == nullptr) {
+        return vxWalkTo(theChildren, anIndex);
+    }
+    if (vxKind(aContainer) == vxJSONKind::kObject) {
+        vxTable_Remember(theTable, anIndex);
+    }
+    return vxTable_At(theTable, anIndex);
 }
 
 /// As vxChildAt(), with the sibling in front of it.
@@ -253,30 +259,36 @@ void vxAppend(vxJSON_t* aContainer, vxJSON_t* anItem) {
     vxLink(aContainer, theChildren.mCount, theChildren.mLast, anItem);
 }
 
-// An edit of an object goes by name and does not know the position: it drops that table.
-
-void vxDropPositions(vxJSON_t* aContainer) {
-    if (vxKind(aContainer) == vxJSONKind::kObject) {
+/// Returns the position of a child that is edited, which is known for arrays. An edit of an object
+/// goes by name: often the member has just been looked up by position, else that table is dropped.
+uint32_t vxPositionOf(vxJSON_t* aContainer, uint32_t anIndex, const vxJSON_t* aNode) {
+    const vxJSONTable* theTable = vxTable(aContainer, vxJSONOrder::kByPosition);
+    if (theTable == nullptr || vxKind(aContainer) != vxJSONKind::kObject) {
+        return anIndex;
+    }
+    const uint32_t theIndex = vxTable_PositionOf(theTable, aNode);
+    if (theIndex == kvxTable_Unknown) {
         vxDropTable(aContainer, vxJSONOrder::kByPosition);
     }
+    return theIndex;
 }
 
 void vxFollowRemove(vxJSON_t* aContainer, uint32_t anIndex, const vxJSONLocation& aLocation) {
-    vxDropPositions(aContainer);
+    const uint32_t theIndex = vxPositionOf(aContainer, anIndex, aLocation.mNode);
     for (const vxJSONOrder theOrder : {vxJSONOrder::kByPosition, vxJSONOrder::kByName}) {
         vxJSONTable* theTable = vxTable(aContainer, theOrder);
         if (theTable != nullptr) {
-            vxTable_Removed(theTable, anIndex, aLocation.mPrevious, aLocation.mNode);
+            vxTable_Removed(theTable, theIndex, aLocation.mPrevious, aLocation.mNode);
         }
     }
 }
 
 void vxFollowReplace(vxJSON_t* aContainer, uint32_t anIndex, vxJSON_t* anOld, vxJSON_t* anItem) {
-    vxDropPositions(aContainer);
+    const uint32_t theIndex = vxPositionOf(aContainer, anIndex, anOld);
     for (const vxJSONOrder theOrder : {vxJSONOrder::kByPosition, vxJSONOrder::kByName}) {
         vxJSONTable* theTable = vxTable(aContainer, theOrder);
         if (theTable != nullptr) {
-            vxTable_Replaced(theTable, anIndex, anOld, anItem);
+            vxTable_Replaced(theTable, theIndex, anOld, anItem);
         }
     }
 }

@@ -24,6 +24,7 @@ struct vxJSONTable {
     uint32_t mCapacity;  // a power of two by name
     uint32_t mUsed;
     uint32_t mStart;  // by position: items dropped from the front
+    uint32_t mHint;   // by position: what is remembered; atomic
 
     vxJSON_t** Items() { return reinterpret_cast<vxJSON_t**>(this + 1); }
     vxJSON_t* const* Items() const { return reinterpret_cast<vxJSON_t* const*>(this + 1); }
@@ -217,6 +218,20 @@ void vxTable_Delete(vxJSONTable* aTable) {
 
 vxJSON_t* vxTable_At(const vxJSONTable* aTable, uint32_t anIndex) {
     return aTable->Items()[aTable->mStart + anIndex];
+}
+
+void vxTable_Remember(vxJSONTable* aTable, uint32_t anIndex) {
+    __atomic_store_n(&aTable->mHint, anIndex, __ATOMIC_RELAXED);
+}
+
+uint32_t vxTable_PositionOf(const vxJSONTable* aTable, const vxJSON_t* aNode) {
+    const uint32_t theHint = __atomic_load_n(&aTable->mHint, __ATOMIC_RELAXED);
+    for (uint32_t i = theHint; i < aTable->mUsed && i - theHint < 2; ++i) {
+        if (vxTable_At(aTable, i) == aNode) {
+            return i;
+        }
+    }
+    return kvxTable_Unknown;
 }
 
 vxJSONLocation vxTable_Find(const vxJSONTable* aTable, const vxJSONKey& aKey) {

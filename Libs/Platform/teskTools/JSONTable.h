@@ -19,12 +19,20 @@ struct vxJSONLocation {
 
 enum class vxJSONOrder : unsigned { kByPosition, kByName };
 
+constexpr uint32_t kvxTable_Unknown = UINT32_MAX;
+
 /// Builds a table of a container's children; null when memory is out.
 vxJSONTable* vxTable_New(const vxJSON_t* aContainer, vxJSONOrder anOrder);
 void vxTable_Delete(vxJSONTable* aTable);
 
 /// Finds the item at a position that is below the count.
 vxJSON_t* vxTable_At(const vxJSONTable* aTable, uint32_t anIndex);
+
+/// Remembers a position that was asked for; readers may do so at the same time.
+void vxTable_Remember(vxJSONTable* aTable, uint32_t anIndex);
+
+/// Returns the position of an item if it is the remembered one or the next, else kvxTable_Unknown.
+uint32_t vxTable_PositionOf(const vxJSONTable* aTable, const vxJSON_t* aNode);
 
 /// Finds the first member of a name. The previous sibling of the first child is not up to date: it
 /// is the container's last child.
