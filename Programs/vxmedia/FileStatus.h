@@ -25,6 +25,12 @@ struct FileStatus {
     uint64_t mSize = 0;     // bytes of a regular file, else 0
     int64_t mModified = 0;  // nanoseconds since 1970: when a regular file was changed last, else 0
     FileIdentity mIdentity;
+
+    /// Returns whether it is the same file, and was not changed in between.
+    bool IsSameAs(const FileStatus& anOther) const {
+        return mKind == anOther.mKind && mSize == anOther.mSize &&
+               mModified == anOther.mModified && mIdentity == anOther.mIdentity;
+    }
 };
 
 /// Finds out what the path names without opening it: opening a pipe could wait for ever.

@@ -23,6 +23,7 @@ constexpr unsigned int kProgram_NoTimeout = 0xFFFFFFFF;
 Program::Program(const ProgramOptions& anOptions, Settings& aSettings)
     : mOptions(anOptions),
       mSettings(aSettings),
+      mDetails(mWorkers),
       mConsole(!anOptions.mfHasLines && isatty(STDIN_FILENO) != 0),
       mKeeper(mLibrary, mProbes, mConsole),
       mInterpreter(mConsole),
@@ -42,8 +43,8 @@ void Program::AddModules() {
     mInterpreter.AddModule(new ConfigModule(mConsole, mSettings));
     mInterpreter.AddModule(new ExportModule(mConsole, mLibrary, mSettings));
     mInterpreter.AddModule(new PluginModule(mConsole, mProbes, mScanApplet));
-    mInterpreter.AddModule(
-        new CacheModule(mConsole, mConsoleApplet, mLibrary, mCovers, mWorkers, mSettings));
+    mInterpreter.AddModule(new CacheModule(mConsole, mConsoleApplet, mLibrary, mCovers, mDetails,
+                                           mWorkers, mSettings));
     mInterpreter.SetExitCallback([this] { RequestExit(); });
 }
 
@@ -76,6 +77,8 @@ void Program::TakeSettings() {
                                 mSettings.GetNumber("cache-limit")});
     mKeeper.SetPath(GetLibraryPath());
     mKeeper.SetDelay(mSettings.GetNumber("save-after"));
+    mDetails.SetLimits(size_t{mSettings.GetNumber("info-kbytes")} << 10,
+                       mSettings.GetNumber("info-files"));
     mProbes.SetDirectory(mSettings.GetDirectory("plugin-path"));
 }
 

@@ -11,6 +11,7 @@
 #include "TimerApplet.h"
 #include "WorkerPool.h"
 #include "cache/CoverStore.h"
+#include "cache/DetailsCache.h"
 #include "config/Settings.h"
 #include "library/LibraryKeeper.h"
 #include "probes/MediaProbes.h"
@@ -76,6 +77,7 @@ private:
     MediaLibrary mLibrary;
     CoverStore mCovers;
     WorkerPool mWorkers;  // below what its jobs use
+    DetailsCache mDetails;
     Console mConsole;
     LibraryKeeper mKeeper;
     Interpreter mInterpreter;

@@ -375,7 +375,7 @@ TEST_F(CoverStoreTest, WhatIsAnsweredIsWholeWhateverOthersDo) {
     for (int i = 0; i < kThreads; ++i) {
         theThreads.emplace_back([&, i] {
             std::mt19937 theChance(static_cast<unsigned>(i));
-            for (int j = 0; j < 100; ++j) {
+            for (int j = 0; j < 40; ++j) {
                 const size_t theNumber = theChance() % 6;
                 const std::string theName = "cover" + std::to_string(theNumber);
                 const size_t theSize = 100000 + theNumber * 50000;
@@ -386,7 +386,7 @@ TEST_F(CoverStoreTest, WhatIsAnsweredIsWholeWhateverOthersDo) {
                     EXPECT_EQ(std::string(theCover.mError.c_str()),
                               "ERROR: Unable to keep covers in '" + (mDir / "base/covers/") + "'");
                 }
-                if (j % 30 == 29) {
+                if (j % 13 == 12) {
                     mStore.Empty(theChance() % 2 == 0);
                 }
             }

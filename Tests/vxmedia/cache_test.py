@@ -365,7 +365,7 @@ class StatusTable:
     def __mod__(self, values):
         return [line % value for line, value in zip(
             ('covers     %d', 'bytes      %d', 'limit      %d', 'written    %d', 'found      %d'),
-            values)] + ['directory  cache/covers/']
+            values)] + ['details    0 files, 0 bytes', 'directory  cache/covers/']
 
 
 STATUS = StatusTable()

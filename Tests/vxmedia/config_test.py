@@ -377,6 +377,8 @@ refusals      number     10
 threads       number     0
 cache-path    directory  ''
 cache-limit   number     64
+info-files    number     1000
+info-kbytes   number     512
 plugins       text       ''
 plugin-path   directory  ''
 owner         text       ''

@@ -36,12 +36,13 @@ private:
 };
 
 CacheModule::CacheModule(Console& aConsole, ConsoleApplet& aConsoleApplet,
-                         const MediaLibrary& aLibrary, CoverStore& aCovers, WorkerPool& aWorkers,
-                         Settings& aSettings)
+                         const MediaLibrary& aLibrary, CoverStore& aCovers,
+                         const DetailsCache& aDetails, WorkerPool& aWorkers, Settings& aSettings)
     : CommandModule("cache,fc", aConsole),
       mConsoleApplet(aConsoleApplet),
       mLibrary(aLibrary),
       mCovers(aCovers),
+      mDetails(aDetails),
       mWorkers(aWorkers),
       mSettings(aSettings) {
     Declare("cover", "id:ui32[1,4294967295]", "write the cover of one media file to the cache");
@@ -86,6 +87,9 @@ void CacheModule::ShowStatus() {
     theTable.AddRow({"limit", NumberText(theStatus.mLimit)});
     theTable.AddRow({"written", NumberText(theStatus.mWritten)});
     theTable.AddRow({"found", NumberText(theStatus.mFound)});
+    const DetailsCache::Status theDetails = mDetails.GetStatus();
+    theTable.AddRow({"details", NumberText(theDetails.mFiles) + " files, " +
+                                    NumberText(theDetails.mBytes) + " bytes"});
     theTable.AddRow({"directory", EscapeForTerminal(theStatus.mDirectory, EscapeMode::Name)});
     mConsole.Print(theTable.GetText());
 }

@@ -7,6 +7,7 @@
 #include "MediaLibrary.h"
 #include "WorkerPool.h"
 #include "cache/CoverStore.h"
+#include "cache/DetailsCache.h"
 #include "config/Settings.h"
 
 namespace vxmedia {
@@ -17,7 +18,8 @@ namespace vxmedia {
 class CacheModule : public CommandModule {
 public:
     CacheModule(Console& aConsole, ConsoleApplet& aConsoleApplet, const MediaLibrary& aLibrary,
-                CoverStore& aCovers, WorkerPool& aWorkers, Settings& aSettings);
+                CoverStore& aCovers, const DetailsCache& aDetails, WorkerPool& aWorkers,
+                Settings& aSettings);
 
     bool HandleCLICommand(const vxRef<vxCLICommand>& aCommand) override;
 
@@ -39,6 +41,7 @@ private:
     ConsoleApplet& mConsoleApplet;
     const MediaLibrary& mLibrary;
     CoverStore& mCovers;
+    const DetailsCache& mDetails;
     WorkerPool& mWorkers;
     Settings& mSettings;
 };

@@ -5,6 +5,12 @@
 
 namespace vxmedia {
 
+/// The largest cover that is read.
+constexpr size_t kCover_MaxSize = 16 * 1024 * 1024;  // bytes in the media file
+
+/// Returns an error text about a file: "ERROR: The file 'a.mp3' has no cover".
+vxCString FileError(const char* aPath, const char* aTrouble);
+
 /// Returns the file name under which the cover of a media file is kept.
 ///
 /// The name stands for the file as it is: moved, it keeps its cover, changed or copied it has

@@ -23,6 +23,8 @@ const vxConfigMapperInfo kOptions[] = {
     {"threads", "Scan", "Threads", kvxConfigEntryType_uint16, "0"},
     {"cache-path", "Cache", "Path", kvxConfigEntryType_dirPath, ""},
     {"cache-limit", "Cache", "Limit", kvxConfigEntryType_uint16, "64"},
+    {"info-files", "Cache", "InfoFiles", kvxConfigEntryType_uint32, "1000"},
+    {"info-kbytes", "Cache", "InfoKBytes", kvxConfigEntryType_uint32, "512"},
     {"plugins", "Plugins", "Load", kvxConfigEntryType_string, ""},
     {"plugin-path", "Plugins", "Path", kvxConfigEntryType_dirPath, ""},
     {"owner", "Export", "Owner", kvxConfigEntryType_string, ""},
@@ -35,7 +37,9 @@ constexpr OptionRange kRanges[] = {{"list-limit", 1, 100000},
                                    {"save-after", 1, 86400},
                                    {"refusals", 1, 1000},
                                    {"cache-limit", 1, 4096},
-                                   {"threads", 0, 64}};
+                                   {"threads", 0, 64},
+                                   {"info-files", 1, 100000},
+                                   {"info-kbytes", 1, 1048576}};
 
 // A longer text would let the file grow until it is not read any more.
 constexpr size_t kOption_MaxLength = 4096;
