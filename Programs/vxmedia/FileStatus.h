@@ -28,8 +28,8 @@ struct FileStatus {
 
     /// Returns whether it is the same file, and was not changed in between.
     bool IsSameAs(const FileStatus& anOther) const {
-        return mKind == anOther.mKind && mSize == anOther.mSize &&
-               mModified == anOther.mModified && mIdentity == anOther.mIdentity;
+        return mKind == anOther.mKind && mSize == anOther.mSize && mModified == anOther.mModified &&
+               mIdentity == anOther.mIdentity;
     }
 };
 

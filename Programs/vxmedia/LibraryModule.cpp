@@ -102,14 +102,16 @@ vxCString ReasonTable(const MediaLibrary& aLibrary) {
 
 }  // namespace
 
-LibraryModule::LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet,
-                             const MediaProbes& aProbes, const Settings& aSettings)
+LibraryModule::LibraryModule(Console& aConsole, ConsoleApplet& aConsoleApplet,
+                             MediaLibrary& aLibrary, ScanApplet& aScanApplet,
+                             const MediaProbes& aProbes, DetailsCache& aDetails,
+                             const Settings& aSettings)
     : CommandModule("library,lib", aConsole),
       mLibrary(aLibrary),
       mScanApplet(aScanApplet),
       mProbes(aProbes),
       mSettings(aSettings),
-      mItemCommands(aConsole, aLibrary, *GetCommandSet().Get()) {
+      mItemCommands(aConsole, aConsoleApplet, aLibrary, aDetails, *GetCommandSet().Get()) {
     Declare("scan", "path:...", "read the media files of a directory and below");
     Declare("stop", "", "stop the scan, and drop those that wait behind it");
     Declare("progress", "", "show how far the scan is");

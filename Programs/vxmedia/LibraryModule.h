@@ -12,8 +12,9 @@ namespace vxmedia {
 /// those of ItemCommands.
 class LibraryModule : public CommandModule {
 public:
-    LibraryModule(Console& aConsole, MediaLibrary& aLibrary, ScanApplet& aScanApplet,
-                  const MediaProbes& aProbes, const Settings& aSettings);
+    LibraryModule(Console& aConsole, ConsoleApplet& aConsoleApplet, MediaLibrary& aLibrary,
+                  ScanApplet& aScanApplet, const MediaProbes& aProbes, DetailsCache& aDetails,
+                  const Settings& aSettings);
 
     bool HandleCLICommand(const vxRef<vxCLICommand>& aCommand) override;
     bool IsImmediate(const vxRef<vxCLICommand>& aCommand) const override {

@@ -37,7 +37,8 @@ Program::Program(const ProgramOptions& anOptions, Settings& aSettings)
 }
 
 void Program::AddModules() {
-    mInterpreter.AddModule(new LibraryModule(mConsole, mLibrary, mScanApplet, mProbes, mSettings));
+    mInterpreter.AddModule(new LibraryModule(mConsole, mConsoleApplet, mLibrary, mScanApplet,
+                                             mProbes, mDetails, mSettings));
     mInterpreter.AddModule(new TimerModule(mConsole, mTimerApplet));
     mInterpreter.AddModule(new SysModule(mConsole, mLibrary, mActivity, mWorkers));
     mInterpreter.AddModule(new ConfigModule(mConsole, mSettings));

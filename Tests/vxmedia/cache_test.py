@@ -193,6 +193,50 @@ class Cache(CacheScratch):
         self.assertEqual(os.path.dirname(self.check_cover(answers[1], picture(50), 'written')),
                          'o t h e r/covers')
 
+    def test_lib_info_tells_about_the_picture(self):
+        with open(os.path.join(PATHS['samples'], 'pictures/baseline.jpg'), 'rb') as file:
+            jpeg = file.read()
+        self.write_sound(b'a.mp3', jpeg)
+        self.write_sound(b'b.mp3', b'RIFF0000WEBP')
+        self.write(b'media/c.mp3', self.sound)
+        answers = self.ask('cache status', 'lib info 1', 'lib info 2', 'lib info 3', 'lib info 1',
+                           'cache status')
+        self.assertEqual([line.split(None, 2)[1:] for line in answers if ' picture ' in line],
+                         [['picture', 'JPEG 160x120, %d bytes' % len(jpeg)],
+                          ['picture', 'image/png, 12 bytes'],
+                          ['picture', 'JPEG 160x120, %d bytes' % len(jpeg)]])
+        self.assertEqual(answers[5], 'details    0 files, 0 bytes')
+        self.assertRegex(answers[-2], r'^details    2 files, \d+ bytes$')
+
+    def test_lib_info_looks_again_at_a_file_that_has_changed(self):
+        self.write_sound(b'a.mp3', GIF)
+        process = self.start()
+        for size in (7, 9, 11):
+            self.write_sound(b'a.mp3', picture(size))
+            process.stdin.write(b'lib info 1\n')
+            self.assertEqual(self.read_picture(process), b'image/png, %d bytes' % size)
+        os.remove(self.path(b'media/a.mp3'))
+        process.stdin.write(b'lib info 1\n')
+        self.assertEqual(self.read_picture(process), b'cannot be read')
+
+    def test_the_details_that_are_kept_are_limited(self):
+        for i in range(6):
+            self.write_sound(b'%d.mp3' % i, GIF)
+        infos = ['lib info %d' % (i + 1) for i in range(6)]
+        # What one takes depends on the machine.
+        for setting, counts in (('info-files 2', [3]), ('info-kbytes 1', [2, 3, 4, 5]), ('info-files 10', [6])):
+            with self.subTest(setting):
+                answers = self.ask('config set ' + setting, *infos, 'cache status')
+                self.assertEqual(sum(' picture ' in line for line in answers), 6)
+                self.assertIn(int(answers[-2].split()[1]), counts)
+
+    @staticmethod
+    def read_picture(process):
+        while True:
+            line = process.stdout.readline()
+            if b' picture ' in line or not line:
+                return line.strip().split(b'  ')[-1].strip()
+
     def test_those_who_ask_for_one_cover_at_once_all_get_it(self):
         self.write_sound(b'a.mp3', picture(2000000))
         process = self.start()

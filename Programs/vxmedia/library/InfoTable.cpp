@@ -42,7 +42,7 @@ vxCString CoverText(const vxMediaInfo& anInfo) {
 
 }  // namespace
 
-vxCString MakeInfoTable(const MediaItem& anItem) {
+vxCString MakeInfoTable(const MediaItem& anItem, const vxCString& aPicture) {
     const vxMediaInfo& theInfo = anItem.GetInfo();
     TextTable theTable("lll");
     for (const ItemKey* theRow = kItemKeys; theRow->mKey != NULL; ++theRow) {
@@ -55,6 +55,9 @@ vxCString MakeInfoTable(const MediaItem& anItem) {
     }
     if (!theInfo.GetCoverArtMimeType().IsEmpty()) {
         theTable.AddRow({"-", "cover", EscapeForTerminal(CoverText(theInfo), EscapeMode::Text)});
+    }
+    if (!aPicture.IsEmpty()) {
+        theTable.AddRow({"-", "picture", EscapeForTerminal(aPicture, EscapeMode::Text)});
     }
     return theTable.GetText();
 }

@@ -27,8 +27,9 @@ vxCString UnknownProfile(const vxCString& aName) {
 
 }  // namespace
 
-ItemCommands::ItemCommands(Console& aConsole, MediaLibrary& aLibrary, vxCLICommandSet& aSet)
-    : mConsole(aConsole), mLibrary(aLibrary) {
+ItemCommands::ItemCommands(Console& aConsole, ConsoleApplet& aConsoleApplet, MediaLibrary& aLibrary,
+                           DetailsCache& aDetails, vxCLICommandSet& aSet)
+    : mConsole(aConsole), mConsoleApplet(aConsoleApplet), mLibrary(aLibrary), mDetails(aDetails) {
     aSet.Add("info", "id:ui32[1,4294967295]", "show the media info of a media file");
     aSet.Add("set", "id:ui32[1,4294967295] key:str value:...",
              "edit a value of a media info; without a value: as the file has it");
@@ -67,13 +68,25 @@ vxCString ItemCommands::Find(uint32_t anID, vxRef<MediaItem>& anItem) const {
                            : vxCString();
 }
 
+// A picture is looked at only now: the answer comes when that has been done.
 vxCString ItemCommands::ShowInfo(uint32_t anID) {
     vxRef<MediaItem> theItem;
     const vxCString theError = Find(anID, theItem);
-    if (theError.IsEmpty()) {
-        mConsole.Print(MakeInfoTable(*theItem.Get()));
+    if (!theError.IsEmpty()) {
+        return theError;
     }
-    return theError;
+    if (theItem->GetInfo().GetCoverArtMimeType().IsEmpty()) {
+        mConsole.Print(MakeInfoTable(*theItem.Get(), ""));
+        return vxCString();
+    }
+    mConsoleApplet.LateAnswerComes();
+    mDetails.Ask(theItem->GetPath(), [this, theItem](const MediaDetails& aDetails) {
+        mConsole.Print(MakeInfoTable(*theItem.Get(), aDetails.mError.IsEmpty()
+                                                         ? aDetails.mCover
+                                                         : vxCString("cannot be read")));
+        mConsoleApplet.LateAnswerCame(true);
+    });
+    return vxCString();
 }
 
 // What is typed behind the key is the new value; nothing there, not even quotes, ends the edit.

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "CommandModule.h"
+#include "ConsoleApplet.h"
 #include "MediaLibrary.h"
+#include "cache/DetailsCache.h"
 
 namespace vxmedia {
 
@@ -10,7 +12,8 @@ namespace vxmedia {
 class ItemCommands {
 public:
     /// Declares the commands in the set of the module.
-    ItemCommands(Console& aConsole, MediaLibrary& aLibrary, vxCLICommandSet& aSet);
+    ItemCommands(Console& aConsole, ConsoleApplet& aConsoleApplet, MediaLibrary& aLibrary,
+                 DetailsCache& aDetails, vxCLICommandSet& aSet);
 
     /// Handles one of these commands and stores whether it succeeded; returns false for any other.
     bool Handle(const vxRef<vxCLICommand>& aCommand, bool& afSucceeded);
@@ -24,7 +27,9 @@ private:
     vxCString Find(uint32_t anID, vxRef<MediaItem>& anItem) const;
 
     Console& mConsole;
+    ConsoleApplet& mConsoleApplet;
     MediaLibrary& mLibrary;
+    DetailsCache& mDetails;
 };
 
 }  // namespace vxmedia
