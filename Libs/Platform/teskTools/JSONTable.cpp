@@ -13,7 +13,8 @@
 #include "JSONKey.h"
 #include "JSONNode.h"
 
-struct vxJSONTable {
+// What follows it in its block holds pointers.
+struct alignas(vxJSON_t*) vxJSONTable {
     struct Entry {
         vxJSON_t* mNode;      // null: free
         vxJSON_t* mPrevious;  // in the ring; stale for the first child
