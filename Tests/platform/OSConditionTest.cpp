@@ -178,6 +178,74 @@ TEST_F(OSConditionTest, OneSignalEndsOneOfTwoWaits) {
     theFirst.join();
 }
 
+TEST_F(OSConditionTest, SignalsBeyondTheWaitersAreNotRemembered) {
+    int theWaiting = 0;
+    int theReturned = 0;
+    const auto theWait = [&] {
+        vxMutex_Lock(mMutex);
+        ++theWaiting;
+        EXPECT_EQ(vxCondition_Wait(mCondition, mMutex), 0);
+        ++theReturned;
+        vxMutex_Unlock(mMutex);
+    };
+    std::thread theFirst(theWait);
+    std::thread theSecond(theWait);
+    for (bool theIsDone = false; !theIsDone;) {
+        vxMutex_Lock(mMutex);
+        theIsDone = theWaiting == 2;
+        for (int i = 0; theIsDone && i < 1000; ++i) {
+            EXPECT_EQ(vxCondition_Signal(mCondition), 0);
+        }
+        vxMutex_Unlock(mMutex);
+    }
+    theFirst.join();
+    theSecond.join();
+    EXPECT_EQ(theReturned, 2);
+    vxMutex_Lock(mMutex);
+    EXPECT_EQ(vxCondition_WaitTimeout(mCondition, mMutex, 1), ETIMEDOUT);
+    vxMutex_Unlock(mMutex);
+}
+
+// Signals come with and without the mutex, waits with and without a limit.
+TEST_F(OSConditionTest, ManyProducersAndConsumersLoseNothing) {
+    constexpr int kEach = 20000;
+    int theItems = 0;
+    std::vector<std::thread> theThreads;
+    for (int i = 0; i < 2; ++i) {
+        theThreads.emplace_back([&, i] {
+            for (int j = 0; j < kEach; ++j) {
+                vxMutex_Lock(mMutex);
+                ++theItems;
+                if (i == 0) {
+                    vxCondition_Signal(mCondition);
+                }
+                vxMutex_Unlock(mMutex);
+                if (i == 1) {
+                    vxCondition_Signal(mCondition);
+                }
+            }
+        });
+        theThreads.emplace_back([&, i] {
+            for (int j = 0; j < kEach; ++j) {
+                vxMutex_Lock(mMutex);
+                while (theItems == 0) {
+                    if (i == 0) {
+                        vxCondition_Wait(mCondition, mMutex);
+                    } else {
+                        vxCondition_WaitTimeout(mCondition, mMutex, 1);
+                    }
+                }
+                --theItems;
+                vxMutex_Unlock(mMutex);
+            }
+        });
+    }
+    for (std::thread& theThread : theThreads) {
+        theThread.join();
+    }
+    EXPECT_EQ(theItems, 0);
+}
+
 TEST_F(OSConditionTest, TwoThreadsHandATurnBackAndForthWithoutLosingOne) {
     constexpr int kRounds = 20000;
     int theTurn = 0;

@@ -1,7 +1,11 @@
-// A waiting thread sleeps on the number of signals that it read while it held the mutex. Every
-// signal changes the number, so one that comes before the thread is asleep keeps it awake. A signal
-// is also given to the waiters, and the first of them that has the mutex again takes it along: each
-// signal ends one wait, whichever thread the kernel woke.
+// A waiting thread sleeps on the number of signals, which it reads before it is counted as a waiter and
+// before it looks for a signal that was given. Every signal is given first, to the waiters as a whole,
+// and then changes the number and wakes one: so whoever has looked in vain stays awake, and of the
+// waiters at least as many are awake as signals were given. The first of them that has the mutex again
+// takes one along and leaves: each signal ends one wait, whichever thread the kernel woke.
+//
+// Waiters and signals given are one word. There are never more signals than waiters, and where there
+// are as many, a further signal has nobody to wake.
 
 #include <libvxOS/Condition.h>
 
@@ -12,30 +16,47 @@
 #include <new>
 
 struct vxOSCondition {
-    std::atomic<uint32_t> mSignals{0};        // modulo 2^32
-    std::atomic<uint32_t> mWaiters{0};        // threads inside a wait
-    std::atomic<uint32_t> mGiven{0};          // signals for waiters that have not left yet
+    std::atomic<uint32_t> mSignals{0};  // modulo 2^32
+    std::atomic<uintptr_t> mCounts{0};  // waiters in the upper half, signals given in the lower
     std::atomic<vxOSMutex*> mMutex{nullptr};  // of the waiters, while there are any
 };
 
 namespace {
 
-/// Gives one more waiter a reason to leave; false when every one has it. Who gives also wakes, so
-/// these have been woken, or are about to be.
-bool vxGive(vxOSCondition* aCondition, uint32_t aWaiters) {
-    if (aCondition->mGiven.load(std::memory_order_relaxed) >= aWaiters) {
-        return false;
-    }
-    aCondition->mGiven.fetch_add(1, std::memory_order_relaxed);
+constexpr uintptr_t kvxOneGiven = 1;
+constexpr uintptr_t kvxOneWaiter = uintptr_t{1} << (sizeof(uintptr_t) * 4);
+
+uintptr_t vxWaiters(uintptr_t aCounts) {
+    return aCounts / kvxOneWaiter;
+}
+
+uintptr_t vxGiven(uintptr_t aCounts) {
+    return aCounts % kvxOneWaiter;
+}
+
+/// Gives one more waiter a reason to leave; false when every one has it.
+bool vxGive(vxOSCondition* aCondition) {
+    uintptr_t theCounts = aCondition->mCounts.load();
+    do {
+        if (vxGiven(theCounts) >= vxWaiters(theCounts)) {
+            return false;
+        }
+    } while (!aCondition->mCounts.compare_exchange_weak(theCounts, theCounts + kvxOneGiven));
     return true;
 }
 
-/// Takes one signal along; false when others have taken them all. The caller holds the mutex.
-bool vxTake(vxOSCondition* aCondition) {
-    if (aCondition->mGiven.load(std::memory_order_relaxed) == 0) {
-        return false;
-    }
-    aCondition->mGiven.fetch_sub(1, std::memory_order_relaxed);
+/// Leaves with a signal, or without one when the time is over; false when there is neither. The caller
+/// holds the mutex.
+bool vxLeave(vxOSCondition* aCondition, bool afTimeIsOver, bool* afHasSignal) {
+    uintptr_t theCounts = aCondition->mCounts.load();
+    uintptr_t theRest;
+    do {
+        *afHasSignal = vxGiven(theCounts) > 0;
+        if (!*afHasSignal && !afTimeIsOver) {
+            return false;
+        }
+        theRest = theCounts - kvxOneWaiter - (*afHasSignal ? kvxOneGiven : 0);
+    } while (!aCondition->mCounts.compare_exchange_weak(theCounts, theRest));
     return true;
 }
 
@@ -47,22 +68,19 @@ int vxWait(vxOSCondition* aCondition, vxOSMutex* aMutex, const vxDeadline* aDead
         return EPERM;
     }
     aCondition->mMutex.store(aMutex, std::memory_order_relaxed);
-    if (aCondition->mWaiters.fetch_add(1) == 0) {
-        aCondition->mGiven.store(0, std::memory_order_relaxed);
-    }
+    uint32_t theSignals = aCondition->mSignals.load();
+    aCondition->mCounts.fetch_add(kvxOneWaiter);
     int theResult;
-    bool theTook;
+    bool theHasSignal;
     do {
-        const uint32_t theSignals = aCondition->mSignals.load();
         const uint32_t theRepeats = aMutex->mLock.LetGo();
         theResult = vxFutex_Wait(&aCondition->mSignals, theSignals, aDeadline);
         aMutex->mLock.TakeBack(theRepeats);
+        theSignals = aCondition->mSignals.load();
         // Also when the time is over: a signal that came before the mutex was back may have no
         // other thread to wake.
-        theTook = vxTake(aCondition);
-    } while (!theTook && theResult == 0);
-    aCondition->mWaiters.fetch_sub(1);
-    return theTook ? 0 : theResult;
+    } while (!vxLeave(aCondition, theResult != 0, &theHasSignal));
+    return theHasSignal ? 0 : theResult;
 }
 
 }  // namespace
@@ -88,12 +106,10 @@ int vxCondition_Signal(vxOSCondition* aCondition) {
     if (aCondition == nullptr) {
         return EINVAL;
     }
-    const uint32_t theWaiters = aCondition->mWaiters.load();
     // A waiter that was woken may take long to get the processor: signals meanwhile cost nothing.
-    if (theWaiters == 0 || !vxGive(aCondition, theWaiters)) {
+    if (!vxGive(aCondition)) {
         return 0;
     }
-    // In this order: who sees the new number sees what was given.
     aCondition->mSignals.fetch_add(1);
     vxRecursiveLock& theLock = aCondition->mMutex.load(std::memory_order_relaxed)->mLock;
     if (theLock.IsHeld()) {
