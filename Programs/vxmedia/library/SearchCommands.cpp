@@ -8,7 +8,7 @@ namespace vxmedia {
 vxCString FindItems(const MediaLibrary& aLibrary, const vxCString& aCriteria, uint32_t aMaxCount,
                     Console& aConsole) {
     LibraryCriteria theCriteria(aCriteria);
-    const vxCString theError = theCriteria.Read();
+    vxCString theError = theCriteria.Read();
     if (!theError.IsEmpty()) {
         return theError;
     }
