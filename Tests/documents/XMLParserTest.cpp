@@ -268,6 +268,9 @@ constexpr TextCase kRefusals[] = {
     {"text", "line 1, column 1: expected the root element"},
     {"<a>", "line 1, column 4: expected an end tag"},
     {"<a></b>", "line 1, column 4: expected the end tag of the innermost element"},
+    {"<a></ab>", "line 1, column 4: expected the end tag of the innermost element"},
+    {"<ab></a>", "line 1, column 5: expected the end tag of the innermost element"},
+    {"<a></a", "line 1, column 7: expected \">\""},
     {"<a><b></a></b>", "line 1, column 7: expected the end tag of the innermost element"},
     {"<a/><b/>", "line 1, column 5: expected the end of the document"},
     {"<a>\n<b x=1/></a>", "line 2, column 6: expected a quoted value"},
@@ -333,6 +336,22 @@ TEST(XMLParserTest, RefusalsSayWhereAndWhatWasExpected) {
         SCOPED_TRACE(theCase.mText);
         EXPECT_EQ(ReadAndWritten(theCase.mText), theCase.mWritten);
     }
+}
+
+TEST(XMLParserTest, NamesThatAreAlikeStayApart) {
+    std::string theText = "<r>";
+    for (int theRound = 0; theRound < 2; ++theRound) {
+        for (const char theSecond : std::string("xyz")) {
+            for (const char theFourth : std::string("xyz")) {
+                const std::string theName = {'a', theSecond, 'c', theFourth, 'e'};
+                const std::string theOther = {'a', theFourth, 'c', 'w', 'e'};
+                theText += "\n  <" + theName + " " + theName + "=\"1\" " + theOther + "=\"2\">t</" +
+                           theName + ">";
+            }
+        }
+    }
+    theText += "\n</r>\n";
+    EXPECT_EQ(ReadAndWritten(theText), theText);
 }
 
 TEST(XMLParserTest, AFailureLeavesTheDocumentAlone) {

@@ -854,7 +854,8 @@ void vxXMLReader::AddPlainText(const char* anEnd) {
     mPos = anEnd;
 }
 
-// Makes nodes of the blanks that were put off in the innermost element.
+// Makes nodes of the blanks that were put off in the innermost element. Behind each a child has come
+// since, or the element ends: none of them is the place where the next node goes.
 void vxXMLReader::MakeBlanks() {
     Element& theParent = mOpen.back();
     for (; mBlanks.size() > theParent.mBlanks; mBlanks.pop_back()) {
@@ -862,9 +863,6 @@ void vxXMLReader::MakeBlanks() {
         vxCString theText(theBlanks.mStart, static_cast<size_t>(theBlanks.mEnd - theBlanks.mStart));
         vxXMLNode* theNode = vxXMLReaderLinks::Make(vxXMLNodeType_Text, mTextName, theText);
         vxXMLReaderLinks::InsertBehind(theParent.mNode, theBlanks.mBehind, theNode);
-        if (theParent.mLast == theBlanks.mBehind) {
-            theParent.mLast = theNode;
-        }
     }
 }
 
