@@ -100,6 +100,11 @@ vxCString ExtensionOf(const vxCString& aPath) {
     return theDot == NULL || theDot == theName ? vxCString() : vxCString(theDot + 1);
 }
 
+// A path without a directory is no file path of the library's, which then finds no title in it.
+vxCString WithDirectory(const vxCString& aPath) {
+    return aPath.Contains("/") ? aPath : vxCString("./") + aPath;
+}
+
 void SetText(vxMediaInfo& anInfo, const char* aKey, const vxCString& aText) {
     if (!aText.IsEmpty()) {
         anInfo.Set(aKey, aText, true);
@@ -113,7 +118,7 @@ void SetNumber(vxMediaInfo& anInfo, const char* aKey, uint32_t aNumber) {
 }
 
 void FillFile(const MediaItem& anItem, vxMediaInfo& anInfo) {
-    anInfo.SetFilePath(anItem.GetPath());
+    anInfo.SetFilePath(WithDirectory(anItem.GetPath()));
     anInfo.SetLastModificationTime(
         vxDateTime(static_cast<long>(anItem.GetModified() / kNanoseconds)));
     anInfo.Set(kvxInfo_ClassName,
