@@ -88,11 +88,12 @@ bool MediaLibrary::AddDirectory(const vxCString& aPath, const FileIdentity& anId
     if (IsAdded(anIdentity)) {
         return false;
     }
-    Directory& theDirectory = mDirectories[aPath];
+    const auto theEntry = mDirectories.emplace(aPath, Directory());
+    Directory& theDirectory = theEntry.first->second;
     if (theDirectory.mScan == mScan) {
         return false;
     }
-    if (theDirectory.mScan == 0 || !(theDirectory.mIdentity == anIdentity)) {
+    if (theEntry.second || !(theDirectory.mIdentity == anIdentity)) {
         NoteChange();
     }
     theDirectory = Directory{DirectoryCounts(), anIdentity, mScan, theDirectory.mCounts};

@@ -149,6 +149,13 @@ TEST_F(LibraryKeeperTest, WhatAScanFindsIsAChangeAndWhatItFindsAgainIsNone) {
     theScan(false);
     EXPECT_FALSE(IsSavedAfter(10000));
 
+    mLibrary.NoteChange();
+    mKeeper.Save();
+    EXPECT_STREQ(mKeeper.Load(), "");
+    theScan(false);
+    EXPECT_TRUE(TakeFile(mPath));
+    EXPECT_FALSE(IsSavedAfter(10000)) << "the same as before the start";
+
     mLibrary.BeginScan();
     mLibrary.AddDirectory("r", FileIdentity{1, 1});
     mLibrary.AddRefusal("r/bad", "broken");
