@@ -6,7 +6,10 @@ were built with it, BAD_PLUGINS that of others, which are built for the tests.
 """
 import contextlib
 import os
+import pty
+import select
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -75,6 +78,53 @@ class Scratch(unittest.TestCase):
         os.makedirs(os.path.dirname(self.path(name)), exist_ok=True)
         with open(self.path(name), 'wb') as file:
             file.write(content)
+
+
+class OnTerminal(Scratch):
+    """A test with a user at a terminal."""
+
+    def start(self, *arguments, prefix=()):
+        program = list(prefix) + PROGRAM + list(arguments)
+        self.pid, self.terminal = pty.fork()
+        if self.pid == 0:
+            try:
+                os.chdir(self.folder)
+                os.execvp(program[0], program)
+            finally:
+                os._exit(127)
+
+    def tearDown(self):
+        os.close(self.terminal)
+        try:
+            os.kill(self.pid, signal.SIGKILL)
+            os.waitpid(self.pid, 0)
+        except (ProcessLookupError, ChildProcessError):
+            pass
+        super().tearDown()
+
+    def read_until(self, end):
+        """Returns everything up to `end`, which must come last."""
+        output = b''
+        while not output.endswith(end):
+            self.assertTrue(select.select([self.terminal], [], [], 60)[0], output)
+            output += os.read(self.terminal, 4096)
+        return output.replace(b'\r\n', b'\n').decode()
+
+    def type(self, text):
+        os.write(self.terminal, text.encode())
+
+    def status(self):
+        output = b''
+        try:
+            while True:
+                piece = os.read(self.terminal, 4096)
+                if not piece:
+                    break
+                output += piece
+        except OSError:
+            pass
+        status = os.waitpid(self.pid, 0)[1]
+        return os.waitstatus_to_exitcode(status), output.replace(b'\r\n', b'\n').decode()
 
 
 def main():

@@ -6,16 +6,13 @@ place. harness.py tells how to start this file.
 """
 import base64
 import os
-import pty
 import re
-import select
 import shutil
-import signal
 import stat
 import subprocess
 import time
 
-from harness import BANNER, DEEP, GIF, HUMBLE, PATHS, PROGRAM, Scratch, ask, main, run
+from harness import BANNER, DEEP, GIF, HUMBLE, PATHS, PROGRAM, OnTerminal, Scratch, ask, main, run
 
 
 class Samples(Scratch):
@@ -469,50 +466,8 @@ def context_switches(pid):
         return sum(int(line.split()[1]) for line in file if 'ctxt_switches' in line)
 
 
-class Terminal(Scratch):
+class Terminal(OnTerminal):
     """A user at a terminal."""
-
-    def start(self, *arguments):
-        self.pid, self.terminal = pty.fork()
-        if self.pid == 0:
-            try:
-                os.chdir(self.folder)
-                os.execvp(PROGRAM[0], PROGRAM + list(arguments))
-            finally:
-                os._exit(127)
-
-    def tearDown(self):
-        os.close(self.terminal)
-        try:
-            os.kill(self.pid, signal.SIGKILL)
-            os.waitpid(self.pid, 0)
-        except (ProcessLookupError, ChildProcessError):
-            pass
-        super().tearDown()
-
-    def read_until(self, end):
-        """Returns everything up to `end`, which must come last."""
-        output = b''
-        while not output.endswith(end):
-            self.assertTrue(select.select([self.terminal], [], [], 60)[0], output)
-            output += os.read(self.terminal, 4096)
-        return output.replace(b'\r\n', b'\n').decode()
-
-    def type(self, text):
-        os.write(self.terminal, text.encode())
-
-    def status(self):
-        output = b''
-        try:
-            while True:
-                piece = os.read(self.terminal, 4096)
-                if not piece:
-                    break
-                output += piece
-        except OSError:
-            pass
-        status = os.waitpid(self.pid, 0)[1]
-        return os.waitstatus_to_exitcode(status), output.replace(b'\r\n', b'\n').decode()
 
     def test_it_prompts(self):
         self.start()
