@@ -47,6 +47,30 @@ TEST(MP3ReaderTest, PaddingMakesAFrameOneByteLonger) {
               "MP3 2ch 44100Hz 2612ms (MPEG-1 layer III, 128 kbit/s)");
 }
 
+TEST(MP3ReaderTest, TheFrameOfTheIndexHasABitRateOfItsOwn) {
+    const std::string theIndex = Index(k64, 36, Raw("Info\0\0\0\x01\0\0\0\x0A"));
+    EXPECT_EQ(DescribeBytes(theIndex + Times(k128, 10)),
+              "MP3 2ch 44100Hz 261ms (MPEG-1 layer III, 128 kbit/s)");
+    EXPECT_EQ(DescribeBytes(theIndex), "MP3 2ch 44100Hz 26ms (MPEG-1 layer III, 64 kbit/s)");
+    // What stands behind is of another rate of sampling, so it is no part of the sound.
+    EXPECT_EQ(DescribeBytes(theIndex + k64 + Times(kMono, 12)),
+              "MP3 2ch 44100Hz 261ms (MPEG-1 layer III, 64 kbit/s)");
+}
+
+// 100 frames are 2.612 s; 41700 bytes of sound, 208 of the index, 10000 of something else.
+TEST(MP3ReaderTest, TheAverageIsOfTheBytesThatTheIndexCounts) {
+    const std::string theRest = Times(k128, 100) + std::string(10000, 'x');
+    const auto theDescribe = [&theRest](const std::string& aBytes) {
+        return DescribeBytes(Index(k64, 36, Raw("Xing\0\0\0\3\0\0\0\x64") + aBytes) + theRest);
+    };
+    EXPECT_EQ(theDescribe(Raw("\0\0\xA3\xB4")),  // 41908
+              "MP3 2ch 44100Hz 2612ms (MPEG-1 layer III, 128 kbit/s on average)");
+    for (const std::string& theLie : {Raw("\0\0\0\0"), Raw("\xFF\xFF\xFF\xFF")}) {
+        EXPECT_EQ(theDescribe(theLie),
+                  "MP3 2ch 44100Hz 2612ms (MPEG-1 layer III, 159 kbit/s on average)");
+    }
+}
+
 TEST(MP3ReaderTest, AnIndexTellsTheNumberOfFrames) {
     const std::string theRest = Times(k128, 99);
     EXPECT_EQ(DescribeBytes(Index(k128, 36, Raw("Xing\0\0\0\x0F\0\0\0\x64")) + theRest),

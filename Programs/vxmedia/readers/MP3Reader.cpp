@@ -45,6 +45,7 @@ struct MP3Frame {
 // What the index frame or the walk found out.
 struct MP3Length {
     uint64_t mFrames = 0;     // MPEG frames
+    uint64_t mBytes = 0;      // of all frames; 0: not said
     bool mfVariable = false;  // the bit rate changes
     bool mfEstimated = false;
 };
@@ -109,21 +110,25 @@ bool FindFrame(MediaSource& aSource, uint64_t& aPos, MP3Frame& aFrame) {
     return false;
 }
 
-// Reads the number of frames from the index that may fill the first frame.
+// Reads the numbers of frames and bytes from the index that may fill the first frame.
 bool ReadIndex(MediaSource& aSource, uint64_t aPos, const MP3Frame& aFrame, MP3Length& aLength) {
     uint8_t theBytes[18];
     const uint64_t theSideSize =
         aFrame.IsMPEG1() ? (aFrame.mChannels == 1 ? 17 : 32) : (aFrame.mChannels == 1 ? 9 : 17);
-    if (aSource.ReadExactly(aPos + 4 + theSideSize, theBytes, 12)) {
+    if (aSource.ReadExactly(aPos + 4 + theSideSize, theBytes, 16)) {
         const bool theIsVariable = memcmp(theBytes, "Xing", 4) == 0;
-        const bool theHasFrames = (vxBitString::BigEndianTouint32(theBytes + 4) & 1) != 0;
+        const uint32_t theFlags = vxBitString::BigEndianTouint32(theBytes + 4);
+        const bool theHasFrames = (theFlags & 1) != 0;
+        const bool theHasBytes = (theFlags & 2) != 0;
         if ((theIsVariable || memcmp(theBytes, "Info", 4) == 0) && theHasFrames) {
             aLength.mFrames = vxBitString::BigEndianTouint32(theBytes + 8);
+            aLength.mBytes = theHasBytes ? vxBitString::BigEndianTouint32(theBytes + 12) : 0;
             aLength.mfVariable = theIsVariable;
             return true;
         }
     }
     if (aSource.ReadExactly(aPos + 4 + 32, theBytes, 18) && memcmp(theBytes, "VBRI", 4) == 0) {
+        aLength.mBytes = vxBitString::BigEndianTouint32(theBytes + 10);
         aLength.mFrames = vxBitString::BigEndianTouint32(theBytes + 14);
         aLength.mfVariable = true;
         return true;
@@ -163,14 +168,25 @@ bool RecognizeMP3(MediaSource& aSource, uint64_t aStart) {
     return aStart != 0 || StartsFrames(aSource, aStart, theFrame);
 }
 
+// Kilobits per second of the frame behind the index, whose own rate is whatever gives it room.
+uint32_t RateBehindIndex(MediaSource& aSource, uint64_t aPos, const MP3Frame& anIndex) {
+    MP3Frame theFrame;
+    return ReadFrame(aSource, aPos + anIndex.mSize, theFrame) && theFrame.IsLike(anIndex)
+               ? theFrame.mBitRate
+               : anIndex.mBitRate;
+}
+
 // Bits per second: those of the frames, or the average of frames that differ.
-uint32_t BitRateOf(const MP3Frame& aFrame, const MP3Length& aLength, uint64_t aSize,
+uint32_t BitRateOf(uint32_t aFrameRate, const MP3Length& aLength, uint64_t aSize,
                    const MediaFacts& aFacts) {
     if (!aLength.mfVariable || aFacts.mFrames == 0) {
-        return aFrame.mBitRate * 1000;
+        return aFrameRate * 1000;
     }
+    // What the index counts is without the tags at the end.
+    const uint64_t theBytes =
+        aLength.mBytes != 0 && aLength.mBytes < aSize ? aLength.mBytes : aSize;
     const double theSeconds = static_cast<double>(aFacts.mFrames) / aFacts.mRate;
-    const double theBitRate = static_cast<double>(aSize) * 8 / theSeconds;
+    const double theBitRate = static_cast<double>(theBytes) * 8 / theSeconds + 0.5;
     return static_cast<uint32_t>(std::min<double>(theBitRate, UINT32_MAX));
 }
 
@@ -200,7 +216,9 @@ const char* ReadMP3(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) {
     aFacts.mRate = theFrame.mRate;
     aFacts.mFrames = theLength.mFrames * theFrame.mSamples;
     aFacts.mfDurationKnown = true;
-    aFacts.mBitRate = BitRateOf(theFrame, theLength, theSize, aFacts);
+    const uint32_t theFrameRate =
+        theHasIndex ? RateBehindIndex(aSource, thePos, theFrame) : theFrame.mBitRate;
+    aFacts.mBitRate = BitRateOf(theFrameRate, theLength, theSize, aFacts);
     aFacts.mDetail = DetailOf(theFrame, theLength, aFacts);
     return nullptr;
 }
