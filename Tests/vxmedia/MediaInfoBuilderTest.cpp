@@ -132,7 +132,7 @@ TEST(MediaInfoBuilderTest, ACoverInSeveralPiecesHasNoPlace) {
     const auto theItem = ItemOf(1, "x", theReading);
     EXPECT_STREQ(theItem->GetInfo().GetCoverArtMimeType(), "image/png");
     EXPECT_EQ(theItem->GetInfo().GetCoverArtSize(), 0u);
-    const std::string theTable = MakeInfoTable(*theItem.Get()).c_str();
+    const std::string theTable = MakeInfoTable(*theItem.Get(), "").c_str();
     EXPECT_NE(theTable.find("-   cover                  image/png, in several pieces\n"),
               std::string::npos)
         << theTable;
@@ -143,7 +143,7 @@ TEST(MediaInfoBuilderTest, TheTableShowsKeysNamesAndValues) {
     theReading.mTags.mTitle = "two\nlines \xE2\x80\xAE";
     const auto theItem = ItemOf(1, "/m/back\\slash\xFF.mp3", theReading);
     theItem->SetEdits({{"ge", "Folk"}, {"track", "8"}, {"cr", ""}});
-    EXPECT_STREQ(MakeInfoTable(*theItem.Get()),
+    EXPECT_STREQ(MakeInfoTable(*theItem.Get(), "5 by\t4"),
                  "ti  title                  two\\x0Alines \\xE2\\x80\\xAE\n"
                  "an  album                  Colors\n"
                  "ge  genre*                 Folk\n"
@@ -163,7 +163,8 @@ TEST(MediaInfoBuilderTest, TheTableShowsKeysNamesAndValues) {
                  "sf  audio-sampling-rate    44100\n"
                  "bs  audio-bits-per-sample  16\n"
                  "-   cover                  image/png, 5000 bytes at 2048, unsynchronised, behind "
-                 "42 bytes\n");
+                 "42 bytes\n"
+                 "-   picture                5 by\\x094\n");
 }
 
 }  // namespace
