@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "support/Latch.h"
-#include "vx/Condition.h"
+#include "vxmedia/WorkerLoop.h"
 
 using namespace vxmedia;
 
@@ -41,34 +41,15 @@ private:
     const void* mOwner;
 };
 
-// The root of a tree that holds a pool.
-class Loop : public vxApplet {
+// The main loop, with a log of finished jobs: their names, each with a blank behind it.
+class Loop : public WorkerLoop {
 public:
-    explicit Loop(size_t aThreadCount) {
-        AppletSetOptions(vxAppletOption_Multithreaded);
-        AppletAttach(&mPool, vxAppletOption_None);
-        mPool.SetThreadCount(aThreadCount);
-    }
+    using WorkerLoop::WorkerLoop;
 
-    void RaiseWakeUpSignal() override { mSignal.Signal(); }
-    void WaitWakeUpSignal(unsigned int aMSTimeout) override { mSignal.WaitTimeout(aMSTimeout); }
-    vxAppletMsg AppletLoop(vxAppletMsg) override { return vxAppletMsg_None; }
-
-    // Runs until the log has so many words.
     void RunUntil(const std::string& aLog, std::ptrdiff_t aWordCount) {
-        while (std::count(aLog.begin(), aLog.end(), ' ') < aWordCount) {
-            AppletRun(vxAppletMsg_None);
-            if (std::count(aLog.begin(), aLog.end(), ' ') < aWordCount) {
-                SelfWait();
-            }
-        }
+        WorkerLoop::RunUntil(
+            [&] { return std::count(aLog.begin(), aLog.end(), ' ') >= aWordCount; });
     }
-
-private:
-    vxCondition mSignal;
-
-public:
-    WorkerPool mPool;
 };
 
 TEST(WorkerPoolTest, AJobIsDoneInAnotherThreadAndFinishedInThisOne) {
