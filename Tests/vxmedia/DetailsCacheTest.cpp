@@ -38,6 +38,8 @@ protected:
         AppletSetOptions(vxAppletOption_Multithreaded);
         AppletAttach(&mPool, vxAppletOption_None);
     }
+    // Workers wake this object up as long as there are any.
+    ~DetailsCacheTest() override { mPool.Stop(); }
 
     void RaiseWakeUpSignal() override { mSignal.Signal(); }
     void WaitWakeUpSignal(unsigned int aMSTimeout) override { mSignal.WaitTimeout(aMSTimeout); }
