@@ -236,9 +236,27 @@ int64_t DayNumber(int64_t aYear, int64_t aMonth, int64_t aDay) {
     return theYear * 365 + theLeapDays + (theMonth * 153 + 2) / 5 + aDay - 865566;
 }
 
-// Milliseconds since 1970. Lengths tell how much of a date is given.
+constexpr int64_t kDay = 86400000;  // milliseconds
+
+// Returns the last millisecond of a date whose text has `aLength` bytes.
+int64_t LastOf(const vxDLNADate& aDate, int64_t aFirst, size_t aLength, bool afHasFraction) {
+    switch (aLength) {
+        case 4:
+            return DayNumber(aDate.mYear + 1, 1, 1) * kDay - 1;
+        case 7:
+            return DayNumber(aDate.mYear, aDate.mMonth + 1, 1) * kDay - 1;
+        case 10:
+            return aFirst + kDay - 1;
+        case 16:
+            return aFirst + 59999;
+        default:
+            return afHasFraction ? aFirst : aFirst + 999;
+    }
+}
+
+// Milliseconds since 1970. The length tells how much of a date is given: the year, the month, the day,
+// the minute, or all.
 bool Read(const char* aText, Span<int64_t>& aSpan) {
-    constexpr int64_t kDay = 86400000;
     const size_t theLength = strnlen(aText, 64);
     std::string theText(aText, theLength);
     theText += theLength == 4 ? "-01-01" : theLength == 7 ? "-01" : theLength == 16 ? ":00" : "";
@@ -253,17 +271,7 @@ bool Read(const char* aText, Span<int64_t>& aSpan) {
     const int64_t theMinutes = theDate.mHour * 60 + theDate.mMinute - theDate.mZoneOffset;
     aSpan.mFirst =
         theDays * kDay + (theMinutes * 60 + theDate.mSecond) * 1000 + theDate.mMillisecond;
-    if (theLength == 4) {
-        aSpan.mLast = DayNumber(theDate.mYear + 1, 1, 1) * kDay - 1;
-    } else if (theLength == 7) {
-        aSpan.mLast = DayNumber(theDate.mYear, theDate.mMonth + 1, 1) * kDay - 1;
-    } else {
-        const bool theHasFraction = theText.find('.') != std::string::npos;
-        aSpan.mLast = aSpan.mFirst + (theLength == 10   ? kDay - 1
-                                      : theLength == 16 ? 59999
-                                      : theHasFraction  ? 0
-                                                        : 999);
-    }
+    aSpan.mLast = LastOf(theDate, aSpan.mFirst, theLength, theText.find('.') != std::string::npos);
     return true;
 }
 
