@@ -78,7 +78,8 @@ TEST(AssertTest, WithoutAHandlerTheReportGoesToStandardError) {
 }
 
 TEST(AssertTest, WhatAHandlerAssertsItselfGoesToStandardError) {
-    static int sCalls = 0;
+    static int sCalls;
+    sCalls = 0;
     vxAssert_SetHandler(
         [](void*, const char*, const char*, int) {
             ++sCalls;

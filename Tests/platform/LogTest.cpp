@@ -298,7 +298,8 @@ TEST(LogTest, OnlyARecordStartsALineAtItsFirstColumn) {
 }
 
 TEST(LogTest, WhatAHandlerLogsItselfGoesToStandardError) {
-    static int sCalls = 0;
+    static int sCalls;
+    sCalls = 0;
     vxLog_SetHandler(
         [](void*, int, vxLogModule, const char*, int, const char*) {
             ++sCalls;
