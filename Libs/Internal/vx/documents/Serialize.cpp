@@ -690,7 +690,7 @@ char* vxJSONFormatter::MakeRoom(size_t aLength) {
 bool vxJSONFormatter::Reopen() {
     const char* theText = mDoc.c_str();
     const size_t theLength = mDoc.length();
-    mRoom = std::max<size_t>(mRoom, 256);
+    mRoom = std::max<size_t>(mRoom, 512);
     char* theBuffer = mDoc.GetWriteBuf(mRoom);
     if (theBuffer == NULL) {
         return false;
@@ -1053,8 +1053,10 @@ vxPropertyListSerializer::~vxPropertyListSerializer() = default;
 int vxPropertyListSerializer::Serialize(vxPropertyList* aList, vxISerialize& aSink) {
     vxPropertyList_Take(aList);
     int theResult = aSink.MapBegin();
-    for (size_t i = 0; theResult == 0 && i < vxPropertyList_GetCount(aList); ++i) {
-        theResult = SerializeProperty(vxPropertyList_GetAt(aList, i), aSink);
+    vxProperty* theProperty = vxPropertyList_GetAt(aList, 0);
+    for (size_t i = 1; theResult == 0 && theProperty != NULL; ++i) {
+        theResult = SerializeProperty(theProperty, aSink);
+        theProperty = vxPropertyList_GetAt(aList, i);
     }
     if (theResult == 0) {
         theResult = aSink.MapEnd();
