@@ -64,6 +64,13 @@ class Search(SearchScratch):
         self.assertIn(found(1), ask('lib scan m\ntimer after 0 lib first 1 ti exists true\n' +
                                     'sys version\n' * 200, self.folder))
 
+    def test_edits_are_found(self):
+        self.assertEqual(self.ask('lib set 2 title Été', 'lib set 3 du 0:03:37', 'lib set 1 date 2015-06',
+                                  'lib find dc:title = "Été"', 'lib find res@duration > "0:03:36.999"',
+                                  'lib find dc:date = "2015"', 'lib find dc:date > "2015-06"',
+                                  'lib set 2 title', 'lib find dc:title = "Été"'),
+                         found(2) + found(3) + found(1) + found() + found())
+
     def test_every_name_of_the_readme_is_a_property(self):
         with open(PATHS['readme'], encoding='utf-8') as file:
             section = file.read().split('\n## Searching\n')[1].split('\n## ')[0]
