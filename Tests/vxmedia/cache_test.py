@@ -7,7 +7,7 @@ import signal
 import subprocess
 import time
 
-from harness import GIF, HUMBLE, PATHS, PROGRAM, Scratch, ask, main, run, small_disk
+from harness import GIF, HUMBLE, PATHS, PROGRAM, OnTerminal, Scratch, ask, main, run, small_disk
 
 
 def picture(size, fill=b'x'):
@@ -393,6 +393,34 @@ class BadCache(CacheScratch):
             self.assertEqual(process.wait(timeout=60), 0)
             process.stdout.read()
             self.ask('cache empty')
+
+
+class CacheOnTerminal(CacheScratch, OnTerminal):
+    """A user at a terminal, who need not wait for an answer."""
+
+    def start(self, *arguments):
+        OnTerminal.start(self, *arguments)
+
+    def test_an_answer_starts_its_own_line_and_the_prompt_comes_back(self):
+        self.write_sound(b'a.mp3', picture(1000000))
+        self.start('-q')
+        self.read_until(b'vxmedia> ')
+        self.type('lib scan media\n')
+        self.read_until(b'directories 1\r\nvxmedia> ')
+        self.type('config set cache-path cache\n')
+        self.read_until(b'cache\r\nvxmedia> ')
+        self.type('cache cover 1\n')
+        answer = self.read_until(b'written\r\nvxmedia> ')
+        self.assertRegex(answer, r'^cache cover 1\nvxmedia> \ncache/covers/\S+: 1000000 bytes, image/png, '
+                                 r'written\nvxmedia> $')
+        self.type('lib info 1\n')
+        self.assertRegex(self.read_until(b'1000000 bytes\r\nvxmedia> '),
+                         r'^lib info 1\nvxmedia> \n(\S.*\n)+-  +picture +image/png, 1000000 bytes\nvxmedia> $')
+        self.type('lib info 1\n')
+        self.assertRegex(self.read_until(b'1000000 bytes\r\nvxmedia> '),
+                         r'^lib info 1\n(\S.*\n)+-  +picture +image/png, 1000000 bytes\nvxmedia> $')
+        self.type('exit\n')
+        self.assertEqual(self.status(), (0, 'exit\n'))
 
 
 HELP = """\

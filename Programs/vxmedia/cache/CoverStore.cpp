@@ -130,7 +130,7 @@ Cover CoverStore::Fetch(const vxCString& aName, const Producer& aProducer) {
 }
 
 vxCString CoverStore::Empty(bool afRemoveDir) {
-    const vxCString theError = Open(false);
+    vxCString theError = Open(false);
     if (!theError.IsEmpty()) {
         return theError;
     }

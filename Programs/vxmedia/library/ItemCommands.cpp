@@ -71,7 +71,7 @@ vxCString ItemCommands::Find(uint32_t anID, vxRef<MediaItem>& anItem) const {
 // A picture is looked at only now: the answer comes when that has been done.
 vxCString ItemCommands::ShowInfo(uint32_t anID) {
     vxRef<MediaItem> theItem;
-    const vxCString theError = Find(anID, theItem);
+    vxCString theError = Find(anID, theItem);
     if (!theError.IsEmpty()) {
         return theError;
     }
