@@ -221,7 +221,7 @@ class Cache(CacheScratch):
 
     def test_the_details_that_are_kept_are_limited(self):
         for i in range(6):
-            self.write_sound(b'%d.mp3' % i, GIF)
+            self.write_sound(b'%d' % i + b'long' * 50 + b'.mp3', GIF)
         infos = ['lib info %d' % (i + 1) for i in range(6)]
         # What one takes depends on the machine.
         for setting, counts in (('info-files 2', [3]), ('info-kbytes 1', [2, 3, 4, 5]), ('info-files 10', [6])):
