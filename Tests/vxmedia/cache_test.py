@@ -348,6 +348,30 @@ class BadCache(CacheScratch):
             self.assertRegex(process.stdout.readline(), rb"^ERROR: The file 'media/a.mp3' ")
         self.assertEqual(self.covers(), [])
 
+    def test_a_cover_may_have_16_mebibytes(self):
+        self.write_sound(b'a.mp3', picture(1 << 24))
+        self.write_sound(b'b.mp3', picture((1 << 24) + 1))
+        status, output = self.run_lines('cache cover 1', 'cache cover 2', 'lib info 2')
+        first, second, *rest = output.splitlines()
+        self.check_cover(first, picture(1 << 24), 'written')
+        self.assertEqual((status, second), (1, "ERROR: The file 'media/b.mp3' has a cover of more than 16 MiB"))
+        self.assertRegex(rest[-1], r' picture +image/png, cannot be read$')
+
+    def test_files_that_are_damaged_are_survived(self):
+        chance = random.Random(3)
+        whole = tag(GIF + picture(3000)) + self.sound[:4000]
+        for i in range(60):
+            bytes_ = bytearray(whole[:chance.randrange(1, len(whole))] if i % 2 else whole)
+            for _ in range(chance.randrange(1, 9)):
+                bytes_[chance.randrange(min(64, len(bytes_)))] = chance.randrange(256)
+            self.write(b'media/%02d.mp3' % i, bytes(bytes_))
+        lines = [line % (i + 1) for i in range(60) for line in ('cache cover %d', 'lib info %d')]
+        status, output = self.run_lines(*lines)
+        self.assertEqual(status, 1)
+        for line in output.splitlines():
+            self.assertRegex(line, r"^(cache/covers/\S+: \d+ bytes, \w+/[\w-]+, written|ERROR: The file "
+                                   r"'media/.*' .*|ERROR: There is no media file \d+|(\w\w|-) .*)$")
+
     def test_a_kill_leaves_whole_covers(self):
         chance = random.Random(5)
         sizes = [200000 + 50000 * i for i in range(8)]
