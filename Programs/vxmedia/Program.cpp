@@ -97,6 +97,7 @@ int Program::Run() {
     while (AppletRun(vxAppletMsg_None) != vxAppletMsg_Exit) {
         SelfWait();
     }
+    mScanApplet.GiveUp();
     mWorkers.Stop();
     const vxCString theError = mKeeper.Save();
     if (!theError.IsEmpty()) {

@@ -64,6 +64,12 @@ bool ScanApplet::Stop() {
     return true;
 }
 
+void ScanApplet::GiveUp() {
+    if (mRun != nullptr) {
+        mRun->Cancel();
+    }
+}
+
 vxCString ScanApplet::GetProgress() const {
     if (mRequests.empty()) {
         return vxCString();

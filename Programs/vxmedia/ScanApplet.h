@@ -48,6 +48,9 @@ public:
     /// is in the library stays there. Returns false when there is none.
     bool Stop();
 
+    /// Gives up all scans without a word: the program ends.
+    void GiveUp();
+
     /// Returns how far the scan under way is, in a line; empty when there is none.
     vxCString GetProgress() const;
 

@@ -18,7 +18,8 @@ namespace {
 constexpr size_t kScan_FilesPerTask = 64;
 constexpr size_t kScan_Window = 512;        // tasks from the front that may be handed out
 constexpr size_t kScan_JobsPerThread = 16;  // that wait or are under way
-constexpr int kScan_TasksPerStep = 16;      // committed, and handed out
+constexpr int kScan_CommitsPerStep = 4;
+constexpr int kScan_HandOutsPerStep = 16;
 
 enum { kScanError_Unreadable = 1 };
 
@@ -90,7 +91,7 @@ void ScanRun::Cancel() {
 
 // Returns whether more stand at the front.
 bool ScanRun::CommitTasks() {
-    for (int i = 0; i < kScan_TasksPerStep; ++i) {
+    for (int i = 0; i < kScan_CommitsPerStep; ++i) {
         if (mTasks.empty() || mTasks.front().mState != TaskState::Done) {
             return false;
         }
@@ -186,7 +187,7 @@ bool ScanRun::HandOutTasks() {
         if (mJobCount >= theMaxJobs) {
             break;
         }
-        if (theCount == kScan_TasksPerStep) {
+        if (theCount == kScan_HandOutsPerStep) {
             return true;
         }
         HandOut(i);

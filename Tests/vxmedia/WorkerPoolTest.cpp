@@ -1,6 +1,7 @@
 #include "WorkerPool.h"
 
 #include <gtest/gtest.h>
+#include <libvxOS/Thread.h>
 
 #include <algorithm>
 #include <atomic>
@@ -8,10 +9,22 @@
 #include <string>
 #include <thread>
 
+#include "support/Forward.h"
 #include "support/Latch.h"
+#include "support/Reports.h"
 #include "vxmedia/WorkerLoop.h"
 
 using namespace vxmedia;
+
+namespace {
+
+int sThreadsLeft = 1000000;  // that can be created
+
+}  // namespace
+
+vxOSThread* vxThread_New(const vxOSThread_Data* aData) {
+    return sThreadsLeft-- > 0 ? VXTEST_REAL(vxThread_New)(aData) : nullptr;
+}
 
 namespace {
 
@@ -170,6 +183,26 @@ TEST(WorkerPoolTest, TheNumberOfThreadsChangesBetweenJobs) {
     }
     theLoop.mPool.SetThreadCount(0);
     EXPECT_GE(theLoop.mPool.GetThreadCount(), 2u);
+}
+
+TEST(WorkerPoolTest, AJobThatNoThreadCanDoIsRefused) {
+    const vxtest::Reports theReports;
+    Loop theLoop(3);
+    std::string theLog;
+    sThreadsLeft = 0;
+    EXPECT_FALSE(theLoop.mPool.Add(new TestJob(theLog, "a")));
+    EXPECT_EQ(sJobsAlive, 0);
+
+    // One thread is enough for a start; the others are tried again.
+    sThreadsLeft = 1;
+    EXPECT_TRUE(theLoop.mPool.Add(new TestJob(theLog, "b")));
+    theLoop.RunUntil(theLog, 1);
+    EXPECT_EQ(theLoop.mPool.GetWorkers().size(), 1u);
+    sThreadsLeft = 1000000;
+    EXPECT_TRUE(theLoop.mPool.Add(new TestJob(theLog, "c")));
+    theLoop.RunUntil(theLog, 2);
+    EXPECT_EQ(theLoop.mPool.GetWorkers().size(), 3u);
+    EXPECT_EQ(theLog, "b c ");
 }
 
 TEST(WorkerPoolTest, StoppingJoinsTheThreadsAndDropsJobsAndResults) {
