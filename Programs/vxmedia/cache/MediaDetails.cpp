@@ -1,6 +1,5 @@
 #include "cache/MediaDetails.h"
 
-#include <algorithm>
 #include <cstring>
 #include <vector>
 
