@@ -3,8 +3,8 @@
 
 usage: scan.py BUILD_FOLDER
 
-The files are copies of the samples in 50 directories; they are in the system's cache. vxmedia and
-exiftool read all of them in one process. ffprobe takes one file each: some of them are measured, and
+The files are copies of the samples in 50 directories; they are in the system's cache. vxmedia, which
+begins without a library of its own each time, and exiftool read all of them in one process. ffprobe takes one file each: some of them are measured, and
 the time is scaled. The floor is a process that reads the first 64 bytes of every file.
 """
 import datetime
@@ -38,6 +38,8 @@ def measured(command, check):
     """Returns the median of the seconds that a command takes; its output must pass the check."""
     seconds = []
     for _ in range(REPEATS):
+        shutil.rmtree(settings, ignore_errors=True)
+        settings.mkdir()
         start = time.monotonic()
         run = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
                              errors='replace')
@@ -51,7 +53,6 @@ with tempfile.TemporaryDirectory() as scratch:
     library = pathlib.Path(scratch) / 'library'
     settings = pathlib.Path(scratch) / 'settings'
     library.mkdir()
-    settings.mkdir()
     make_library(library)
     files = sorted(str(p) for p in library.rglob('*') if p.is_file())
     probed = files[::FILES // PROBED]
