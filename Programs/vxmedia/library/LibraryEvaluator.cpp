@@ -41,19 +41,26 @@ vxCString ShownName(const vxCString& aName) {
 // Finds the quoted literals of criteria that are right, where a quote stands nowhere else, one by one.
 class LiteralFinder {
 public:
-    explicit LiteralFinder(const char* aText) : mText(aText) {}
+    explicit LiteralFinder(const vxCString& aText) : mText(aText) {}
 
+    // Returns the position of the next opening quote.
     size_t NextPosition() {
-        const size_t theStart = mPos + strcspn(mText + mPos, "\"");
-        for (mPos = theStart + 1; mText[mPos] != '"'; ++mPos) {
-            mPos += mText[mPos] == '\\';
+        while (At(mPos) != '"') {
+            ++mPos;
+        }
+        const size_t theStart = mPos;
+        for (++mPos; At(mPos) != '"'; ++mPos) {
+            mPos += At(mPos) == '\\';
         }
         ++mPos;
         return theStart;
     }
 
 private:
-    const char* mText;
+    // There is always another quote; behind the text there are only quotes.
+    char At(size_t aPos) const { return aPos < mText.length() ? mText.c_str()[aPos] : '"'; }
+
+    const vxCString& mText;
     size_t mPos = 0;
 };
 
