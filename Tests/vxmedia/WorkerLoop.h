@@ -4,13 +4,16 @@
 #include "vx/Condition.h"
 
 /// The root of a tree of applets that holds a pool of workers.
-class WorkerLoop : public vxApplet {
+class WorkerLoop final : public vxApplet {
 public:
     explicit WorkerLoop(size_t aThreadCount) {
         AppletSetOptions(vxAppletOption_Multithreaded);
         AppletAttach(&mPool, vxAppletOption_None);
         mPool.SetThreadCount(aThreadCount);
     }
+
+    /// Workers wake up this object: they must be gone before it is.
+    ~WorkerLoop() override { mPool.Stop(); }
 
     void RaiseWakeUpSignal() override { mSignal.Signal(); }
     void WaitWakeUpSignal(unsigned int aMSTimeout) override { mSignal.WaitTimeout(aMSTimeout); }

@@ -54,19 +54,13 @@ private:
     const void* mOwner;
 };
 
-// The main loop, with a log of finished jobs: their names, each with a blank behind it.
-class Loop : public WorkerLoop {
-public:
-    using WorkerLoop::WorkerLoop;
-
-    void RunUntil(const std::string& aLog, std::ptrdiff_t aWordCount) {
-        WorkerLoop::RunUntil(
-            [&] { return std::count(aLog.begin(), aLog.end(), ' ') >= aWordCount; });
-    }
-};
+// Runs until so many jobs are finished; the log has their names, each with a blank behind it.
+void RunUntil(WorkerLoop& aLoop, const std::string& aLog, std::ptrdiff_t aCount) {
+    aLoop.RunUntil([&] { return std::count(aLog.begin(), aLog.end(), ' ') >= aCount; });
+}
 
 TEST(WorkerPoolTest, AJobIsDoneInAnotherThreadAndFinishedInThisOne) {
-    Loop theLoop(2);
+    WorkerLoop theLoop(2);
     std::string theLog;
     std::thread::id theThread;
     const auto theWork = [&theThread] {
@@ -75,7 +69,7 @@ TEST(WorkerPoolTest, AJobIsDoneInAnotherThreadAndFinishedInThisOne) {
     };
     EXPECT_TRUE(theLoop.mPool.GetWorkers().empty());
     EXPECT_TRUE(theLoop.mPool.Add(new TestJob(theLog, "a", theWork)));
-    theLoop.RunUntil(theLog, 1);
+    RunUntil(theLoop, theLog, 1);
     EXPECT_EQ(theLog, "a ");
     EXPECT_NE(theThread, std::this_thread::get_id());
     EXPECT_NE(theThread, std::thread::id());
@@ -83,19 +77,19 @@ TEST(WorkerPoolTest, AJobIsDoneInAnotherThreadAndFinishedInThisOne) {
 }
 
 TEST(WorkerPoolTest, OneThreadDoesJobsInTheirOrder) {
-    Loop theLoop(1);
+    WorkerLoop theLoop(1);
     std::string theLog;
     std::string theWanted;
     for (int i = 0; i < 200; ++i) {
         theLoop.mPool.Add(new TestJob(theLog, std::to_string(i).c_str()));
         theWanted += std::to_string(i) + " ";
     }
-    theLoop.RunUntil(theLog, 200);
+    RunUntil(theLoop, theLog, 200);
     EXPECT_EQ(theLog, theWanted);
 }
 
 TEST(WorkerPoolTest, AllThreadsWorkAtOnce) {
-    Loop theLoop(4);
+    WorkerLoop theLoop(4);
     std::string theLog;
     Latch theLatch(4);
     for (const char* theName : {"a", "b", "c", "d"}) {
@@ -104,12 +98,12 @@ TEST(WorkerPoolTest, AllThreadsWorkAtOnce) {
             return 0u;
         }));
     }
-    theLoop.RunUntil(theLog, 4);
+    RunUntil(theLoop, theLog, 4);
     EXPECT_EQ(theLoop.mPool.GetWorkers().size(), 4u);
 }
 
 TEST(WorkerPoolTest, WorkersTellWhatTheyDo) {
-    Loop theLoop(1);
+    WorkerLoop theLoop(1);
     std::string theLog;
     Latch theBegun(1);
     Latch theEnd(1);
@@ -124,13 +118,13 @@ TEST(WorkerPoolTest, WorkersTellWhatTheyDo) {
     EXPECT_STREQ(theLoop.mPool.GetWorkers()[0].mTitle, "testing");
     EXPECT_EQ(theLoop.mPool.GetWorkers()[0].mJobCount, 0u);
     theEnd.CountDown();
-    theLoop.RunUntil(theLog, 1);
+    RunUntil(theLoop, theLog, 1);
     EXPECT_EQ(theLoop.mPool.GetWorkers()[0].mTitle, nullptr);
     EXPECT_EQ(theLoop.mPool.GetWorkers()[0].mJobCount, 1u);
 }
 
 TEST(WorkerPoolTest, AJobThatIsTriedAgainLaterLetsOthersPass) {
-    Loop theLoop(1);
+    WorkerLoop theLoop(1);
     std::string theLog;
     Latch theAdded(1);
     int theTries = 0;
@@ -140,13 +134,13 @@ TEST(WorkerPoolTest, AJobThatIsTriedAgainLaterLetsOthersPass) {
     }));
     theLoop.mPool.Add(new TestJob(theLog, "quick"));
     theAdded.CountDown();
-    theLoop.RunUntil(theLog, 2);
+    RunUntil(theLoop, theLog, 2);
     EXPECT_EQ(theTries, 3);
     EXPECT_EQ(theLog, "quick slow ");
 }
 
 TEST(WorkerPoolTest, OnlyTheJobsOfOneOwnerAreDiscarded) {
-    Loop theLoop(1);
+    WorkerLoop theLoop(1);
     std::string theLog;
     Latch theBegun(1);
     Latch theEnd(1);
@@ -167,18 +161,18 @@ TEST(WorkerPoolTest, OnlyTheJobsOfOneOwnerAreDiscarded) {
     EXPECT_EQ(theLoop.mPool.Discard(&theOwner), 0u);
     EXPECT_EQ(sJobsAlive, 2);
     theEnd.CountDown();
-    theLoop.RunUntil(theLog, 2);
+    RunUntil(theLoop, theLog, 2);
     EXPECT_EQ(theLog, "running other ");
 }
 
 TEST(WorkerPoolTest, TheNumberOfThreadsChangesBetweenJobs) {
-    Loop theLoop(1);
+    WorkerLoop theLoop(1);
     std::string theLog;
     for (const size_t theCount : {size_t(1), size_t(5), size_t(2)}) {
         theLoop.mPool.SetThreadCount(theCount);
         theLog.clear();
         theLoop.mPool.Add(new TestJob(theLog, "a"));
-        theLoop.RunUntil(theLog, 1);
+        RunUntil(theLoop, theLog, 1);
         EXPECT_EQ(theLoop.mPool.GetWorkers().size(), theCount);
     }
     theLoop.mPool.SetThreadCount(0);
@@ -187,7 +181,7 @@ TEST(WorkerPoolTest, TheNumberOfThreadsChangesBetweenJobs) {
 
 TEST(WorkerPoolTest, AJobThatNoThreadCanDoIsRefused) {
     const vxtest::Reports theReports;
-    Loop theLoop(3);
+    WorkerLoop theLoop(3);
     std::string theLog;
     sThreadsLeft = 0;
     EXPECT_FALSE(theLoop.mPool.Add(new TestJob(theLog, "a")));
@@ -196,17 +190,17 @@ TEST(WorkerPoolTest, AJobThatNoThreadCanDoIsRefused) {
     // One thread is enough for a start; the others are tried again.
     sThreadsLeft = 1;
     EXPECT_TRUE(theLoop.mPool.Add(new TestJob(theLog, "b")));
-    theLoop.RunUntil(theLog, 1);
+    RunUntil(theLoop, theLog, 1);
     EXPECT_EQ(theLoop.mPool.GetWorkers().size(), 1u);
     sThreadsLeft = 1000000;
     EXPECT_TRUE(theLoop.mPool.Add(new TestJob(theLog, "c")));
-    theLoop.RunUntil(theLog, 2);
+    RunUntil(theLoop, theLog, 2);
     EXPECT_EQ(theLoop.mPool.GetWorkers().size(), 3u);
     EXPECT_EQ(theLog, "b c ");
 }
 
 TEST(WorkerPoolTest, StoppingJoinsTheThreadsAndDropsJobsAndResults) {
-    Loop theLoop(3);
+    WorkerLoop theLoop(3);
     std::string theLog;
     Latch theDone(1);
     theLoop.mPool.Add(new TestJob(theLog, "done", [&theDone] {
@@ -225,7 +219,7 @@ TEST(WorkerPoolTest, StoppingJoinsTheThreadsAndDropsJobsAndResults) {
     EXPECT_EQ(theLog, "");
 
     theLoop.mPool.Add(new TestJob(theLog, "again"));
-    theLoop.RunUntil(theLog, 1);
+    RunUntil(theLoop, theLog, 1);
     EXPECT_EQ(theLog, "again ");
 }
 
@@ -243,10 +237,10 @@ TEST(WorkerPoolTest, AJobMayAddJobsWhenItIsFinished) {
         WorkerPool& mPool;
         int mLength;
     };
-    Loop theLoop(2);
+    WorkerLoop theLoop(2);
     std::string theLog;
     theLoop.mPool.Add(new Chain(theLog, theLoop.mPool, 50));
-    theLoop.RunUntil(theLog, 50);
+    RunUntil(theLoop, theLog, 50);
     EXPECT_EQ(sJobsAlive, 0);
 }
 
