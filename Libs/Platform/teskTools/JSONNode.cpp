@@ -141,7 +141,8 @@ char* vxNewNameBlock(const char* aName, size_t aLength) {
         return nullptr;
     }
     theBlock->mOwners = 1;
-    return vxStoreText(reinterpret_cast<char*>(&theBlock->mLength), aName, aLength);
+    char* theCell = reinterpret_cast<char*>(theBlock) + sizeof(theBlock->mOwners);
+    return vxStoreText(theCell, aName, aLength);
 }
 
 void vxReleaseName(const char* aName) {
