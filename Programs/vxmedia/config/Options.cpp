@@ -33,12 +33,9 @@ const vxConfigMapperInfo kOptions[] = {
 
 namespace {
 
-constexpr OptionRange kRanges[] = {{"list-limit", 1, 100000},
-                                   {"save-after", 1, 86400},
-                                   {"refusals", 1, 1000},
-                                   {"cache-limit", 1, 4096},
-                                   {"threads", 0, 64},
-                                   {"info-files", 1, 100000},
+constexpr OptionRange kRanges[] = {{"list-limit", 1, 100000},  {"save-after", 1, 86400},
+                                   {"refusals", 1, 1000},      {"cache-limit", 1, 4096},
+                                   {"threads", 0, 64},         {"info-files", 1, 100000},
                                    {"info-kbytes", 1, 1048576}};
 
 // A longer text would let the file grow until it is not read any more.
