@@ -23,21 +23,16 @@ unsigned int DirectoryJob::Run() {
 }
 
 void DirectoryJob::ListEntries() {
-    mListing.mStatus = GetFileStatus(mPath.c_str(), mfFollow);
-    if (HasGone()) {
-        return;
-    }
     std::vector<std::string> theNames;
-    if (!ReadNames(theNames)) {
-        mListing.mfUnreadable = true;
+    mListing.mStatus = Status();
+    if (mListing.mStatus.mKind == FileKind::Directory && !ReadNames(theNames)) {
         mListing.mSystemError = GetDirectoryError(mPath.c_str());
-        const FileStatus theStatus = GetFileStatus(mPath.c_str(), mfFollow);
-        if (theStatus.mKind != FileKind::Directory) {
-            mListing.mStatus = theStatus;
-            if (HasGone()) {
-                return;
-            }
-        }
+        mListing.mStatus = Status();  // it may have gone just now
+        mListing.mfUnreadable = mListing.mStatus.mKind == FileKind::Directory;
+    }
+    if (mListing.mStatus.mKind != FileKind::Directory) {
+        mListing.mStatus = FileStatus();
+        return;
     }
     std::sort(theNames.begin(), theNames.end());
     for (const std::string& theName : theNames) {
@@ -46,15 +41,6 @@ void DirectoryJob::ListEntries() {
         }
         AddEntry(theName);
     }
-}
-
-bool DirectoryJob::HasGone() {
-    if (mListing.mStatus.mKind == FileKind::Directory) {
-        return false;
-    }
-    mListing.mStatus = FileStatus();
-    mListing.mfUnreadable = false;
-    return true;
 }
 
 // Returns false when the directory cannot be read, or not to its end.

@@ -65,10 +65,10 @@ public:
     const void* GetOwner() const override { return mContext->mOwner; }
 
 private:
-    bool ReadNames(std::vector<std::string>& aNames) const;
+    FileStatus Status() const { return GetFileStatus(mPath.c_str(), mfFollow); }
     void ListEntries();
+    bool ReadNames(std::vector<std::string>& aNames) const;
     void AddEntry(const std::string& aName);
-    bool HasGone();
 
     const ScanContextRef mContext;
     const std::string mPath;
