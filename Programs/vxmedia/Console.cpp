@@ -2,6 +2,8 @@
 
 #include <libvxLog/Console.h>
 
+#include <cstdio>
+
 #include "TerminalText.h"
 
 namespace vxmedia {
@@ -30,6 +32,10 @@ void Console::Finish() {
         vxConsole_Printf("\n");
         mfPromptShown = false;
     }
+}
+
+bool Console::HasLostText() const {
+    return ferror(stdout) != 0;
 }
 
 }  // namespace vxmedia

@@ -37,6 +37,9 @@ public:
     /// Ends the prompt's line at the end of the input.
     void Finish();
 
+    /// Returns whether some of what was written has not arrived, as on a full disk.
+    bool HasLostText() const;
+
 private:
     const bool mfPrompts;
     vxCString mPrompt;

@@ -103,7 +103,8 @@ int Program::Run() {
     if (!theError.IsEmpty()) {
         NoteFailure(theError);
     }
-    return mOptions.mfHasLines && mConsoleApplet.HasFailed() ? 1 : 0;
+    const bool theHasFailed = mOptions.mfHasLines && mConsoleApplet.HasFailed();
+    return theHasFailed || mConsole.HasLostText() ? 1 : 0;
 }
 
 void Program::Start() {

@@ -228,6 +228,13 @@ class Arguments(Scratch):
                               stdout=subprocess.PIPE, timeout=60)
         self.assertEqual((done.returncode, done.stdout), (0, b''))
 
+    def test_answers_that_cannot_be_written_are_a_failure(self):
+        for arguments in (['-q', '-esys version'], ['-q']):
+            with open('/dev/full', 'wb') as full:
+                done = subprocess.run(PROGRAM + arguments, input=b'sys version\n', stdout=full,
+                                      stderr=subprocess.PIPE, timeout=60)
+            self.assertEqual((done.returncode, done.stderr), (1, b''))
+
     def test_input_may_be_a_file(self):
         self.write(b'lines', b'sys version\n' * 1000)
         with open(self.path(b'lines'), 'rb') as file:
