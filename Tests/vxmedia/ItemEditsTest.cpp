@@ -59,7 +59,7 @@ TEST(ItemEditsTest, WhatCannotBeEditedIsExplainedAndChangesNothing) {
         {"fp", "y", "ERROR: 'file-path' cannot be edited: it is that of the file"},
         {"file-size", "1", "ERROR: 'file-size' cannot be edited: it is that of the file"},
         {"fe", "", "ERROR: 'file-extension' cannot be edited: it is that of the file"},
-        {"width", "wide", "ERROR: 'width' is a number"},
+        {"width", "wide", "ERROR: 'width' is a number from 0 to 4294967295"},
         {"dl", "MP4", "ERROR: There is no DLNA profile 'MP4'"},
     };
     for (const auto& theRow : kRows) {

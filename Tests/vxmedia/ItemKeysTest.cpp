@@ -71,8 +71,11 @@ constexpr struct {
     {"title", "a\xED\xA0\x80", nullptr},
     {"width", "0", "0"},
     {"width", "007", "7"},
-    {"width", "18446744073709551615", "18446744073709551615"},
-    {"width", "18446744073709551616", nullptr},
+    {"width", "4294967295", "4294967295"},
+    {"width", "4294967296", nullptr},
+    {"audio-tracks", "4294967296", nullptr},
+    {"network-size", "18446744073709551615", "18446744073709551615"},
+    {"network-size", "18446744073709551616", nullptr},
     {"width", "-1", nullptr},
     {"width", "1.5", nullptr},
     {"width", "1x", nullptr},
@@ -119,7 +122,7 @@ TEST(ItemKeysTest, RefusalsSayWhatAValueIs) {
         vxCString theValue = aTyped;
         return std::string(NormalizeValue(*FindItemKey(aName), theValue).c_str());
     };
-    EXPECT_EQ(theError("height", "x"), "ERROR: 'height' is a number");
+    EXPECT_EQ(theError("height", "x"), "ERROR: 'height' is a number from 0 to 4294967295");
     EXPECT_EQ(theError("disc", "x"), "ERROR: 'disc' is a number from 0 to 65535");
     EXPECT_EQ(theError("fr", "x"),
               "ERROR: 'video-frame-rate' is a number, with or without decimals");

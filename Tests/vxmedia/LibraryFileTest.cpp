@@ -236,6 +236,11 @@ constexpr const char* kBadItems[] = {
     R"({"id":1,"path":"a","size":1,"time":1,"type":"GIF","edits":{"title":"x"}})",
     R"({"id":1,"path":"a","size":1,"time":1,"type":"GIF","edits":{"zz":"x"}})",
     R"({"id":1,"path":"a","size":1,"time":1,"type":"GIF","edits":{"fp":"x"}})",
+    R"({"id":1,"path":"a","size":1,"time":1,"type":"GIF","edits":{"wi":"wide"}})",
+    R"({"id":1,"path":"a","size":1,"time":1,"type":"GIF","edits":{"wi":"4294967296"}})",
+    R"({"id":1,"path":"a","size":1,"time":1,"type":"GIF","edits":{"track":"65536"}})",
+    R"({"id":1,"path":"a","size":1,"time":1,"type":"GIF","edits":{"du":"1 minute"}})",
+    R"({"id":1,"path":"a","size":1,"time":1,"type":"GIF","edits":{"vt":"maybe"}})",
     R"({"id":1,"path":"a","size":1,"time":1,"type":"GIF"},)"
     R"({"id":1,"path":"b","size":1,"time":1,"type":"GIF"})",
     R"({"id":1,"path":"a","size":1,"time":1,"type":"GIF"},)"

@@ -152,7 +152,7 @@ class Library(LibraryScratch):
                 ('lib set 1 zz x', "ERROR: There is no key 'zz'"),
                 ('lib set 1 zz', "ERROR: There is no key 'zz'"),
                 ('lib set 1 fs 5', "ERROR: 'file-size' cannot be edited: it is that of the file"),
-                ('lib set 1 width wide', "ERROR: 'width' is a number"),
+                ('lib set 1 width wide', "ERROR: 'width' is a number from 0 to 4294967295"),
                 ('lib set 1 ti ' + 'x' * 4097, 'ERROR: A value has at most 4096 bytes'),
                 ('lib merge 1 1', 'ERROR: A media file cannot be merged with itself'),
                 ('lib merge 1 2', 'ERROR: There is no media file 2'),

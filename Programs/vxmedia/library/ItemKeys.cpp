@@ -25,7 +25,7 @@ const ItemKey kItemKeys[] = {
     {kvxInfo_ID, "identifier", ValueKind::Text, true},
     {kvxInfo_FilePath, "file-path", ValueKind::Text, false},
     {kvxInfo_FileExtension, "file-extension", ValueKind::Text, false},
-    {kvxInfo_FileSize, "file-size", ValueKind::Number, false},
+    {kvxInfo_FileSize, "file-size", ValueKind::Size, false},
     {kvxInfo_BitRate, "bit-rate", ValueKind::Number, true},
     {kvxInfo_MaxBitRate, "max-bit-rate", ValueKind::Number, true},
     {kvxInfo_EstimatedBitRate, "estimated-bit-rate", ValueKind::Number, true},
@@ -77,8 +77,8 @@ const ItemKey kItemKeys[] = {
     {kvxInfo_DLNATransferMode, "transfer-mode", ValueKind::Text, true},
     {kvxInfo_DLNAHTTPHeaders, "http-headers", ValueKind::Text, true},
     {kvxInfo_DLNAHTTPRestrictions, "http-restrictions", ValueKind::Text, true},
-    {kvxInfo_NetworkSize, "network-size", ValueKind::Number, true},
-    {kvxInfo_UploadedFileSize, "uploaded-size", ValueKind::Number, true},
+    {kvxInfo_NetworkSize, "network-size", ValueKind::Size, true},
+    {kvxInfo_UploadedFileSize, "uploaded-size", ValueKind::Size, true},
     {kvxInfo_ResumeUploadRequested, "resume-upload", ValueKind::Truth, true},
     {kvxInfo_MPEG_PS_HasIFO, "has-index", ValueKind::Truth, true},
     {kvxInfo_MPEG_TTS_HasTimeStamps, "has-time-stamps", ValueKind::Truth, true},
@@ -184,6 +184,8 @@ bool NormalizeDuration(vxCString& aValue) {
 const char* Normalize(const ItemKey& aRow, vxCString& aValue) {
     switch (aRow.mKind) {
         case ValueKind::Number:
+            return NormalizeNumber(UINT32_MAX, aValue) ? NULL : "a number from 0 to 4294967295";
+        case ValueKind::Size:
             return NormalizeNumber(UINT64_MAX, aValue) ? NULL : "a number";
         case ValueKind::Ordinal:
             return NormalizeNumber(UINT16_MAX, aValue) ? NULL : "a number from 0 to 65535";

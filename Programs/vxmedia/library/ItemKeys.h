@@ -10,7 +10,8 @@ namespace vxmedia {
 /// How the text of a value is to be understood.
 enum class ValueKind {
     Text,
-    Number,    // decimal
+    Number,    // up to 4294967295
+    Size,      // a number of bytes, up to 2^64 - 1
     Decimal,   // a number with or without a fraction
     Truth,     // 1 or 0
     Duration,  // milliseconds; shown as hours, minutes and seconds

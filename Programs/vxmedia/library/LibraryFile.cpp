@@ -302,6 +302,12 @@ void TakeTags(Record& aRecord, MediaTags& aTags) {
     TakeCoverArt(aRecord, aTags.mCoverArt);
 }
 
+// Texts may come from a merge, so what may not be typed is fine. What the program counts with is not.
+bool CheckEdit(const ItemKey& aRow, vxCString& aValue) {
+    return aRow.mKind == ValueKind::Text || aValue.IsEmpty() ||
+           NormalizeValue(aRow, aValue).IsEmpty();
+}
+
 bool TakeEdits(const vxJSONEntry& anObject, MediaItem::EditMap& anEdits) {
     const uint32_t theCount = anObject.GetCount();
     for (uint32_t i = 0; i < theCount; ++i) {
@@ -311,6 +317,9 @@ bool TakeEdits(const vxJSONEntry& anObject, MediaItem::EditMap& anEdits) {
         vxCString theValue;
         if (theRow == NULL || !theRow->mfEditable || theName != EditNameOf(*theRow) ||
             !theEntry.FetchString(theValue)) {
+            return false;
+        }
+        if (!CheckEdit(*theRow, theValue)) {
             return false;
         }
         anEdits[theName] = theValue;

@@ -104,6 +104,7 @@ constexpr MadeValue kMadeValues[] = {
 SearchKind KindOf(const ItemKey& aRow) {
     switch (aRow.mKind) {
         case ValueKind::Number:
+        case ValueKind::Size:
         case ValueKind::Ordinal:
             return SearchKind::Number;
         case ValueKind::Decimal:
