@@ -10,6 +10,7 @@
 #include "Arguments.h"
 #include "InstanceCheck.h"
 #include "Program.h"
+#include "StopSignals.h"
 
 namespace {
 
@@ -83,5 +84,7 @@ int main(int anArgumentCount, char** anArguments) {
         case vxmedia::ArgumentResult::Run:
             break;
     }
-    return RunProgram(theOptions);
+    const int theStatus = RunProgram(theOptions);
+    vxmedia::StopSignals::EndBySignal();
+    return theStatus;
 }

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "LibraryModule.h"
+#include "StopSignals.h"
 #include "SysModule.h"
 #include "TimerModule.h"
 #include "cache/CacheModule.h"
@@ -93,12 +94,14 @@ int Program::Run() {
         mConsole.PrintError("ERROR: Unable to set up the wait for input");
         return 1;
     }
+    const StopSignals theSignals(mSelect);
     Start();
-    while (AppletRun(vxAppletMsg_None) != vxAppletMsg_Exit) {
+    while (!StopSignals::HasCome() && AppletRun(vxAppletMsg_None) != vxAppletMsg_Exit) {
         SelfWait();
     }
     mScanApplet.GiveUp();
     mWorkers.Stop();
+    mConsole.Finish();
     const vxCString theError = mKeeper.Save();
     if (!theError.IsEmpty()) {
         NoteFailure(theError);

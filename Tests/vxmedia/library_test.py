@@ -160,6 +160,38 @@ class Library(LibraryScratch):
             with self.subTest(line[:40]):
                 self.assertEqual(self.run_lines(line), (1, answer + '\n'))
 
+    def test_signals_that_end_the_program_let_it_save(self):
+        self.write(b'm/a.gif')
+        self.ask('lib scan m')
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            process = self.start()
+            process.stdin.write(b'lib set 1 title Signal%d\nsys version\n' % number)
+            self.assertEqual(process.stdout.readline(), b'vxmedia 1.0.0\n')
+            process.send_signal(number)
+            self.assertEqual(process.wait(timeout=60), -number)
+            self.assertEqual(process.stdout.read(), b'')
+            self.assertIn('Signal%d\n' % number, self.ask('lib info 1'))
+
+    def test_signals_that_are_ignored_stay_so(self):
+        process = subprocess.Popen(['sh', '-c', 'trap "" INT; exec "$@"', 'sh'] + PROGRAM + ['-q'],
+                                   stdin=subprocess.PIPE, stdout=subprocess.PIPE, bufsize=0)
+        self.addCleanup(self.stop, process)
+        for _ in range(2):
+            process.stdin.write(b'sys version\n')
+            self.assertEqual(process.stdout.readline(), b'vxmedia 1.0.0\n')
+            process.send_signal(signal.SIGINT)
+        process.stdin.close()
+        self.assertEqual(process.wait(timeout=60), 0)
+
+    def test_when_nobody_reads_the_answers_it_saves_and_ends(self):
+        self.write(b'm/a.gif')
+        self.ask('lib scan m')
+        process = self.start()
+        process.stdout.close()
+        process.stdin.write(b'lib set 1 title Unheard\n' + b'sys version\n' * 100)
+        self.assertEqual(process.wait(timeout=60), -signal.SIGPIPE)
+        self.assertIn('Unheard\n', self.ask('lib info 1'))
+
     def test_edits_outlive_the_program_and_another_reading(self):
         self.write(b'm/a.gif')
         self.ask('lib scan m', 'lib set 1 title  "Two  words"', 'lib set 1 genre Day \'n\' night',
