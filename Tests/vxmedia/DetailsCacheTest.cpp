@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "MemorySource.h"
+#include "WorkerLoop.h"
 #include "support/Reports.h"
 #include "support/TempDir.h"
-#include "vx/Condition.h"
 
 using namespace vxmedia;
 using vxtest::BigEndian;
@@ -32,19 +32,8 @@ std::string FLAC(const std::string& aCover, const std::string& aMimeType = "imag
 }
 
 // A main loop with a pool, and a cache of details.
-class DetailsCacheTest : public testing::Test, public vxApplet {
+class DetailsCacheTest : public testing::Test {
 protected:
-    DetailsCacheTest() {
-        AppletSetOptions(vxAppletOption_Multithreaded);
-        AppletAttach(&mPool, vxAppletOption_None);
-    }
-    // Workers wake this object up as long as there are any.
-    ~DetailsCacheTest() override { mPool.Stop(); }
-
-    void RaiseWakeUpSignal() override { mSignal.Signal(); }
-    void WaitWakeUpSignal(unsigned int aMSTimeout) override { mSignal.WaitTimeout(aMSTimeout); }
-    vxAppletMsg AppletLoop(vxAppletMsg) override { return vxAppletMsg_None; }
-
     // What it says about a file goes to mAnswers.
     void Ask(const std::string& aPath) {
         mCache.Ask(aPath.c_str(), [this](const MediaDetails& aDetails) {
@@ -54,12 +43,7 @@ protected:
     }
 
     void RunUntil(size_t anAnswerCount) {
-        while (mAnswers.size() < anAnswerCount) {
-            AppletRun(vxAppletMsg_None);
-            if (mAnswers.size() < anAnswerCount) {
-                SelfWait();
-            }
-        }
+        mLoop.RunUntil([this, anAnswerCount] { return mAnswers.size() >= anAnswerCount; });
     }
 
     std::string AskAndWait(const std::string& aPath) {
@@ -80,9 +64,8 @@ protected:
 
     Reports mReports;  // what the library logs about files that have gone
     TempDir mDir;
-    vxCondition mSignal;
-    WorkerPool mPool;
-    DetailsCache mCache{mPool};
+    WorkerLoop mLoop{2};
+    DetailsCache mCache{mLoop.mPool};
     std::vector<std::string> mAnswers;
 };
 
@@ -112,18 +95,18 @@ TEST_F(DetailsCacheTest, DetailsComeLaterTheFirstTimeAndAtOnceAfterwards) {
     EXPECT_EQ(AskAtOnce(thePath), "GIF 5x4, 13 bytes");
     EXPECT_EQ(FileCount(), 1u);
     EXPECT_EQ(mCache.GetStatus().mBytes, sizeof(CachedDetails) + thePath.size() + 17);
-    EXPECT_EQ(mPool.GetWorkers()[0].mJobCount + mPool.GetWorkers()[1].mJobCount, 1u);
+    EXPECT_EQ(mLoop.mPool.GetWorkers()[0].mJobCount + mLoop.mPool.GetWorkers()[1].mJobCount, 1u);
 }
 
 TEST_F(DetailsCacheTest, AllWhoAskMeanwhileAreAnsweredByOneReading) {
-    mPool.SetThreadCount(1);
+    mLoop.mPool.SetThreadCount(1);
     const std::string thePath = mDir.Write("a", FLAC(kGIF));
     for (int i = 0; i < 5; ++i) {
         Ask(thePath);
     }
     RunUntil(5);
     EXPECT_EQ(mAnswers, std::vector<std::string>(5, "GIF 5x4, 13 bytes"));
-    EXPECT_EQ(mPool.GetWorkers()[0].mJobCount, 1u);
+    EXPECT_EQ(mLoop.mPool.GetWorkers()[0].mJobCount, 1u);
 }
 
 TEST_F(DetailsCacheTest, AFileThatHasChangedIsReadAgain) {
@@ -172,7 +155,7 @@ TEST_F(DetailsCacheTest, OnlyTheFilesUsedLastAreKept) {
 
 TEST_F(DetailsCacheTest, AnswersComeWhateverTheLimits) {
     mCache.SetLimits(0, 0);
-    mPool.SetThreadCount(3);
+    mLoop.mPool.SetThreadCount(3);
     for (int i = 0; i < 50; ++i) {
         Ask(mDir.Write("f" + std::to_string(i % 20), FLAC(kGIF)));
     }
@@ -185,7 +168,7 @@ TEST_F(DetailsCacheTest, ThePoolMayStopWhileSomebodyWaits) {
     for (int i = 0; i < 20; ++i) {
         Ask(mDir.Write("f" + std::to_string(i), FLAC(kGIF)));
     }
-    mPool.Stop();
+    mLoop.mPool.Stop();
     EXPECT_TRUE(mAnswers.empty());
     EXPECT_EQ(FileCount(), 0u);
 }
