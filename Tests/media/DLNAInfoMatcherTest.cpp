@@ -139,38 +139,50 @@ TEST(DLNAInfoMatcherTest, UnknownProfilesHaveNoExtensions) {
     }
 }
 
+// Added profiles stay until the process ends, so each run of a test adds names of its own.
+std::string NewName() {
+    static int sCount = 0;
+    return "X_" + std::to_string(++sCount);
+}
+
 TEST(DLNAInfoMatcherTest, AddedProfilesAreFoundOnceTheyAreAdded) {
-    EXPECT_EQ(vxDLNAInfoMatcher::FindProfile("X_OPUS"), nullptr);
-    std::string theName = "X_OPUS";
+    const std::string theNewName = NewName();
+    const char* const theText = theNewName.c_str();
+    EXPECT_EQ(vxDLNAInfoMatcher::FindProfile(theText), nullptr);
+    std::string theName = theNewName;
     std::string theExtensions = "opus@ogg";
     EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile(theName.c_str(), "audio/ogg@audio/opus",
                                               theExtensions.c_str()));
     theName = "gone";
     theExtensions = "gone";
-    EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionListFromProfile("X_OPUS"), "opus@ogg");
-    EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionFromProfile("X_OPUS"), "opus");
-    EXPECT_STREQ(vxDLNAInfoMatcher::FindProfile("X_OPUS")->mProfile, "X_OPUS");
-    EXPECT_STREQ(vxDLNAInfoMatcher::FindProfile("X_OPUS")->mMimeType, "audio/ogg@audio/opus");
-    EXPECT_EQ(vxDLNAInfoMatcher::FindProfile("x_opus"), nullptr);
+    EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionListFromProfile(theText), "opus@ogg");
+    EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionFromProfile(theText), "opus");
+    EXPECT_STREQ(vxDLNAInfoMatcher::FindProfile(theText)->mProfile, theText);
+    EXPECT_STREQ(vxDLNAInfoMatcher::FindProfile(theText)->mMimeType, "audio/ogg@audio/opus");
+    EXPECT_EQ(vxDLNAInfoMatcher::FindProfile(("x" + theNewName.substr(1)).c_str()), nullptr);
 }
 
 TEST(DLNAInfoMatcherTest, AddedProfilesMayLackATypeOrExtensions) {
-    EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile("X_NOTHING", nullptr, nullptr));
-    ASSERT_NE(vxDLNAInfoMatcher::FindProfile("X_NOTHING"), nullptr);
-    EXPECT_STREQ(vxDLNAInfoMatcher::FindProfile("X_NOTHING")->mMimeType, "");
-    EXPECT_STREQ(vxDLNAInfoMatcher::FindProfile("X_NOTHING")->mExtensions, "");
-    EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionFromProfile("X_NOTHING"), "");
+    const std::string theName = NewName();
+    const char* const theText = theName.c_str();
+    EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile(theText, nullptr, nullptr));
+    ASSERT_NE(vxDLNAInfoMatcher::FindProfile(theText), nullptr);
+    EXPECT_STREQ(vxDLNAInfoMatcher::FindProfile(theText)->mMimeType, "");
+    EXPECT_STREQ(vxDLNAInfoMatcher::FindProfile(theText)->mExtensions, "");
+    EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionFromProfile(theText), "");
 }
 
 TEST(DLNAInfoMatcherTest, TheFirstProfileOfANameStays) {
+    const std::string theName = NewName();
+    const char* const theText = theName.c_str();
     EXPECT_FALSE(vxDLNAInfoMatcher::AddProfile("JPEG_SM", "image/x", "x"));
     EXPECT_FALSE(vxDLNAInfoMatcher::AddProfile("MPEG_PS_HD_DTSHD", "video/x", "x"));
     EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionListFromProfile("JPEG_SM"), "jpg@jpeg");
     EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionListFromProfile("MPEG_PS_HD_DTSHD"), "mpg");
-    EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile("X_FLAC", "audio/flac", "flac"));
-    EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile("X_BEHIND", "audio/x", "x"));
-    EXPECT_FALSE(vxDLNAInfoMatcher::AddProfile("X_FLAC", "audio/x-flac", "fla"));
-    EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionListFromProfile("X_FLAC"), "flac");
+    EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile(theText, "audio/flac", "flac"));
+    EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile(NewName().c_str(), "audio/x", "x"));
+    EXPECT_FALSE(vxDLNAInfoMatcher::AddProfile(theText, "audio/x-flac", "fla"));
+    EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionListFromProfile(theText), "flac");
 }
 
 TEST(DLNAInfoMatcherTest, ANameIsNeeded) {
@@ -180,14 +192,16 @@ TEST(DLNAInfoMatcherTest, ANameIsNeeded) {
 }
 
 TEST(DLNAInfoMatcherTest, WithoutMemoryNothingIsAdded) {
+    const std::string theName = NewName();
+    const char* const theText = theName.c_str();
     vxtest::Reports theReports;
     {
         const vxtest::NoMemory theNoMemory;
-        EXPECT_FALSE(vxDLNAInfoMatcher::AddProfile("X_LATER", "audio/x", "x"));
+        EXPECT_FALSE(vxDLNAInfoMatcher::AddProfile(theText, "audio/x", "x"));
     }
     EXPECT_EQ(theReports.FatalErrors().size(), 1U);
-    EXPECT_EQ(vxDLNAInfoMatcher::FindProfile("X_LATER"), nullptr);
-    EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile("X_LATER", "audio/x", "x"));
+    EXPECT_EQ(vxDLNAInfoMatcher::FindProfile(theText), nullptr);
+    EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile(theText, "audio/x", "x"));
 }
 
 TEST(DLNAInfoMatcherTest, ThreadsAddAndFindAtTheSameTime) {
@@ -196,13 +210,14 @@ TEST(DLNAInfoMatcherTest, ThreadsAddAndFindAtTheSameTime) {
     std::atomic<int> theAdded(0);
     std::atomic<int> theWrong(0);
     std::atomic<int> theReady(0);
+    const std::string thePrefix = NewName() + "_THREAD_";
     const auto theBody = [&] {
         theReady.fetch_add(1);
         while (theReady.load() < kThreads) {
             std::this_thread::yield();
         }
         for (int i = 0; i < kNames; ++i) {
-            const std::string theName = "X_THREAD_" + std::to_string(i);
+            const std::string theName = thePrefix + std::to_string(i);
             const std::string theExtension = "t" + std::to_string(i);
             theAdded += vxDLNAInfoMatcher::AddProfile(theName.c_str(), "", theExtension.c_str());
             const vxCString theFound =
