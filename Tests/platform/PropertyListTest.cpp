@@ -2,8 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -277,6 +279,106 @@ TEST(PropertyListTest, ReferencesAreCountedByAnyThread) {
     EXPECT_EQ(vxPropertyList_GetCount(theList), 0u);
     vxPropertyList_Delete(theList);
     vxPackedData_Delete(theData);
+}
+
+TEST(PropertyListTest, TextsOfEveryLengthStayWhereTheyAreWhileTheirValueLives) {
+    const List theList;
+    for (const size_t theLength : {0, 1, 7, 8, 13, 14, 15, 16, 100}) {
+        SCOPED_TRACE(theLength);
+        const std::string theText(theLength, 'x');
+        vxProperty* const theProperty = vxPropertyList_Add(theList, theText.c_str());
+        for (size_t i = 0; i < 3; ++i) {
+            EXPECT_TRUE(vxProperty_Set_charPtr(theProperty, i, theText.c_str()));
+        }
+        std::vector<const char*> theTexts;
+        for (size_t i = 0; i < 3; ++i) {
+            const vxData* theData = vxProperty_GetAt(theProperty, i);
+            EXPECT_EQ(vxData_GetType(theData), kvxDataType_charPtr);
+            EXPECT_EQ(vxData_Get_voidPtr(theData), nullptr);
+            theTexts.push_back(vxData_Get_charPtr(theData));
+        }
+        for (uint32_t i = 3; i < 40; ++i) {
+            EXPECT_TRUE(vxProperty_Set_uint32(theProperty, i, i));
+        }
+        for (size_t i = 0; i < 3; ++i) {
+            EXPECT_EQ(vxData_Get_charPtr(vxProperty_GetAt(theProperty, i)), theTexts[i]);
+            EXPECT_EQ(theTexts[i], theText);
+        }
+    }
+}
+
+TEST(PropertyListTest, ATextMayComeOutOfTheOneThatItReplaces) {
+    const List theList;
+    for (const char* theText :
+         {"0123456789abcd", "0123456789abcde", "0123456789abcdefghijklmnop"}) {
+        for (const size_t theStart : {0, 1, 5, 11, 14}) {
+            vxPropertyList_Set_charPtr(theList, "p", theText);
+            const char* theOld = vxPropertyList_Get_charPtr(theList, "p");
+            EXPECT_TRUE(vxPropertyList_Set_charPtr(theList, "p", theOld + theStart));
+            EXPECT_STREQ(vxPropertyList_Get_charPtr(theList, "p"), theText + theStart);
+        }
+    }
+}
+
+TEST(PropertyListTest, ManyValuesComeAndGo) {
+    const List theList;
+    vxProperty* const theProperty = vxPropertyList_Add(theList, "p");
+    for (uint32_t theCount = 0; theCount < 20; ++theCount) {
+        for (uint32_t i = 0; i < 2 * theCount; ++i) {
+            ASSERT_TRUE(vxProperty_Set_uint32(theProperty, i, i + theCount));
+        }
+        vxProperty_Truncate(theProperty, theCount);
+        ASSERT_EQ(vxProperty_GetCount(theProperty), theCount);
+        for (uint32_t i = 0; i < theCount; ++i) {
+            ASSERT_EQ(vxData_Get_uint32(vxProperty_GetAt(theProperty, i)), i + theCount);
+        }
+    }
+}
+
+TEST(PropertyListTest, ComingAndGoingPropertiesAreFoundByNameAndPosition) {
+    const List theList;
+    std::vector<std::string> theModel;
+    std::mt19937 theRandom(7);
+    for (int i = 0; i < 4000; ++i) {
+        const bool fGrows = (i / 500) % 2 == 0;
+        const std::string theName = std::to_string(theRandom() % 300);
+        const auto theFound = std::find(theModel.begin(), theModel.end(), theName);
+        if (theRandom() % 4 != 0 ? fGrows : !fGrows) {
+            EXPECT_STREQ(vxProperty_GetName(vxPropertyList_Add(theList, theName.c_str())),
+                         theName.c_str());
+            if (theFound == theModel.end()) {
+                theModel.push_back(theName);
+            }
+        } else {
+            EXPECT_EQ(vxPropertyList_Remove(theList, theName.c_str()), theFound != theModel.end());
+            if (theFound != theModel.end()) {
+                theModel.erase(theFound);
+            }
+        }
+        ASSERT_EQ(vxPropertyList_GetCount(theList), theModel.size());
+        if (!theModel.empty()) {
+            const size_t theIndex = theRandom() % theModel.size();
+            vxProperty* const theProperty = vxPropertyList_GetAt(theList, theIndex);
+            ASSERT_EQ(vxProperty_GetName(theProperty), theModel[theIndex]);
+            ASSERT_EQ(vxPropertyList_Find(theList, theModel[theIndex].c_str()), theProperty);
+        }
+        if (i % 100 == 0) {
+            ASSERT_EQ(Names(theList), theModel);
+        }
+    }
+}
+
+TEST(PropertyListTest, AListIsEmptiedFastFromItsFront) {
+    const List theList;
+    for (uint32_t i = 0; i < 50000; ++i) {
+        vxPropertyList_Set_uint32(theList, std::to_string(i).c_str(), i);
+    }
+    while (vxProperty* theProperty = vxPropertyList_GetAt(theList, 0)) {
+        ASSERT_TRUE(vxPropertyList_Remove(theList, vxProperty_GetName(theProperty)));
+    }
+    EXPECT_EQ(vxPropertyList_GetCount(theList), 0u);
+    EXPECT_NE(vxPropertyList_Add(theList, "new"), nullptr);
+    EXPECT_THAT(Names(theList), ElementsAre("new"));
 }
 
 TEST(PropertyListTest, ManyPropertiesAreFoundFast) {

@@ -13,7 +13,6 @@
 #include <cstring>
 #include <utility>
 
-#include "HashTablePlace.h"
 #include "TextHash.h"
 
 namespace {
@@ -377,15 +376,6 @@ void vxCustomHashTable_Delete(vxCustomHashTable* aTable) {
 
 void vxCustomHashTable_AllowDuplicates(vxCustomHashTable* aTable) {
     aTable->mfAllowDuplicates = true;
-}
-
-void** vxCustomHashTable_PlaceOf(vxCustomHashTable* aTable, const char* aKey) {
-    const vxKey theKey = vxMakeKey(aKey);
-    vxHashNode* theNode = vxFindNode(aTable, theKey);
-    if (theNode == NULL) {
-        theNode = vxAppendNode(aTable, theKey, NULL, NULL);
-    }
-    return theNode == NULL ? NULL : &theNode->mValue;
 }
 
 bool vxCustomHashTable_Add(vxCustomHashTable* aTable, const char* aKey, void* aValue) {
