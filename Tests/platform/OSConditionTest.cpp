@@ -1,7 +1,11 @@
 #include <libvxOS/Condition.h>
 
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <sched.h>
+#include <signal.h>
 
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <thread>
@@ -204,6 +208,218 @@ TEST_F(OSConditionTest, SignalsBeyondTheWaitersAreNotRemembered) {
     vxMutex_Lock(mMutex);
     EXPECT_EQ(vxCondition_WaitTimeout(mCondition, mMutex, 1), ETIMEDOUT);
     vxMutex_Unlock(mMutex);
+}
+
+std::atomic<bool> sfIsHeldUp{false};
+std::atomic<bool> sfMayGoOn{false};
+
+// Interrupts the thread for as long as the test likes: nothing else may be done here.
+extern "C" void OSConditionTest_HoldUp(int) {
+    sfIsHeldUp = true;
+    while (!sfMayGoOn) {
+        sched_yield();
+    }
+}
+
+/// Handles SIGUSR2 in this way as long as it lives; sleeps of the system end with it.
+class SignalHandler {
+public:
+    explicit SignalHandler(void (*aHandler)(int)) {
+        struct sigaction theAction = {};
+        theAction.sa_handler = aHandler;  // no SA_RESTART
+        sigaction(SIGUSR2, &theAction, &mOld);
+    }
+    ~SignalHandler() { sigaction(SIGUSR2, &mOld, nullptr); }
+
+private:
+    struct sigaction mOld = {};
+};
+
+// A thread that gives a signal and then waits itself must not take that signal away from the one
+// that slept before, even if that one is slow: it would sleep for ever.
+TEST_F(OSConditionTest, SignalIsForThoseThatWaitedBeforeIt) {
+    const SignalHandler theHandler(OSConditionTest_HoldUp);
+    sfIsHeldUp = false;
+    sfMayGoOn = false;
+    bool theIsWaiting = false;
+    bool theIsBack = false;
+    std::thread theOther([&] {
+        vxMutex_Lock(mMutex);
+        theIsWaiting = true;
+        EXPECT_EQ(vxCondition_Wait(mCondition, mMutex), 0);
+        theIsBack = true;
+        vxMutex_Unlock(mMutex);
+    });
+    for (bool theIsSleeping = false; !theIsSleeping;) {
+        vxMutex_Lock(mMutex);
+        theIsSleeping = theIsWaiting;
+        vxMutex_Unlock(mMutex);
+    }
+    pthread_kill(theOther.native_handle(), SIGUSR2);
+    while (!sfIsHeldUp) {
+        sched_yield();
+    }
+    vxMutex_Lock(mMutex);
+    EXPECT_EQ(vxCondition_Signal(mCondition), 0);
+    EXPECT_EQ(vxCondition_WaitTimeout(mCondition, mMutex, 1), ETIMEDOUT);
+    EXPECT_FALSE(theIsBack);
+    sfMayGoOn = true;
+    for (int i = 0; !theIsBack && i < 1000; ++i) {
+        vxCondition_WaitTimeout(mCondition, mMutex, 60);
+    }
+    EXPECT_TRUE(theIsBack);
+    if (!theIsBack) {
+        vxCondition_Signal(mCondition);
+    }
+    vxMutex_Unlock(mMutex);
+    theOther.join();
+}
+
+TEST_F(OSConditionTest, ThreadsAreWokenInTheOrderInWhichTheyCame) {
+    constexpr int kThreads = 4;
+    int theWaiting = 0;
+    std::vector<int> theOrder;
+    std::vector<std::thread> theThreads;
+    for (int i = 0; i < kThreads; ++i) {
+        theThreads.emplace_back([&, i] {
+            vxMutex_Lock(mMutex);
+            ++theWaiting;
+            EXPECT_EQ(vxCondition_WaitTimeout(mCondition, mMutex, 0xFFFFFFFF), 0);
+            theOrder.push_back(i);
+            vxMutex_Unlock(mMutex);
+        });
+        for (bool theIsWaiting = false; !theIsWaiting;) {
+            vxMutex_Lock(mMutex);
+            theIsWaiting = theWaiting == i + 1;
+            vxMutex_Unlock(mMutex);
+        }
+    }
+    for (size_t i = 1; i <= kThreads; ++i) {
+        vxCondition_Signal(mCondition);
+        for (bool theIsBack = false; !theIsBack;) {
+            vxMutex_Lock(mMutex);
+            theIsBack = theOrder.size() == i;
+            vxMutex_Unlock(mMutex);
+        }
+    }
+    for (std::thread& theThread : theThreads) {
+        theThread.join();
+    }
+    EXPECT_EQ(theOrder, (std::vector<int>{0, 1, 2, 3}));
+}
+
+// Time-outs leave from the front, the middle and the end of those that wait, at the moments at which
+// signals come, with and without the mutex.
+TEST_F(OSConditionTest, TimeOutsAmongOthersLoseNoSignal) {
+    constexpr int kRounds = 300;
+    constexpr int kPatient = 3;
+    for (int theRound = 0; theRound < kRounds; ++theRound) {
+        int theWaiting = 0;
+        int theBack = 0;
+        int theSignaled = 0;
+        std::vector<std::thread> theThreads;
+        for (int i = 0; i < 2 * kPatient; ++i) {
+            theThreads.emplace_back([&, i] {
+                vxMutex_Lock(mMutex);
+                ++theWaiting;
+                const int theResult = i % 2 == 0 ? vxCondition_WaitTimeout(mCondition, mMutex, 1)
+                                                 : vxCondition_Wait(mCondition, mMutex);
+                EXPECT_TRUE(theResult == 0 || (i % 2 == 0 && theResult == ETIMEDOUT)) << theResult;
+                theSignaled += theResult == 0 ? 1 : 0;
+                ++theBack;
+                vxMutex_Unlock(mMutex);
+            });
+        }
+        bool theIsDone = false;
+        for (int i = 0; !theIsDone; ++i) {
+            vxMutex_Lock(mMutex);
+            theIsDone = theBack == 2 * kPatient;
+            const bool theAllWait = theWaiting == 2 * kPatient;
+            if (theAllWait && i % 2 == 0) {
+                vxCondition_Signal(mCondition);
+            }
+            vxMutex_Unlock(mMutex);
+            if (theAllWait && i % 2 == 1) {
+                vxCondition_Signal(mCondition);
+            }
+        }
+        for (std::thread& theThread : theThreads) {
+            theThread.join();
+        }
+        EXPECT_GE(theSignaled, kPatient);
+    }
+    vxMutex_Lock(mMutex);
+    EXPECT_EQ(vxCondition_WaitTimeout(mCondition, mMutex, 0), ETIMEDOUT);
+    vxMutex_Unlock(mMutex);
+}
+
+// The thread that is woken may delete both at once, though the one that gave the signal, or unlocked,
+// may not have returned yet.
+TEST(OSConditionLifeTest, WokenThreadMayDeleteConditionAndMutex) {
+    for (int i = 0; i < 2000; ++i) {
+        vxOSCondition* theCondition = vxCondition_New();
+        vxOSMutex* theMutex = vxMutex_New();
+        vxMutex_Lock(theMutex);
+        std::thread theOther([theCondition, theMutex] {
+            vxMutex_Lock(theMutex);  // free only while the first sleeps
+            EXPECT_EQ(vxCondition_Signal(theCondition), 0);
+            vxMutex_Unlock(theMutex);
+        });
+        EXPECT_EQ(vxCondition_Wait(theCondition, theMutex), 0);
+        vxMutex_Unlock(theMutex);
+        vxCondition_Delete(theCondition);
+        vxMutex_Delete(theMutex);
+        theOther.join();
+    }
+}
+
+TEST(OSConditionLifeTest, ThreadWokenWithoutTheMutexMayDeleteTheConditionAsWell) {
+    for (int i = 0; i < 2000; ++i) {
+        vxOSCondition* theCondition = vxCondition_New();
+        vxOSMutex* theMutex = vxMutex_New();
+        vxMutex_Lock(theMutex);
+        std::thread theOther([theCondition, theMutex] {
+            vxMutex_Lock(theMutex);
+            vxMutex_Unlock(theMutex);
+            EXPECT_EQ(vxCondition_Signal(theCondition), 0);
+        });
+        // Only a thread that was signaled knows that the signal is through.
+        EXPECT_EQ(vxCondition_Wait(theCondition, theMutex), 0);
+        vxMutex_Unlock(theMutex);
+        vxCondition_Delete(theCondition);
+        vxMutex_Delete(theMutex);
+        theOther.join();
+    }
+}
+
+extern "C" void OSConditionTest_Ignore(int) {}
+
+TEST_F(OSConditionTest, InterruptionsEndNoWait) {
+    const SignalHandler theHandler(OSConditionTest_Ignore);
+    bool theIsWaiting = false;
+    bool theIsBack = false;
+    std::thread theOther([&] {
+        vxMutex_Lock(mMutex);
+        theIsWaiting = true;
+        EXPECT_EQ(vxCondition_Wait(mCondition, mMutex), 0);
+        theIsBack = true;
+        vxMutex_Unlock(mMutex);
+    });
+    for (bool theIsSleeping = false; !theIsSleeping;) {
+        vxMutex_Lock(mMutex);
+        theIsSleeping = theIsWaiting;
+        vxMutex_Unlock(mMutex);
+    }
+    for (int i = 0; i < 1000; ++i) {
+        pthread_kill(theOther.native_handle(), SIGUSR2);
+        vxMutex_Lock(mMutex);
+        EXPECT_FALSE(theIsBack);
+        EXPECT_EQ(vxCondition_WaitTimeout(mCondition, mMutex, 0), ETIMEDOUT);
+        vxMutex_Unlock(mMutex);
+    }
+    vxCondition_Signal(mCondition);
+    theOther.join();
+    EXPECT_TRUE(theIsBack);
 }
 
 // Signals come with and without the mutex, waits with and without a limit.

@@ -1,11 +1,11 @@
-// A waiting thread sleeps on the number of signals, which it reads before it is counted as a waiter and
-// before it looks for a signal that was given. Every signal is given first, to the waiters as a whole,
-// and then changes the number and wakes one: so whoever has looked in vain stays awake, and of the
-// waiters at least as many are awake as signals were given. The first of them that has the mutex again
-// takes one along and leaves: each signal ends one wait, whichever thread the kernel woke.
+// Every waiting thread stands in a queue and sleeps on a word of its own. A signal takes the first one
+// out and then tells it: so each signal ends one wait, of a thread that was waiting when it came, and no
+// later one can take it away. Sleeps that end for other reasons are continued.
 //
-// Waiters and signals given are one word. There are never more signals than waiters, and where there
-// are as many, a further signal has nobody to wake.
+// A thread whose time is over leaves the queue itself, once it has the mutex again. If a signal was
+// faster, the thread is out already, and the wait ends as signaled.
+//
+// The thread that is told may delete the condition: a signal touches nothing of it from then on.
 
 #include <libvxOS/Condition.h>
 
@@ -15,50 +15,94 @@
 #include <cerrno>
 #include <new>
 
+namespace {
+
+/// A thread that waits. It lives in that thread's wait, and not a moment longer.
+struct vxWaiter {
+    explicit vxWaiter(vxRecursiveLock* aMutex) : mMutex(aMutex) {}
+
+    std::atomic<uint32_t> mIsSignaled{0};  // last access of the thread that signals
+    vxRecursiveLock* const mMutex;
+    vxWaiter* mPrev = nullptr;  // in the queue
+    vxWaiter* mNext = nullptr;
+    bool mfIsQueued = true;
+};
+
+/// The waiting threads in the order in which they came.
+class vxWaiterQueue {
+public:
+    /// Says nothing about threads that are just coming.
+    bool IsEmpty() const { return mFirst.load(std::memory_order_relaxed) == nullptr; }
+
+    void Append(vxWaiter* aWaiter) {
+        mLock.Lock();
+        aWaiter->mPrev = mLast;
+        Link(mLast, aWaiter);
+        mLast = aWaiter;
+        mLock.Unlock();
+    }
+
+    /// Returns null when there is none.
+    vxWaiter* TakeFirst() {
+        mLock.Lock();
+        vxWaiter* theFirst = mFirst.load(std::memory_order_relaxed);
+        if (theFirst != nullptr) {
+            Unlink(theFirst);
+        }
+        mLock.Unlock();
+        return theFirst;
+    }
+
+    /// Returns false when it has been taken before.
+    bool Remove(vxWaiter* aWaiter) {
+        mLock.Lock();
+        const bool theWasQueued = aWaiter->mfIsQueued;
+        if (theWasQueued) {
+            Unlink(aWaiter);
+        }
+        mLock.Unlock();
+        return theWasQueued;
+    }
+
+private:
+    void Link(vxWaiter* aPrev, vxWaiter* aNext) {
+        if (aPrev != nullptr) {
+            aPrev->mNext = aNext;
+        } else {
+            mFirst.store(aNext, std::memory_order_relaxed);
+        }
+    }
+
+    void Unlink(vxWaiter* aWaiter) {
+        Link(aWaiter->mPrev, aWaiter->mNext);
+        if (aWaiter->mNext != nullptr) {
+            aWaiter->mNext->mPrev = aWaiter->mPrev;
+        } else {
+            mLast = aWaiter->mPrev;
+        }
+        aWaiter->mfIsQueued = false;
+    }
+
+    vxRecursiveLock mLock;                   // guards everything below
+    std::atomic<vxWaiter*> mFirst{nullptr};  // changed under mLock
+    vxWaiter* mLast = nullptr;
+};
+
+/// Sleeps until the signal or the deadline has come.
+void vxAwaitSignal(vxWaiter* aWaiter, const vxDeadline* aDeadline) {
+    int theResult = 0;
+    while (theResult == 0 && aWaiter->mIsSignaled.load(std::memory_order_acquire) == 0) {
+        theResult = vxFutex_Wait(&aWaiter->mIsSignaled, 0, aDeadline);
+    }
+}
+
+}  // namespace
+
 struct vxOSCondition {
-    std::atomic<uint32_t> mSignals{0};  // modulo 2^32
-    std::atomic<uintptr_t> mCounts{0};  // waiters in the upper half, signals given in the lower
-    std::atomic<vxOSMutex*> mMutex{nullptr};  // of the waiters, while there are any
+    vxWaiterQueue mWaiters;
 };
 
 namespace {
-
-constexpr uintptr_t kvxOneGiven = 1;
-constexpr uintptr_t kvxOneWaiter = uintptr_t{1} << (sizeof(uintptr_t) * 4);
-
-uintptr_t vxWaiters(uintptr_t aCounts) {
-    return aCounts / kvxOneWaiter;
-}
-
-uintptr_t vxGiven(uintptr_t aCounts) {
-    return aCounts % kvxOneWaiter;
-}
-
-/// Gives one more waiter a reason to leave; false when every one has it.
-bool vxGive(vxOSCondition* aCondition) {
-    uintptr_t theCounts = aCondition->mCounts.load();
-    do {
-        if (vxGiven(theCounts) >= vxWaiters(theCounts)) {
-            return false;
-        }
-    } while (!aCondition->mCounts.compare_exchange_weak(theCounts, theCounts + kvxOneGiven));
-    return true;
-}
-
-/// Leaves with a signal, or without one when the time is over; false when there is neither. The caller
-/// holds the mutex.
-bool vxLeave(vxOSCondition* aCondition, bool afTimeIsOver, bool* afHasSignal) {
-    uintptr_t theCounts = aCondition->mCounts.load();
-    uintptr_t theRest;
-    do {
-        *afHasSignal = vxGiven(theCounts) > 0;
-        if (!*afHasSignal && !afTimeIsOver) {
-            return false;
-        }
-        theRest = theCounts - kvxOneWaiter - (*afHasSignal ? kvxOneGiven : 0);
-    } while (!aCondition->mCounts.compare_exchange_weak(theCounts, theRest));
-    return true;
-}
 
 int vxWait(vxOSCondition* aCondition, vxOSMutex* aMutex, const vxDeadline* aDeadline) {
     if (aCondition == nullptr || aMutex == nullptr) {
@@ -67,20 +111,19 @@ int vxWait(vxOSCondition* aCondition, vxOSMutex* aMutex, const vxDeadline* aDead
     if (!aMutex->mLock.IsHeld()) {
         return EPERM;
     }
-    aCondition->mMutex.store(aMutex, std::memory_order_relaxed);
-    uint32_t theSignals = aCondition->mSignals.load();
-    aCondition->mCounts.fetch_add(kvxOneWaiter);
-    int theResult;
-    bool theHasSignal;
-    do {
-        const uint32_t theRepeats = aMutex->mLock.LetGo();
-        theResult = vxFutex_Wait(&aCondition->mSignals, theSignals, aDeadline);
-        aMutex->mLock.TakeBack(theRepeats);
-        theSignals = aCondition->mSignals.load();
-        // Also when the time is over: a signal that came before the mutex was back may have no
-        // other thread to wake.
-    } while (!vxLeave(aCondition, theResult != 0, &theHasSignal));
-    return theHasSignal ? 0 : theResult;
+    vxWaiter theWaiter(&aMutex->mLock);
+    aCondition->mWaiters.Append(&theWaiter);
+    const uint32_t theRepeats = aMutex->mLock.LetGo();
+    vxAwaitSignal(&theWaiter, aDeadline);
+    aMutex->mLock.TakeBack(theRepeats);
+    // Also now that the time is over: a signal that came before the mutex was back had this thread.
+    if (theWaiter.mIsSignaled.load(std::memory_order_acquire) == 0) {
+        if (aCondition->mWaiters.Remove(&theWaiter)) {
+            return ETIMEDOUT;
+        }
+        vxAwaitSignal(&theWaiter, nullptr);
+    }
+    return 0;
 }
 
 }  // namespace
@@ -106,17 +149,22 @@ int vxCondition_Signal(vxOSCondition* aCondition) {
     if (aCondition == nullptr) {
         return EINVAL;
     }
-    // A waiter that was woken may take long to get the processor: signals meanwhile cost nothing.
-    if (!vxGive(aCondition)) {
+    // Whoever let the caller have the mutex in order to wait is seen here.
+    if (aCondition->mWaiters.IsEmpty()) {
         return 0;
     }
-    aCondition->mSignals.fetch_add(1);
-    vxRecursiveLock& theLock = aCondition->mMutex.load(std::memory_order_relaxed)->mLock;
-    if (theLock.IsHeld()) {
+    vxWaiter* theWaiter = aCondition->mWaiters.TakeFirst();
+    if (theWaiter == nullptr) {
+        return 0;
+    }
+    vxRecursiveLock* theMutex = theWaiter->mMutex;
+    const bool theIsHeld = theMutex->IsHeld();
+    theWaiter->mIsSignaled.store(1, std::memory_order_release);
+    if (theIsHeld) {
         // The woken thread would only run into the mutex that the caller still holds.
-        theLock.WakeOnUnlock(&aCondition->mSignals);
+        theMutex->WakeOnUnlock(&theWaiter->mIsSignaled);
     } else {
-        vxFutex_Wake(&aCondition->mSignals, 1);
+        vxFutex_Wake(&theWaiter->mIsSignaled, 1);
     }
     return 0;
 }

@@ -22,11 +22,10 @@ int vxRecursiveLock::UnlockFlagged() {
         return 0;
     }
     std::atomic<uint32_t>* const theWord = mWakeWord;
-    const int theCount = mWakeCount;
     mWakeWord = nullptr;
     Free();
     if (theWord != nullptr) {
-        vxFutex_Wake(theWord, theCount);
+        vxFutex_Wake(theWord, 1);
     }
     return 0;
 }
@@ -37,15 +36,10 @@ int vxRecursiveLock::WakeSleeper() {
 }
 
 void vxRecursiveLock::WakeOnUnlock(std::atomic<uint32_t>* aWord) {
-    if (mWakeWord == aWord) {
-        ++mWakeCount;
-        return;
-    }
     if (mWakeWord != nullptr) {
-        vxFutex_Wake(mWakeWord, mWakeCount);
+        vxFutex_Wake(mWakeWord, 1);
     }
     mWakeWord = aWord;
-    mWakeCount = 1;
     mState.fetch_or(kWakeOnUnlock, std::memory_order_relaxed);
 }
 

@@ -55,7 +55,8 @@ public:
     }
 
     /// Wakes one thread that sleeps on `aWord`, once the caller, who holds the lock, has let go of
-    /// it: for threads that want the lock next. The word may be gone by then.
+    /// it: for threads that want the lock next. The word may be gone by then. Of several threads only
+    /// the last one waits for that.
     void WakeOnUnlock(std::atomic<uint32_t>* aWord);
 
 private:
@@ -95,6 +96,5 @@ private:
 
     std::atomic<uintptr_t> mState{0};
     uint32_t mRepeats = 0;                       // locks of the holder beyond its first
-    int mWakeCount = 0;                          // threads that the holder is to wake, and where
-    std::atomic<uint32_t>* mWakeWord = nullptr;  // null for none
+    std::atomic<uint32_t>* mWakeWord = nullptr;  // where the holder is to wake a thread, or null
 };
