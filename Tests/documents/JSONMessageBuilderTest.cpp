@@ -93,9 +93,35 @@ TEST(JSONMessageBuilderTest, ParametersAreReadInOrderWithTheirRawValues) {
                  R"({"z":"new","a":"again","d":"1.5","b":"false","o":"{\"x\":[1]}"})");
 }
 
+TEST(JSONMessageBuilderTest, ItemsOfAnArrayAreNoParameters) {
+    vxtest::Reports theReports;
+    const vxJSONMessageBuilder theBuilder(
+        R"({"function_name":"f","status":"true","parameters":["x",{"a":"1"}]})");
+    EXPECT_THAT(theReports.LogTexts(), ElementsAre(kParameters));
+    EXPECT_TRUE(theBuilder.GetStatus());
+    EXPECT_STREQ(vxJSONDocument(theBuilder.ToJSON())["parameters"].ToString(false), "{}");
+}
+
+TEST(JSONMessageBuilderTest, NamesOfParametersAreNoPaths) {
+    vxJSONMessageBuilder theBuilder;
+    for (const char* theKey : {"a.b", "[0]", "$", "a[1]", "", "sl/ash\"", "$[0]", "a.b.c"}) {
+        theBuilder.AddParameter(theKey, theKey);
+    }
+    const vxCString theText = theBuilder.ToJSON();
+    EXPECT_STREQ(vxJSONDocument(theText)["parameters"].ToString(false),
+                 R"({"a.b":"a.b","[0]":"[0]","$":"$","a[1]":"a[1]","":"",)"
+                 R"("sl/ash\"":"sl/ash\"","$[0]":"$[0]","a.b.c":"a.b.c"})");
+    const vxJSONMessageBuilder theAgain(theText);
+    for (const char* theKey : {"a.b", "[0]", "$", "a[1]", "", "sl/ash\"", "$[0]", "a.b.c"}) {
+        EXPECT_STREQ(theAgain.GetParameter(theKey), theKey);
+    }
+}
+
 TEST(JSONMessageBuilderTest, TheStatusIsComparedInItsCase) {
     EXPECT_FALSE(vxJSONMessageBuilder(R"({"status": "True"})").GetStatus());
     EXPECT_TRUE(vxJSONMessageBuilder(R"({"status": "true"})").GetStatus());
+    EXPECT_FALSE(vxJSONMessageBuilder(R"({"status": "true "})").GetStatus());
+    EXPECT_FALSE(vxJSONMessageBuilder(R"({"status": "false"})").GetStatus());
 }
 
 TEST(JSONMessageBuilderTest, ReadingGoesOnAfterAnErrorAndKeepsParameters) {

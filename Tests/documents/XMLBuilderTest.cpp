@@ -206,6 +206,60 @@ TEST(XMLBuilderTest, EscapeAndAddLeavesAnOpenStartTagOpen) {
     EXPECT_STREQ(theBuilder.TakeXML(), "<a k=>");
 }
 
+TEST(XMLBuilderTest, EscapeAndAddEscapesAsEscapeDoesBehindWhatIsThere) {
+    vxXMLBuilder theBuilder(0);
+    theBuilder.AddRaw("12345");
+    theBuilder.EscapeAndAdd("a<bc", 4, 5, false);  // the limit counts what is added
+    theBuilder.AddRaw("|");
+    theBuilder.EscapeAndAdd("a<bc", 4, 6, true);
+    theBuilder.AddRaw("|");
+    theBuilder.EscapeAndAdd("a'bc", 3, 0, true);
+    theBuilder.AddRaw("|");
+    theBuilder.EscapeAndAdd(NULL, 3, 0, false);
+    EXPECT_STREQ(theBuilder.TakeXML(), "12345a&lt;|a|a&amp;apos;b|");
+    EXPECT_STREQ(vxXMLBuilder::Escape(NULL, 3, 0, false), "");
+}
+
+TEST(XMLBuilderTest, NullTextsAreEmptyEverywhere) {
+    vxXMLBuilder theBuilder(0);
+    theBuilder.StartTag(NULL);
+    theBuilder.AddAttribute(NULL, NULL);
+    theBuilder.AddUInt32Attribute(NULL, 0);
+    theBuilder.AddText(static_cast<const char*>(NULL));
+    theBuilder.AddRaw(NULL);
+    theBuilder.AddTag(NULL, NULL, 0, false);
+    theBuilder.AddRawTag(NULL, NULL, 3);
+    theBuilder.AddEmptyTag(NULL);
+    theBuilder.AddStartTag(NULL, true);
+    theBuilder.AddEndTag(NULL);
+    theBuilder.EndTag();
+    EXPECT_STREQ(theBuilder.TakeXML(),
+                 "< =\"\" =\"0\">"
+                 "</>"
+                 "<></>"
+                 "</>"
+                 "<></>"
+                 "</>");
+}
+
+TEST(XMLBuilderTest, NumbersAndRawBytesCloseAPendingStartTagThemselves) {
+    vxXMLBuilder theBuilder(0);
+    theBuilder.StartTag("a");
+    theBuilder.AddUInt32Tag("n", 4294967295U);
+    theBuilder.StartTag("b");
+    theBuilder.AddRawTag("r", "&amp;", 5);
+    theBuilder.EndTag();
+    theBuilder.EndTag();
+    EXPECT_STREQ(theBuilder.TakeXML(), "<a><n>4294967295</n><b><r>&amp;</r></b></a>");
+}
+
+TEST(XMLBuilderTest, ATextOfAStringIsAddedWithAllItsBytes) {
+    vxXMLBuilder theBuilder(0);
+    theBuilder.AddText(vxCString("a<\0>b", 5));
+    const vxCString theXML = theBuilder.TakeXML();
+    EXPECT_EQ(std::string(theXML.c_str(), 11), std::string("a&lt;\0&gt;b", 11));
+}
+
 TEST(XMLBuilderTest, AttributesWithoutAStartTagAreReported) {
     vxtest::Reports theReports;
     vxXMLBuilder theBuilder(0);

@@ -110,6 +110,20 @@ TEST(XMLTest, UnknownNodesAreReportedAndLeftOut) {
     theNode.AddChild(Element("b"));
     EXPECT_EQ(Saved(theNode), "<a>\n  \n  <b/>\n</a>\n");
     EXPECT_THAT(theReports.Assertions(), ElementsAre("Unsupported node type"));
+    EXPECT_EQ(Saved(vxXMLNode()), "\n");
+}
+
+TEST(XMLTest, ChildrenOfWhatIsNoElementAreNotWritten) {
+    vxtest::Reports theReports;
+    vxXMLNode theTop(vxXMLNodeType_Element, "a", "unused");
+    for (const vxXMLNodeType theType :
+         {vxXMLNodeType_Text, vxXMLNodeType_Comment, vxXMLNodeType_Unknown}) {
+        vxXMLNode* theNode = new vxXMLNode(theType, "text", "t");
+        theNode->AddProperty("k", "v");
+        theNode->AddChild(Element("hidden"));
+        theTop.AddChild(theNode);
+    }
+    EXPECT_EQ(Saved(theTop), "<a>t\n  <!--t-->\n  \n</a>\n");
 }
 
 TEST(XMLTest, TheFirstFailingPieceStopsTheWriter) {
@@ -258,8 +272,10 @@ TEST(XMLTest, ANextSiblingKeepsTheOldFirstChildBehind) {
     theParent.AddChild(Element("old"));
     new vxXMLNode(&theParent, vxXMLNodeType_Element, "one", "", NULL, theParent.GetChildren());
     EXPECT_EQ(Saved(theParent), "<p>\n  <one/>\n  <old/>\n</p>\n");
-    new vxXMLNode(&theParent, vxXMLNodeType_Element, "two", "", NULL, Element("sibling"));
+    vxXMLNode* theSibling = Element("sibling");
+    new vxXMLNode(&theParent, vxXMLNodeType_Element, "two", "", NULL, theSibling);
     EXPECT_EQ(Saved(theParent), "<p>\n  <two/>\n  <sibling/>\n  <one/>\n  <old/>\n</p>\n");
+    EXPECT_EQ(theSibling->GetParent(), &theParent);
 }
 
 TEST(XMLTest, CopiesAreDeepAndDetached) {
@@ -282,10 +298,67 @@ TEST(XMLTest, CopiesAreDeepAndDetached) {
     EXPECT_EQ(Saved(*theTree), kTree);
 }
 
+TEST(XMLTest, AssignmentTakesEverythingOfTheSourceButItsPlace) {
+    int theData = 0;
+    vxXMLNode theSource(vxXMLNodeType_Comment, "comment", "words");
+    theSource.AddProperty("k", "v");
+    theSource.AddProperty("l", "w");
+    theSource.SetUserData(&theData);
+    vxXMLNode theParent(vxXMLNodeType_Element, "p", "");
+    vxXMLNode* theTarget = Element("old", "gone");
+    theTarget->AddProperty("gone", "x");
+    theParent.AddChild(theTarget);
+    theParent.AddChild(Element("next"));
+    *theTarget = theSource;
+    EXPECT_EQ(theTarget->GetType(), vxXMLNodeType_Comment);
+    EXPECT_STREQ(theTarget->GetName(), "comment");
+    EXPECT_STREQ(theTarget->GetContent(), "words");
+    EXPECT_EQ(theTarget->GetUserData(), &theData);
+    EXPECT_FALSE(theTarget->HasProperty("gone"));
+    ASSERT_NE(theTarget->GetProperties(), nullptr);
+    EXPECT_STREQ(theTarget->GetProperties()->GetName(), "k");
+    EXPECT_STREQ(theTarget->GetProperties()->GetNext()->GetValue(), "w");
+    EXPECT_NE(theTarget->GetProperties(), theSource.GetProperties());
+    EXPECT_EQ(Saved(theParent), "<p>\n  <!--words-->\n  <next/>\n</p>\n");
+    const vxXMLNode& theSame = *theTarget;
+    *theTarget = theSame;
+    EXPECT_STREQ(theTarget->GetPropertyValue("l", ""), "w");
+}
+
 TEST(XMLTest, ANodeCanBeAssignedFromItsOwnChild) {
     std::unique_ptr<vxXMLNode> theTree(MakeTree());
     *theTree = *theTree->GetChild("c");
     EXPECT_EQ(Saved(*theTree), "<c>t</c>\n");
+}
+
+TEST(XMLTest, AddedChildrenGoToTheEndOfTheirNewParent) {
+    vxXMLNode theOld(vxXMLNodeType_Element, "old", "");
+    vxXMLNode* theNode = Element("moved");
+    theOld.AddChild(theNode);
+    theOld.AddChild(Element("left"));
+    const std::unique_ptr<vxXMLNode> theSibling(Element("sibling"));
+    vxXMLNode theParent(vxXMLNodeType_Element, "p", "");
+    theParent.AddChild(Element("first"));
+    vxXMLNode* theChained =
+        new vxXMLNode(NULL, vxXMLNodeType_Element, "chained", "text", NULL, theSibling.get());
+    EXPECT_EQ(theChained->GetParent(), nullptr);
+    EXPECT_EQ(theChained->GetNext(), theSibling.get());
+    EXPECT_STREQ(theChained->GetContent(), "text");
+    theParent.AddChild(theChained);
+    EXPECT_EQ(theChained->GetNext(), nullptr);
+    EXPECT_EQ(theChained->GetParent(), &theParent);
+    EXPECT_TRUE(theOld.RemoveChild(theNode));
+    theParent.AddChild(theNode);
+    EXPECT_EQ(Saved(theOld), "<old>\n  <left/>\n</old>\n");
+    EXPECT_EQ(Saved(theParent), "<p>\n  <first/>\n  <chained>text</chained>\n  <moved/>\n</p>\n");
+    EXPECT_FALSE(theOld.RemoveChild(theNode));
+}
+
+TEST(XMLTest, OnlyDirectChildrenAreRemoved) {
+    const std::unique_ptr<vxXMLNode> theTree(MakeTree());
+    EXPECT_FALSE(theTree->RemoveChild(theTree->GetChildren()->GetChildren()));
+    EXPECT_FALSE(theTree->RemoveChild(NULL));
+    EXPECT_EQ(Saved(*theTree), kTree);
 }
 
 TEST(XMLTest, ChildrenAreInsertedBeforeAChildOnly) {
@@ -295,6 +368,11 @@ TEST(XMLTest, ChildrenAreInsertedBeforeAChildOnly) {
     theParent.AddChild(theLast);
     theParent.InsertChild(Element("first"), theLast);
     EXPECT_EQ(Saved(theParent), "<p>\n  <first/>\n  <last/>\n</p>\n");
+    EXPECT_EQ(theParent.GetChildren()->GetParent(), &theParent);
+    vxXMLNode* theMiddle = Element("middle");
+    theParent.InsertChild(theMiddle, theLast);
+    EXPECT_EQ(theMiddle->GetParent(), &theParent);
+    EXPECT_EQ(Saved(theParent), "<p>\n  <first/>\n  <middle/>\n  <last/>\n</p>\n");
     EXPECT_THAT(theReports.Assertions(), IsEmpty());
     const std::unique_ptr<vxXMLNode> theStray(Element("stray"));
     const std::unique_ptr<vxXMLNode> theOther(Element("other"));
@@ -375,6 +453,52 @@ TEST(XMLTest, PathsFindTheFirstChildOfEachNameInAnyCase) {
     EXPECT_STREQ(theTree->GetTextContent("none"), "none");
 }
 
+TEST(XMLTest, AnEmptyTextIsATextAndAnElementsOwnContentIsNone) {
+    vxXMLNode theNode(vxXMLNodeType_Element, "e", "own");
+    EXPECT_STREQ(theNode.GetTextContent("none"), "none");
+    EXPECT_STREQ(theNode.GetTextContent(), "");
+    vxXMLNode* theChild = Element("c");
+    theChild->AddChild(Text(""));
+    theNode.AddChild(theChild);
+    EXPECT_STREQ(theChild->GetTextContent("none"), "");
+    EXPECT_STREQ(theNode.GetChildNodeText("c", "none"), "");
+    EXPECT_STREQ(theNode.GetChildNodeText("", "none"), "none");
+    // What counts is the name: any node that is called so holds the text.
+    vxXMLNode theOther(vxXMLNodeType_Element, "e", "");
+    theOther.AddChild(new vxXMLNode(vxXMLNodeType_Text, "note", "other"));
+    theOther.AddChild(Element("Text", "found"));
+    EXPECT_STREQ(theOther.GetTextContent("none"), "found");
+}
+
+TEST(XMLTest, TextContentIsADecimalNumberOf32BitsAsAWhole) {
+    struct Case {
+        const char* mText;
+        bool mfGood;
+        int32_t mValue;
+    };
+    constexpr Case kCases[] = {
+        {"2147483647", true, 2147483647},
+        {"-2147483648", true, -2147483647 - 1},
+        {"+7", true, 7},
+        {"010", true, 10},
+        {"2147483648", false, 55},
+        {"-2147483649", false, 55},
+        {"0x10", false, 55},
+        {" 1", false, 55},
+        {"1 ", false, 55},
+        {"1.0", false, 55},
+        {"", false, 55},
+    };
+    for (const Case& theCase : kCases) {
+        SCOPED_TRACE(theCase.mText);
+        vxXMLNode theNode(vxXMLNodeType_Element, "e", "");
+        theNode.AddChild(Text(theCase.mText));
+        int32_t theValue = 55;
+        EXPECT_EQ(theNode.GetTextContentValue(&theValue), theCase.mfGood);
+        EXPECT_EQ(theValue, theCase.mValue);
+    }
+}
+
 TEST(XMLTest, TextContentReadsAsNumbersAndBooleans) {
     struct Case {
         const char* mText;
@@ -447,6 +571,34 @@ TEST(XMLTest, SearchLooksAtChildrenBeforeTheirSubtrees) {
     EXPECT_STREQ(theRoot.FindChild(thePredicate, theHit)->GetContent(), "shallow");
     EXPECT_STREQ(theFirst->FindChild(thePredicate, theHit)->GetContent(), "deep");
     EXPECT_EQ(theRoot.FindChild(thePredicate, theNone), nullptr);
+    char theRootName[] = "r";
+    EXPECT_EQ(theRoot.FindChild(thePredicate, theRootName), nullptr);
+}
+
+TEST(XMLTest, SearchOfASubtreeEndsBeforeTheNextOne) {
+    // Each node is asked once: all children first, then the subtrees from the first to the last.
+    vxXMLNode theRoot(vxXMLNodeType_Element, "r", "");
+    for (const char* theName : {"a", "b"}) {
+        vxXMLNode* theChild = Element(theName);
+        theChild->AddChild(Element((std::string(theName) + "1").c_str()));
+        theChild->AddChild(Element((std::string(theName) + "2").c_str()));
+        theChild->GetChildren()->AddChild(Element((std::string(theName) + "11").c_str()));
+        theRoot.AddChild(theChild);
+    }
+    const auto theAsked = [](const vxXMLNode& aTop) {
+        std::string theNames;
+        EXPECT_EQ(aTop.FindChild(
+                      [](const vxXMLNode* aNode, void* aContext) {
+                          *static_cast<std::string*>(aContext) += aNode->GetName() + " ";
+                          return false;
+                      },
+                      &theNames),
+                  nullptr);
+        return theNames;
+    };
+    EXPECT_EQ(theAsked(theRoot), "a b a1 a2 a11 b1 b2 b11 ");
+    EXPECT_EQ(theAsked(*theRoot.GetChildren()), "a1 a2 a11 ");
+    EXPECT_EQ(theAsked(*theRoot.GetChildren()->GetChildren()->GetNext()), "");
 }
 
 TEST(XMLTest, DocumentsWriteADeclarationWhenWanted) {
@@ -467,6 +619,9 @@ TEST(XMLTest, DocumentsWriteADeclarationWhenWanted) {
     };
     EXPECT_EQ(theSaved(true), "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<r/>\n");
     EXPECT_EQ(theSaved(false), "<r/>\n");
+    theDocument.SetVersion("1.1");
+    theDocument.SetRoot(theDocument.GetRoot());
+    EXPECT_EQ(theSaved(true), "<?xml version=\"1.1\" encoding=\"utf-8\"?>\n<r/>\n");
 }
 
 TEST(XMLTest, ADocumentWithoutARootWritesNothingAndFails) {
@@ -484,6 +639,7 @@ TEST(XMLTest, ADocumentWithoutARootWritesNothingAndFails) {
 TEST(XMLTest, DocumentsAreCopiedWhole) {
     vxXMLDocument theDocument;
     theDocument.SetRoot(MakeTree());
+    theDocument.SetVersion("1.1");
     const std::unique_ptr<vxXMLDocument> theClone(theDocument.Clone());
     vxXMLDocument theTarget;
     theTarget.SetRoot(Element("old"));
@@ -497,6 +653,14 @@ TEST(XMLTest, DocumentsAreCopiedWhole) {
     EXPECT_EQ(Saved(*theCopy.GetRoot()), kTree);
     EXPECT_EQ(Saved(*theClone->GetRoot()), kTree);
     EXPECT_EQ(Saved(*theTarget.GetRoot()), kTree);
+    for (const vxXMLDocument* theOne :
+         {&theCopy, static_cast<const vxXMLDocument*>(theClone.get()), &theSame}) {
+        EXPECT_STREQ(theOne->GetVersion(), "1.1");
+        EXPECT_STREQ(theOne->GetContentEncoding(), "utf-8");
+    }
+    theTarget = vxXMLDocument();
+    EXPECT_FALSE(theTarget.IsOk());
+    EXPECT_STREQ(theTarget.GetVersion(), "1.0");
 }
 
 TEST(XMLTest, DocumentsAreSavedIntoFiles) {
@@ -504,14 +668,15 @@ TEST(XMLTest, DocumentsAreSavedIntoFiles) {
     theDocument.SetRoot(MakeTree());
     const vxtest::TempDir theDir;
     const std::string thePath = theDir / "file.xml";
-    EXPECT_TRUE(theDocument.Save(vxCString(thePath.c_str()), true));
-    EXPECT_TRUE(theDocument.Save(vxCString(thePath.c_str()), false));
     const auto theSaved = [&thePath] {
         vxFile theFile(thePath.c_str(), vxFileOpenMode_Read);
         char theText[200] = {};
         theFile.Read(theText, sizeof(theText) - 1);
         return std::string(theText);
     };
+    EXPECT_TRUE(theDocument.Save(vxCString(thePath.c_str()), true));
+    EXPECT_EQ(theSaved(), std::string("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n") + kTree);
+    EXPECT_TRUE(theDocument.Save(vxCString(thePath.c_str()), false));
     EXPECT_EQ(theSaved(), kTree);
     {
         vxFile theOpen(thePath.c_str(), vxFileOpenMode_Write | vxFileOpenMode_Append);
