@@ -6,10 +6,12 @@
 #include <string>
 
 #include "support/ExactText.h"
+#include "support/OwnedList.h"
 #include "support/Reports.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using vxtest::OwnedList;
 
 namespace {
 
@@ -49,19 +51,6 @@ private:
     }
 };
 
-/// A property list that is let go of at the end.
-class List {
-public:
-    explicit List(vxPropertyList* aList = vxPropertyList_New()) : mList(aList) {}
-    ~List() { vxPropertyList_Delete(mList); }
-    List(const List&) = delete;
-    List& operator=(const List&) = delete;
-    operator vxPropertyList*() const { return mList; }
-
-private:
-    vxPropertyList* mList;
-};
-
 std::string Written(vxPropertyList* aList, bool afHuman = false) {
     vxJSONFormatter theFormatter;
     theFormatter.SetHuman(afHuman);
@@ -87,21 +76,21 @@ std::string Repeated(const char* aText, int aCount) {
 // Writing
 
 TEST(SerializeTest, AListOfOneNumberIsOneLineWithATrailingComma) {
-    const List theList;
+    const OwnedList theList;
     vxPropertyList_Set_uint32(theList, "a", 5);
     EXPECT_EQ(Written(theList), "{\"a\":5,}");
     EXPECT_EQ(Written(theList, true), "\n{\n    \"a\": 5,\n}");
 }
 
 TEST(SerializeTest, AnEmptyListIsACommaInBraces) {
-    const List theList;
+    const OwnedList theList;
     EXPECT_EQ(Written(theList), "{,}");
     EXPECT_EQ(Written(theList, true), "\n{,\n}");
     EXPECT_EQ(Written(NULL), "{,}");
 }
 
 TEST(SerializeTest, SeveralValuesHaveNoSeparator) {
-    const List theList;
+    const OwnedList theList;
     vxProperty* theProperty = vxPropertyList_Add(theList, "a");
     vxProperty_Set_uint32(theProperty, 0, 1);
     vxProperty_Set_uint32(theProperty, 1, 2);
@@ -395,7 +384,7 @@ void FillWithEveryType(vxPropertyList* aList) {
 }
 
 TEST(SerializeTest, EveryTypeHasItsEventAndPackedDataAreTextToTheStaticWalker) {
-    const List theList;
+    const OwnedList theList;
     FillWithEveryType(theList);
     Recorder theRecorder;
     EXPECT_EQ(vxPropertyListFormatter::Serialize(theList, theRecorder), 0);
@@ -405,7 +394,7 @@ TEST(SerializeTest, EveryTypeHasItsEventAndPackedDataAreTextToTheStaticWalker) {
 }
 
 TEST(SerializeTest, PackedDataAreNullToTheOtherWalker) {
-    const List theList;
+    const OwnedList theList;
     FillWithEveryType(theList);
     Recorder theRecorder;
     EXPECT_EQ(vxPropertyListSerializer().Serialize(theList, theRecorder), 0);
@@ -415,15 +404,15 @@ TEST(SerializeTest, PackedDataAreNullToTheOtherWalker) {
 }
 
 TEST(SerializeTest, APropertyWithoutValuesIsNull) {
-    const List theList;
+    const OwnedList theList;
     vxPropertyList_Add(theList, "a");
     EXPECT_EQ(Written(theList), "{\"a\":null,}");
 }
 
 TEST(SerializeTest, AListAsAValueIsReportedAndNull) {
     vxtest::Reports theReports;
-    const List theList;
-    const List theInner;
+    const OwnedList theList;
+    const OwnedList theInner;
     vxProperty_Set_propertyList(vxPropertyList_Add(theList, "a"), 0, theInner);
     EXPECT_EQ(Written(theList), "{\"a\":null,}");
     ASSERT_EQ(theReports.AssertionReports().size(), 1U);
@@ -432,7 +421,7 @@ TEST(SerializeTest, AListAsAValueIsReportedAndNull) {
 }
 
 TEST(SerializeTest, TheFirstStatusEndsTheWalkAtEveryEvent) {
-    const List theList;
+    const OwnedList theList;
     vxProperty* theProperty = vxPropertyList_Add(theList, "a");
     vxProperty_Set_uint32(theProperty, 0, 1);
     vxProperty_Set_uint32(theProperty, 1, 2);
@@ -744,7 +733,7 @@ TEST(SerializeTest, EventsBecomePropertiesOfTheirTypes) {
                                      "'c':false,'n':null,'a':[1,'y',[2]],'e':[]}",
                                      theBuilder),
               0);
-    const List theList(theBuilder.TakePropertyList());
+    const OwnedList theList(theBuilder.TakePropertyList());
     const auto theFirst = [&theList](const char* aName) {
         return vxProperty_GetAt(vxPropertyList_Find(theList, aName), 0);
     };
@@ -780,7 +769,7 @@ TEST(SerializeTest, OtherNumbersAndWideTextsGoTheSameWays) {
     EXPECT_EQ(theBuilder.String(L"\u20AC", false), 0);
     EXPECT_EQ(theBuilder.Identifier("id"), 0);
     EXPECT_EQ(theBuilder.MapEnd(), 0);
-    const List theList(theBuilder.TakePropertyList());
+    const OwnedList theList(theBuilder.TakePropertyList());
     vxProperty* theProperty = vxPropertyList_Find(theList, "a");
     EXPECT_EQ(vxData_Get_uint64(vxProperty_GetAt(theProperty, 0)), 18446744073709551614U);
     EXPECT_STREQ(vxData_Get_charPtr(vxProperty_GetAt(theProperty, 1)), "\xE2\x82\xAC");
@@ -790,7 +779,7 @@ TEST(SerializeTest, OtherNumbersAndWideTextsGoTheSameWays) {
 TEST(SerializeTest, NestedMapsAreListsAndFillingGoesOnBehindThem) {
     vxPropertyListFormatter theBuilder;
     EXPECT_EQ(vxJSONFormatter::Parse("{'a':[{'b':{'c':1}},2,{}],'d':3}", theBuilder), 0);
-    const List theList(theBuilder.TakePropertyList());
+    const OwnedList theList(theBuilder.TakePropertyList());
     vxProperty* theArray = vxPropertyList_Find(theList, "a");
     ASSERT_EQ(vxProperty_GetCount(theArray), 3U);
     vxPropertyList* theInner = vxData_Get_propertyList(vxProperty_GetAt(theArray, 0));
@@ -808,19 +797,19 @@ TEST(SerializeTest, NestedMapsAreListsAndFillingGoesOnBehindThem) {
 TEST(SerializeTest, AKeyThatComesAgainReplacesTheValues) {
     vxPropertyListFormatter theBuilder;
     EXPECT_EQ(vxJSONFormatter::Parse("{'a':[1,2],'b':3,'a':'x'}", theBuilder), 0);
-    const List theList(theBuilder.TakePropertyList());
+    const OwnedList theList(theBuilder.TakePropertyList());
     EXPECT_EQ(Written(theList), "{\"a\":\"x\",\"b\":3,}");
 }
 
 TEST(SerializeTest, WhatIsWrittenIsReadBack) {
-    const List theList;
+    const OwnedList theList;
     vxPropertyList_Set_uint32(theList, "number", 5);
     vxPropertyList_Set_charPtr(theList, "text/", "a\"\\/\b\n\r\t\f\x01\xC3\xA9'");
     for (const bool theHuman : {false, true}) {
         const std::string theText = Written(theList, theHuman);
         vxPropertyListFormatter theBuilder;
         EXPECT_EQ(vxJSONFormatter::Parse(theText.c_str(), theBuilder), 0);
-        const List theCopy(theBuilder.TakePropertyList());
+        const OwnedList theCopy(theBuilder.TakePropertyList());
         EXPECT_EQ(Written(theCopy, theHuman), theText);
         EXPECT_STREQ(vxPropertyList_Get_charPtr(theCopy, "text/"), "a\"\\/\b\n\r\t\f\x01\xC3\xA9'");
     }
@@ -834,7 +823,7 @@ TEST(SerializeTest, ValuesOutsideAPropertyAreRefused) {
     EXPECT_EQ(vxJSONFormatter::Parse("[1]", theBuilder), -1);
     EXPECT_EQ(theBuilder.TakePropertyList(), nullptr);
     EXPECT_EQ(vxJSONFormatter::Parse("[{'a':1},{}]", theBuilder), -1);
-    const List theList(theBuilder.TakePropertyList());
+    const OwnedList theList(theBuilder.TakePropertyList());
     EXPECT_EQ(Written(theList), "{\"a\":1,}");
     EXPECT_EQ(theBuilder.TakePropertyList(), nullptr);
 }
@@ -842,12 +831,12 @@ TEST(SerializeTest, ValuesOutsideAPropertyAreRefused) {
 TEST(SerializeTest, AnUnfinishedListCanBeTakenFromTheOutside) {
     vxPropertyListFormatter theBuilder;
     EXPECT_EQ(vxJSONFormatter::Parse("{'a':1,'b':{'c':2", theBuilder), 3);
-    const List theList(theBuilder.TakePropertyList());
+    const OwnedList theList(theBuilder.TakePropertyList());
     EXPECT_EQ(vxPropertyList_GetCount(theList), 2U);
     EXPECT_EQ(vxJSONFormatter::Parse("{'a':{'b':", theBuilder), 3);
     theBuilder.Reset();
     EXPECT_EQ(vxJSONFormatter::Parse("{}", theBuilder), 0);
-    const List theEmpty(theBuilder.TakePropertyList());
+    const OwnedList theEmpty(theBuilder.TakePropertyList());
     EXPECT_EQ(vxPropertyList_GetCount(theEmpty), 0U);
 }
 
@@ -863,7 +852,7 @@ TEST(SerializeTest, EventsMayNestDeeperThanTheReader) {
     }
     EXPECT_EQ(theBuilder.MapKey("b", false), 0);
     EXPECT_EQ(theBuilder.U32(1), 0);
-    const List theList(theBuilder.TakePropertyList());
+    const OwnedList theList(theBuilder.TakePropertyList());
     EXPECT_EQ(vxPropertyList_GetCount(theList), 2U);
 }
 

@@ -5,25 +5,14 @@
 
 #include <string>
 
+#include "support/OwnedList.h"
 #include "support/Reports.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using vxtest::OwnedList;
 
 namespace {
-
-/// A property list that is let go of at the end.
-class List {
-public:
-    explicit List(vxPropertyList* aList = vxPropertyList_New()) : mList(aList) {}
-    ~List() { vxPropertyList_Delete(mList); }
-    List(const List&) = delete;
-    List& operator=(const List&) = delete;
-    operator vxPropertyList*() const { return mList; }
-
-private:
-    vxPropertyList* mList;
-};
 
 void AddPacked(vxPropertyList* aList, const char* aName, const std::string& aBytes) {
     vxProperty* theProperty = vxPropertyList_Add(aList, aName);
@@ -45,7 +34,7 @@ std::string BytesOf(const vxData* aValue) {
 }
 
 TEST(MediaInfoSerializerTest, AListIsOneCompactObjectWithQuotedKeys) {
-    List theList;
+    OwnedList theList;
     vxPropertyList_Set_charPtr(theList, "ti", "Blue \"Sky\"");
     vxPropertyList_Set_uint32(theList, "du", 217000);
     EXPECT_STREQ(vxMediaInfoSerializer::Serialize(theList),
@@ -54,7 +43,7 @@ TEST(MediaInfoSerializerTest, AListIsOneCompactObjectWithQuotedKeys) {
 
 TEST(MediaInfoSerializerTest, AnEmptyListIsAnEmptyObjectAndNoListNoText) {
     vxtest::Reports theReports;
-    EXPECT_STREQ(vxMediaInfoSerializer::Serialize(List()), "{,}");
+    EXPECT_STREQ(vxMediaInfoSerializer::Serialize(OwnedList()), "{,}");
     EXPECT_STREQ(vxMediaInfoSerializer::Serialize(NULL), "");
     EXPECT_THAT(theReports.LogTexts(), IsEmpty());
 }
@@ -71,7 +60,7 @@ TEST(MediaInfoSerializerTest, KeysAreAlwaysQuoted) {
 }
 
 TEST(MediaInfoSerializerTest, ValuesOfOtherTypesAreWrittenAsForOtherLists) {
-    List theList;
+    OwnedList theList;
     vxProperty* theProperty = vxPropertyList_Add(theList, "xx");
     vxProperty_Set_uint32(theProperty, 0, 4294967295U);
     vxProperty_Set_double(theProperty, 1, 1.5);
@@ -87,7 +76,7 @@ TEST(MediaInfoSerializerTest, ValuesOfOtherTypesAreWrittenAsForOtherLists) {
 }
 
 TEST(MediaInfoSerializerTest, PackedDataAreWrittenAsEscapedText) {
-    List theList;
+    OwnedList theList;
     AddPacked(theList, "md", std::string("a%b\0\x01\"'\\\x7F\xFF/", 11));
     AddPacked(theList, "rd", "plain");
     AddPacked(theList, "xe", "%");
@@ -96,7 +85,7 @@ TEST(MediaInfoSerializerTest, PackedDataAreWrittenAsEscapedText) {
 }
 
 TEST(MediaInfoSerializerTest, EmptyPackedDataAreAnEmptyText) {
-    List theList;
+    OwnedList theList;
     AddPacked(theList, "md", "");
     EXPECT_STREQ(vxMediaInfoSerializer::Serialize(theList), R"({"md":"",})");
 }
@@ -109,9 +98,9 @@ TEST(MediaInfoSerializerTest, EveryByteOfPackedDataSurvives) {
     theBytes += "%00%zz%%";
     for (const char* theName : {"md", "rd"}) {
         SCOPED_TRACE(theName);
-        List theList;
+        OwnedList theList;
         AddPacked(theList, theName, theBytes);
-        const List theCopy(
+        const OwnedList theCopy(
             vxMediaInfoSerializer::Deserialize(vxMediaInfoSerializer::Serialize(theList)));
         EXPECT_EQ(vxPropertyList_GetCount(theCopy), 1U);
         EXPECT_EQ(BytesOf(ValueOf(theCopy, theName)), theBytes);
@@ -120,7 +109,7 @@ TEST(MediaInfoSerializerTest, EveryByteOfPackedDataSurvives) {
 
 TEST(MediaInfoSerializerTest, TheListReadHasTheTypesOfTheText) {
     vxtest::Reports theReports;
-    const List theList(vxMediaInfoSerializer::Deserialize(
+    const OwnedList theList(vxMediaInfoSerializer::Deserialize(
         R"({"ti":"Blue","du":217000,"fs":5000000000,"fr":23.976,"lv":true,"ud":null,"xe":"a%25"})"));
     ASSERT_NE(static_cast<vxPropertyList*>(theList), nullptr);
     EXPECT_EQ(vxPropertyList_GetCount(theList), 7U);
@@ -138,7 +127,7 @@ TEST(MediaInfoSerializerTest, TheListReadHasTheTypesOfTheText) {
 }
 
 TEST(MediaInfoSerializerTest, TextsOfTheTwoKeysBecomePackedDataOneByOne) {
-    const List theList(vxMediaInfoSerializer::Deserialize(
+    const OwnedList theList(vxMediaInfoSerializer::Deserialize(
         R"({"md":["a%00b","","%","c%2"],"rd":"%41","mdx":"%41"})"));
     const vxProperty* theProperty = vxPropertyList_Find(theList, "md");
     ASSERT_EQ(vxProperty_GetCount(theProperty), 4U);
@@ -159,7 +148,7 @@ TEST(MediaInfoSerializerTest, WideTextsAndNumbersOfTheTwoKeysAreReadToo) {
     EXPECT_EQ(theBuilder.U32(5), 0);
     EXPECT_EQ(theBuilder.Identifier("id"), 0);
     EXPECT_EQ(theBuilder.MapEnd(), 0);
-    const List theList(theBuilder.TakePropertyList());
+    const OwnedList theList(theBuilder.TakePropertyList());
     EXPECT_EQ(BytesOf(ValueOf(theList, "md", 0)), "A\xC3\xA9");
     EXPECT_EQ(vxData_Get_uint32(ValueOf(theList, "md", 1)), 5U);
     EXPECT_EQ(BytesOf(ValueOf(theList, "md", 2)), "id");
@@ -180,7 +169,7 @@ TEST(MediaInfoSerializerTest, AnEmptyTextGivesNoListAndNoRecord) {
 
 TEST(MediaInfoSerializerTest, ABrokenTextIsLoggedAndGivesTheListBuiltSoFar) {
     vxtest::Reports theReports;
-    const List theList(vxMediaInfoSerializer::Deserialize(R"({"ti":"Blue","du":)"));
+    const OwnedList theList(vxMediaInfoSerializer::Deserialize(R"({"ti":"Blue","du":)"));
     EXPECT_EQ(vxPropertyList_GetCount(theList), 2U);
     EXPECT_STREQ(vxPropertyList_Get_charPtr(theList, "ti"), "Blue");
     EXPECT_EQ(vxProperty_GetCount(vxPropertyList_Find(theList, "du")), 0U);

@@ -10,23 +10,13 @@
 #include <thread>
 #include <vector>
 
+#include "support/OwnedList.h"
 #include "support/SmallStack.h"
 
 using testing::ElementsAre;
+using vxtest::OwnedList;
 
 namespace {
-
-class List {
-public:
-    List() : mList(vxPropertyList_New()) {}
-    ~List() { vxPropertyList_Delete(mList); }
-    List(const List&) = delete;
-    List& operator=(const List&) = delete;
-    operator vxPropertyList*() const { return mList; }
-
-private:
-    vxPropertyList* mList;
-};
 
 std::vector<std::string> Names(const vxPropertyList* aList) {
     std::vector<std::string> theNames;
@@ -52,7 +42,7 @@ TEST(PropertyListTest, DataTypesHaveTheNumbersThatProgramsStore) {
 }
 
 TEST(PropertyListTest, NumbersAndTextsAreFoundByName) {
-    const List theList;
+    const OwnedList theList;
     EXPECT_TRUE(vxPropertyList_Set_uint32(theList, "size", 4294967295u));
     EXPECT_TRUE(vxPropertyList_Set_charPtr(theList, "title", "Song"));
     EXPECT_TRUE(vxPropertyList_Set_charPtr(theList, "none", nullptr));
@@ -65,7 +55,7 @@ TEST(PropertyListTest, NumbersAndTextsAreFoundByName) {
 }
 
 TEST(PropertyListTest, AWrongTypeOrNameLeavesTheTargetAlone) {
-    const List theList;
+    const OwnedList theList;
     vxPropertyList_Set_charPtr(theList, "text", "1");
     vxPropertyList_Set_uint32(theList, "number", 1);
     vxPropertyList_Add(theList, "empty");
@@ -81,7 +71,7 @@ TEST(PropertyListTest, AWrongTypeOrNameLeavesTheTargetAlone) {
 }
 
 TEST(PropertyListTest, SettingReplacesAllValuesAndKeepsThePlace) {
-    const List theList;
+    const OwnedList theList;
     vxPropertyList_Set_uint32(theList, "a", 1);
     vxPropertyList_Set_charPtr(theList, "b", "two");
     vxProperty_Set_uint32(vxPropertyList_Find(theList, "a"), 1, 2);
@@ -97,7 +87,7 @@ TEST(PropertyListTest, SettingReplacesAllValuesAndKeepsThePlace) {
 }
 
 TEST(PropertyListTest, PropertiesKeepTheirOrderAndGoByName) {
-    const List theList;
+    const OwnedList theList;
     for (const char* theName : {"c", "a", "b", "a"}) {
         EXPECT_STREQ(vxProperty_GetName(vxPropertyList_Add(theList, theName)), theName);
     }
@@ -109,8 +99,8 @@ TEST(PropertyListTest, PropertiesKeepTheirOrderAndGoByName) {
 }
 
 TEST(PropertyListTest, APropertyHoldsValuesOfEveryType) {
-    const List theList;
-    const List theNested;
+    const OwnedList theList;
+    const OwnedList theNested;
     vxPropertyList_Set_uint32(theNested, "x", 9);
     vxPackedData* thePacked = vxPackedData_New("\0\1\2", 3);
     int theBorrowed = 0;
@@ -154,7 +144,7 @@ TEST(PropertyListTest, APropertyHoldsValuesOfEveryType) {
 }
 
 TEST(PropertyListTest, AValueOfAnotherTypeReadsAsNothing) {
-    const List theList;
+    const OwnedList theList;
     vxProperty* const theProperty = vxPropertyList_Add(theList, "p");
     vxProperty_Set_uint32(theProperty, 0, 5);
     vxProperty_Set_charPtr(theProperty, 1, nullptr);
@@ -178,7 +168,7 @@ TEST(PropertyListTest, AValueOfAnotherTypeReadsAsNothing) {
 }
 
 TEST(PropertyListTest, ValuesAreReplacedOrAddedAtTheEndButNotBeyond) {
-    const List theList;
+    const OwnedList theList;
     vxProperty* const theProperty = vxPropertyList_Add(theList, "p");
     void* theBlock = malloc(1);
 
@@ -202,7 +192,7 @@ TEST(PropertyListTest, ValuesAreReplacedOrAddedAtTheEndButNotBeyond) {
 }
 
 TEST(PropertyListTest, NullListsNamesPropertiesAndValuesAreEmpty) {
-    const List theList;
+    const OwnedList theList;
     uint32_t theValue = 7;
     EXPECT_FALSE(vxPropertyList_Set_uint32(nullptr, "a", 1));
     EXPECT_FALSE(vxPropertyList_Set_uint32(theList, nullptr, 1));
@@ -233,7 +223,7 @@ TEST(PropertyListTest, AListLivesUntilItsLastReferenceGoes) {
     vxPropertyList* theInner = vxPropertyList_New();
     vxPropertyList_Set_uint32(theInner, "x", 1);
     {
-        const List theOuter;
+        const OwnedList theOuter;
         vxProperty_Set_propertyList(vxPropertyList_Add(theOuter, "p"), 0, theInner);
         EXPECT_EQ(vxPropertyList_Take(theInner), theInner);
         vxPropertyList_Delete(theInner);
@@ -282,7 +272,7 @@ TEST(PropertyListTest, ReferencesAreCountedByAnyThread) {
 }
 
 TEST(PropertyListTest, TextsOfEveryLengthStayWhereTheyAreWhileTheirValueLives) {
-    const List theList;
+    const OwnedList theList;
     for (const size_t theLength : {0, 1, 7, 8, 13, 14, 15, 16, 100}) {
         SCOPED_TRACE(theLength);
         const std::string theText(theLength, 'x');
@@ -308,7 +298,7 @@ TEST(PropertyListTest, TextsOfEveryLengthStayWhereTheyAreWhileTheirValueLives) {
 }
 
 TEST(PropertyListTest, ATextMayComeOutOfTheOneThatItReplaces) {
-    const List theList;
+    const OwnedList theList;
     for (const char* theText :
          {"0123456789abcd", "0123456789abcde", "0123456789abcdefghijklmnop"}) {
         for (const size_t theStart : {0, 1, 5, 11, 14}) {
@@ -321,7 +311,7 @@ TEST(PropertyListTest, ATextMayComeOutOfTheOneThatItReplaces) {
 }
 
 TEST(PropertyListTest, ManyValuesComeAndGo) {
-    const List theList;
+    const OwnedList theList;
     vxProperty* const theProperty = vxPropertyList_Add(theList, "p");
     for (uint32_t theCount = 0; theCount < 20; ++theCount) {
         for (uint32_t i = 0; i < 2 * theCount; ++i) {
@@ -336,7 +326,7 @@ TEST(PropertyListTest, ManyValuesComeAndGo) {
 }
 
 TEST(PropertyListTest, ComingAndGoingPropertiesAreFoundByNameAndPosition) {
-    const List theList;
+    const OwnedList theList;
     std::vector<std::string> theModel;
     std::mt19937 theRandom(7);
     for (int i = 0; i < 4000; ++i) {
@@ -369,7 +359,7 @@ TEST(PropertyListTest, ComingAndGoingPropertiesAreFoundByNameAndPosition) {
 }
 
 TEST(PropertyListTest, AListIsEmptiedFastFromItsFront) {
-    const List theList;
+    const OwnedList theList;
     for (uint32_t i = 0; i < 50000; ++i) {
         vxPropertyList_Set_uint32(theList, std::to_string(i).c_str(), i);
     }
@@ -382,7 +372,7 @@ TEST(PropertyListTest, AListIsEmptiedFastFromItsFront) {
 }
 
 TEST(PropertyListTest, ManyPropertiesAreFoundFast) {
-    const List theList;
+    const OwnedList theList;
     for (uint32_t i = 0; i < 100000; ++i) {
         vxPropertyList_Set_uint32(theList, std::to_string(i).c_str(), i);
     }

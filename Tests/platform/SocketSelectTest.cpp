@@ -5,7 +5,6 @@
 #include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
-#include <sys/epoll.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -15,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-#include "support/Forward.h"
+#include "support/InsideSelect.h"
 #include "support/Latch.h"
 #include "support/Reports.h"
 
@@ -23,32 +22,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-std::atomic<vxtest::Latch*> sInsideSelect{nullptr};
-
-}  // namespace
-
-// These stand in front of the system's, and say that a thread is inside a wait.
-extern "C" __attribute__((visibility("default"))) int pselect(int aCount, fd_set* aReadSet,
-                                                              fd_set* aWriteSet,
-                                                              fd_set* anExceptSet,
-                                                              const timespec* aTimeout,
-                                                              const sigset_t* aMask) {
-    if (vxtest::Latch* theLatch = sInsideSelect) {
-        theLatch->CountDown();
-    }
-    return VXTEST_REAL(pselect)(aCount, aReadSet, aWriteSet, anExceptSet, aTimeout, aMask);
-}
-
-extern "C" __attribute__((visibility("default"))) int epoll_wait(int aWatch, epoll_event* anEvents,
-                                                                 int aCount, int aTimeout) {
-    if (vxtest::Latch* theLatch = sInsideSelect) {
-        theLatch->CountDown();
-    }
-    return VXTEST_REAL(epoll_wait)(aWatch, anEvents, aCount, aTimeout);
-}
-
-namespace {
 
 class SocketSelectTest : public testing::Test {
 protected:
@@ -151,7 +124,7 @@ TEST_F(SocketSelectTest, DescriptorsAtAndAboveTheCountAreNotLookedAt) {
 
 TEST_F(SocketSelectTest, TriggerFromAnotherThreadEndsAWaitWithoutLimit) {
     vxtest::Latch theInside(1);
-    sInsideSelect = &theInside;
+    vxtest::sInsideSelect = &theInside;
     int theValue = 0;
     int theTriggered = 0;
     std::thread theOther([&] {
@@ -164,7 +137,7 @@ TEST_F(SocketSelectTest, TriggerFromAnotherThreadEndsAWaitWithoutLimit) {
     EXPECT_EQ(theTriggered, 1);
     EXPECT_EQ(theValue, 42);
     theOther.join();
-    sInsideSelect = nullptr;
+    vxtest::sInsideSelect = nullptr;
 }
 
 TEST_F(SocketSelectTest, TriggersEndWaitsWithAndWithoutDescriptorsAlike) {
@@ -225,7 +198,7 @@ TEST_F(SocketSelectTest, NoTriggerIsLostBetweenTwoThreads) {
 TEST_F(SocketSelectTest, DeleteEndsEveryWaitAndTheLastThreadFreesTheSelector) {
     constexpr int kThreads = 4;
     vxtest::Latch theInside(kThreads);
-    sInsideSelect = &theInside;
+    vxtest::sInsideSelect = &theInside;
     vxSocketSelect* theSelect = vxSocketSelect_New();
     std::vector<std::thread> theThreads;
     for (int i = 0; i < kThreads; ++i) {
@@ -245,7 +218,7 @@ TEST_F(SocketSelectTest, DeleteEndsEveryWaitAndTheLastThreadFreesTheSelector) {
     for (std::thread& theThread : theThreads) {
         theThread.join();
     }
-    sInsideSelect = nullptr;
+    vxtest::sInsideSelect = nullptr;
 }
 
 std::atomic<int> sSignals{0};
@@ -256,7 +229,7 @@ TEST_F(SocketSelectTest, SignalsDoNotEndTheWait) {
     theAction.sa_handler = [](int) { ++sSignals; };
     ASSERT_EQ(sigaction(SIGUSR1, &theAction, &theOldAction), 0);
     vxtest::Latch theInside(1);
-    sInsideSelect = &theInside;
+    vxtest::sInsideSelect = &theInside;
     std::thread theOther([this] {
         int theTriggered = 0;
         const timeval theTimeout = {3600, 0};
@@ -274,7 +247,7 @@ TEST_F(SocketSelectTest, SignalsDoNotEndTheWait) {
     }
     vxSocketSelect_Trigger(mSelect);
     theOther.join();
-    sInsideSelect = nullptr;
+    vxtest::sInsideSelect = nullptr;
     sigaction(SIGUSR1, &theOldAction, nullptr);
 }
 

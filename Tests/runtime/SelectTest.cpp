@@ -2,15 +2,13 @@
 
 #include <gmock/gmock.h>
 
-#include <sys/epoll.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <thread>
 #include <type_traits>
 #include <vector>
 
-#include "support/Forward.h"
+#include "support/InsideSelect.h"
 #include "support/Latch.h"
 #include "support/Reports.h"
 #include "support/ScriptedLocks.h"
@@ -20,32 +18,6 @@ namespace {
 using testing::EndsWith;
 
 static_assert(!std::is_copy_constructible_v<vxSelect>);
-
-std::atomic<vxtest::Latch*> sInsideSelect{nullptr};
-
-}  // namespace
-
-// These stand in front of the system's, and say that a thread is inside a wait.
-extern "C" __attribute__((visibility("default"))) int pselect(int aCount, fd_set* aReadSet,
-                                                              fd_set* aWriteSet,
-                                                              fd_set* anExceptSet,
-                                                              const timespec* aTimeout,
-                                                              const sigset_t* aMask) {
-    if (vxtest::Latch* theLatch = sInsideSelect) {
-        theLatch->CountDown();
-    }
-    return VXTEST_REAL(pselect)(aCount, aReadSet, aWriteSet, anExceptSet, aTimeout, aMask);
-}
-
-extern "C" __attribute__((visibility("default"))) int epoll_wait(int aWatch, epoll_event* anEvents,
-                                                                 int aCount, int aTimeout) {
-    if (vxtest::Latch* theLatch = sInsideSelect) {
-        theLatch->CountDown();
-    }
-    return VXTEST_REAL(epoll_wait)(aWatch, anEvents, aCount, aTimeout);
-}
-
-namespace {
 
 TEST(SelectTest, SignalIsKeptForTheNextSelect) {
     vxSelect theSelect;
@@ -91,7 +63,7 @@ TEST(SelectTest, SignalFromAnotherThreadEndsTheWait) {
 TEST(SelectTest, TerminateEndsEverySelectUnderWay) {
     constexpr int kThreads = 2;
     vxtest::Latch theInside(kThreads);
-    sInsideSelect = &theInside;
+    vxtest::sInsideSelect = &theInside;
     vxSelect theSelect;
     ASSERT_EQ(theSelect.Setup(), 0);
     std::vector<std::thread> theThreads;
@@ -107,7 +79,7 @@ TEST(SelectTest, TerminateEndsEverySelectUnderWay) {
     for (std::thread& theThread : theThreads) {
         theThread.join();
     }
-    sInsideSelect = nullptr;
+    vxtest::sInsideSelect = nullptr;
     EXPECT_LT(theSelect.Select(NULL, NULL, NULL, 0, NULL, NULL), 0);
 }
 
