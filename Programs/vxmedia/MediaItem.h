@@ -24,6 +24,10 @@ struct PathLess {
 /// Its number and path stay for as long as it lives; a later scan may renew the rest. What somebody
 /// has edited is kept apart from what the file says, and stays when the file is read anew.
 ///
+/// A library may have very many of them, so an item has only what it needs: tags and edits take a
+/// pointer where there are none, texts are shared with neighbours, and the media info, which repeats
+/// all that, is made whenever somebody asks.
+///
 /// Owner:    its handles. Destroying a watched item ends the watch.
 /// Threads:  one at a time.
 class MediaItem : public vxRefCounted {
@@ -42,6 +46,9 @@ public:
         return aStatus.mSize == mSize && aStatus.mModified == mModified;
     }
 
+    /// Lets texts that are the same as those of another item take no memory of their own.
+    void ShareTexts(const MediaItem& anOther);
+
     /// Sets values that stand above those of the file, in place of all earlier ones.
     void SetEdits(const EditMap& anEdits);
 
@@ -50,28 +57,28 @@ public:
 
     uint32_t GetID() const { return mID; }
     const vxCString& GetPath() const { return mPath; }
-    const MediaFormat& GetFormat() const { return *mReading.mFormat; }
+    const MediaFormat& GetFormat() const { return *mFormat; }
     uint64_t GetSize() const { return mSize; }
     int64_t GetModified() const { return mModified; }
-    const MediaFacts& GetFacts() const { return mReading.mFacts; }
-    const MediaReading& GetReading() const { return mReading; }
-    const EditMap& GetEdits() const { return mEdits; }
+    const MediaFacts& GetFacts() const { return mFacts; }
+    const MediaTags& GetTags() const;
+    const EditMap& GetEdits() const;
 
     /// Returns all that is known, under the keys of the library: what the file says, then the edits.
-    const vxMediaInfo& GetInfo() const { return *mInfo; }
+    /// Never before Renew().
+    std::unique_ptr<vxMediaInfo> MakeInfo() const;
 
 private:
-    void MakeInfo();
-
     static const MediaItem* sWatched;  // null: none
 
-    const uint32_t mID;                  // from 1
-    const vxCString mPath;               // bytes as the file system has them
-    uint64_t mSize = 0;                  // bytes
-    int64_t mModified = 0;               // nanoseconds since 1970
-    MediaReading mReading;               // set by Renew()
-    EditMap mEdits;                      // by key
-    std::unique_ptr<vxMediaInfo> mInfo;  // of mReading and mEdits; null before Renew()
+    const uint32_t mID;                     // from 1
+    const vxCString mPath;                  // bytes as the file system has them
+    uint64_t mSize = 0;                     // bytes
+    int64_t mModified = 0;                  // nanoseconds since 1970
+    const MediaFormat* mFormat = nullptr;   // set by Renew()
+    MediaFacts mFacts;                      // set by Renew()
+    std::unique_ptr<MediaTags> mTags;       // null: the file has none
+    std::unique_ptr<const EditMap> mEdits;  // by key; null: there are none
 };
 
 }  // namespace vxmedia

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace vxmedia {
 
@@ -42,11 +43,13 @@ void DirectoryCounts::Add(const DirectoryCounts& aCounts) {
 
 void MediaLibrary::AddItem(const vxCString& aPath, const FileStatus& aStatus,
                            const MediaReading& aReading) {
-    vxRef<MediaItem>& theItem = mItems[aPath];
+    const ItemMap::iterator thePosition = mItems.try_emplace(aPath).first;
+    vxRef<MediaItem>& theItem = thePosition->second;
     if (theItem.IsNull()) {
         theItem = new MediaItem(++mLastID, aPath);
     }
     theItem->Renew(aStatus, aReading);
+    ShareTexts(thePosition);
     Place& thePlace = mPlaces[theItem->GetID()];
     if (thePlace.mItem.IsNull()) {
         thePlace.mItem = theItem;
@@ -54,6 +57,13 @@ void MediaLibrary::AddItem(const vxCString& aPath, const FileStatus& aStatus,
     thePlace.mScan = mScan;
     mRefusals.erase(aPath);
     NoteChange();
+}
+
+// Files that stand together are of one album or camera, and have most of their texts in common.
+void MediaLibrary::ShareTexts(ItemMap::iterator aPosition) {
+    if (aPosition != mItems.begin()) {
+        aPosition->second->ShareTexts(*std::prev(aPosition)->second.Get());
+    }
 }
 
 bool MediaLibrary::KeepItem(uint32_t anID) {
@@ -153,10 +163,14 @@ void MediaLibrary::EndScan(const vxCString& aRoot) {
 }
 
 bool MediaLibrary::RestoreItem(const vxRef<MediaItem>& anItem) {
-    if (anItem->GetID() == 0 || mPlaces.count(anItem->GetID()) != 0 ||
-        !mItems.emplace(anItem->GetPath(), anItem).second) {
+    if (anItem->GetID() == 0 || mPlaces.count(anItem->GetID()) != 0) {
         return false;
     }
+    const auto theEntry = mItems.emplace(anItem->GetPath(), anItem);
+    if (!theEntry.second) {
+        return false;
+    }
+    ShareTexts(theEntry.first);
     mPlaces.emplace(anItem->GetID(), Place{anItem, mScan});
     mLastID = std::max(mLastID, anItem->GetID());
     return true;

@@ -125,6 +125,7 @@ public:
 private:
     bool IsAdded(const FileIdentity& anIdentity) const;
     void ForgetItem(const vxCString& aPath);
+    void ShareTexts(ItemMap::iterator aPosition);
 
     struct Place {
         vxRef<MediaItem> mItem;

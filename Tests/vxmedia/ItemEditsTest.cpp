@@ -11,7 +11,7 @@ using namespace vxmedia;
 namespace {
 
 std::string Value(const vxRef<MediaItem>& anItem, const char* aKey) {
-    return anItem->GetInfo().GetStr(aKey, "(none)");
+    return anItem->MakeInfo()->GetStr(aKey, "(none)");
 }
 
 TEST(ItemEditsTest, AnEditStandsAboveTheFileAlsoWhenItIsReadAnew) {
@@ -23,7 +23,7 @@ TEST(ItemEditsTest, AnEditStandsAboveTheFileAlsoWhenItIsReadAnew) {
         EXPECT_EQ(Value(theItem, "ti"), "Red");
         EXPECT_EQ(Value(theItem, "du"), "1000");
         EXPECT_EQ(Value(theItem, "cr"), "Somebody");
-        EXPECT_EQ(theItem->GetInfo().GetTrackNumber(), 9);
+        EXPECT_EQ(theItem->MakeInfo()->GetTrackNumber(), 9);
         EXPECT_EQ(theItem->GetEdits().size(), 3u);
         theItem->Renew(FileOf(2000, 2), TaggedSound());
     }
@@ -36,13 +36,13 @@ TEST(ItemEditsTest, AnEmptyValueIsTakenAwayAndTheEndOfAnEditBringsItBack) {
     EXPECT_STREQ(EditItem(*theItem.Get(), "disc", ""), "");
     EXPECT_EQ(Value(theItem, "ti"), "(none)");
     EXPECT_EQ(Value(theItem, "da"), "(none)");
-    EXPECT_EQ(theItem->GetInfo().GetDiscNumber(), 0);
+    EXPECT_EQ(theItem->MakeInfo()->GetDiscNumber(), 0);
     for (const char* theName : {"title", "da", "disc", "genre"}) {
         EXPECT_STREQ(EndEdit(*theItem.Get(), theName), "");
     }
     EXPECT_EQ(Value(theItem, "ti"), "Blue");
     EXPECT_EQ(Value(theItem, "da"), "2015-06-30");
-    EXPECT_EQ(theItem->GetInfo().GetDiscNumber(), 2);
+    EXPECT_EQ(theItem->MakeInfo()->GetDiscNumber(), 2);
     EXPECT_TRUE(theItem->GetEdits().empty());
 }
 
@@ -94,8 +94,8 @@ TEST(ItemEditsTest, AMergeFillsWhatIsEmptyAndAddsAudioTracks) {
 TEST(ItemEditsTest, AMergeLeavesThePlaceOfACoverToItsFile) {
     const auto theItem = ItemOf(1, "x.ogg", SoundOf(kMediaFormat_Ogg, 48000));
     MergeItem(*theItem.Get(), *ItemOf(2, "y.mp3", TaggedSound()).Get());
-    EXPECT_STREQ(theItem->GetInfo().GetCoverArtMimeType(), "");
-    EXPECT_EQ(theItem->GetInfo().GetCoverArtSize(), 0u);
+    EXPECT_STREQ(theItem->MakeInfo()->GetCoverArtMimeType(), "");
+    EXPECT_EQ(theItem->MakeInfo()->GetCoverArtSize(), 0u);
 }
 
 TEST(ItemEditsTest, AMergeAddsAVideoTrackButNoSecondOne) {

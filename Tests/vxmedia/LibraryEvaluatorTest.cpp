@@ -149,7 +149,7 @@ TEST_F(LibraryEvaluatorTest, TheNamesOfMediaServersLeadToTheValues) {
 
 TEST_F(LibraryEvaluatorTest, KeysAndReadableNamesAreNamesToo) {
     for (const ItemKey* theRow = kItemKeys; theRow->mKey != NULL; ++theRow) {
-        const bool theIsKnown = !GetValue(mSong->GetInfo(), *theRow).IsEmpty();
+        const bool theIsKnown = !GetValue(*mSong->MakeInfo(), *theRow).IsEmpty();
         EXPECT_EQ(Match(std::string(theRow->mName) + " exists true", mSong), theIsKnown)
             << theRow->mName;
         if (theRow->mKind != ValueKind::Ordinal) {

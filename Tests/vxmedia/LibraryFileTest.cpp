@@ -116,11 +116,11 @@ TEST_F(LibraryFileTest, WhatIsLoadedIsWhatWasSaved) {
         EXPECT_STREQ(theNew.GetPath(), theOld.GetPath());
         EXPECT_EQ(&theNew.GetFormat(), &theOld.GetFormat());
         EXPECT_TRUE(theNew.IsUnchanged(FileOf(theOld.GetSize(), theOld.GetModified())));
-        EXPECT_STREQ(theNew.GetInfo().GetMediaInfoAsString("\n"),
-                     theOld.GetInfo().GetMediaInfoAsString("\n"));
+        EXPECT_STREQ(theNew.MakeInfo()->GetMediaInfoAsString("\n"),
+                     theOld.MakeInfo()->GetMediaInfoAsString("\n"));
         EXPECT_EQ(theNew.GetFacts().mFrames, theOld.GetFacts().mFrames);
     }
-    const CoverArt& theCover = theLibrary.FindItem(1)->GetReading().mTags.mCoverArt;
+    const CoverArt& theCover = theLibrary.FindItem(1)->GetTags().mCoverArt;
     EXPECT_TRUE(theCover.mfIsFront);
     EXPECT_EQ(theCover.mEncoding, CoverArt::Unsynchronisation);
     EXPECT_EQ(theCover.mBytes.Size(), 5000u);

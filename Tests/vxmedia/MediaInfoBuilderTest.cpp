@@ -12,11 +12,11 @@ using namespace vxmedia;
 namespace {
 
 std::string Text(const MediaItem& anItem) {
-    return anItem.GetInfo().GetMediaInfoAsString(" ").c_str();
+    return anItem.MakeInfo()->GetMediaInfoAsString(" ").c_str();
 }
 
 std::string Value(const char* aPath, const MediaReading& aReading, const char* aKey) {
-    return ItemOf(1, aPath, aReading)->GetInfo().GetStr(aKey, "");
+    return ItemOf(1, aPath, aReading)->MakeInfo()->GetStr(aKey, "");
 }
 
 TEST(MediaInfoBuilderTest, APictureHasItsFileItsSizeAndItsDirectoryAsAlbum) {
@@ -24,9 +24,9 @@ TEST(MediaInfoBuilderTest, APictureHasItsFileItsSizeAndItsDirectoryAsAlbum) {
     EXPECT_EQ(Text(*theItem.Get()),
               "ti=Sea.side an=/p/ cn=object.item.imageItem.photo mt=image/jpeg dl=JPEG_SM fe=jpg "
               "fp=/p/Sea.side.jpg fs=1000 wi=640 he=480 cd=24");
-    EXPECT_STREQ(theItem->GetInfo().GetFilePath(), "/p/Sea.side.jpg");
-    EXPECT_EQ(theItem->GetInfo().GetLastModificationTime().GetTicks(), 1435687200);
-    EXPECT_TRUE(theItem->GetInfo().Validate());
+    EXPECT_STREQ(theItem->MakeInfo()->GetFilePath(), "/p/Sea.side.jpg");
+    EXPECT_EQ(theItem->MakeInfo()->GetLastModificationTime().GetTicks(), 1435687200);
+    EXPECT_TRUE(theItem->MakeInfo()->Validate());
 }
 
 TEST(MediaInfoBuilderTest, ASoundHasItsTagsAndOneAudioTrack) {
@@ -35,13 +35,13 @@ TEST(MediaInfoBuilderTest, ASoundHasItsTagsAndOneAudioTrack) {
               "ti=Blue cr=Somebody ge=Jazz an=Colors cn=object.item.audioItem.musicTrack "
               "mt=audio/mpeg dl=MP3 fe=mp3 fp=/m/x.mp3 fs=1000 ta=1 ac=2 sf=44100 bs=16 br=128000 "
               "du=217500 da=2015-06-30");
-    EXPECT_EQ(theItem->GetInfo().GetTrackNumber(), 7);
-    EXPECT_EQ(theItem->GetInfo().GetDiscNumber(), 2);
-    EXPECT_STREQ(theItem->GetInfo().GetCoverArtMimeType(), "image/png");
-    EXPECT_EQ(theItem->GetInfo().GetCoverArtOffset(), 2048);
-    EXPECT_EQ(theItem->GetInfo().GetCoverArtSize(), 5000u);
-    EXPECT_EQ(theItem->GetInfo().GetCoverArtEncoding(), kvxCoverArtEncoding_Unsynchronisation);
-    EXPECT_EQ(theItem->GetInfo().GetCoverArtEncodedOffset(), 42u);
+    EXPECT_EQ(theItem->MakeInfo()->GetTrackNumber(), 7);
+    EXPECT_EQ(theItem->MakeInfo()->GetDiscNumber(), 2);
+    EXPECT_STREQ(theItem->MakeInfo()->GetCoverArtMimeType(), "image/png");
+    EXPECT_EQ(theItem->MakeInfo()->GetCoverArtOffset(), 2048);
+    EXPECT_EQ(theItem->MakeInfo()->GetCoverArtSize(), 5000u);
+    EXPECT_EQ(theItem->MakeInfo()->GetCoverArtEncoding(), kvxCoverArtEncoding_Unsynchronisation);
+    EXPECT_EQ(theItem->MakeInfo()->GetCoverArtEncodedOffset(), 42u);
 }
 
 TEST(MediaInfoBuilderTest, WhatIsNotKnownIsLeftOut) {
@@ -130,8 +130,8 @@ TEST(MediaInfoBuilderTest, ACoverInSeveralPiecesHasNoPlace) {
     MediaReading theReading = TaggedSound();
     theReading.mTags.mCoverArt.mBytes.Add(9000, 10);
     const auto theItem = ItemOf(1, "x", theReading);
-    EXPECT_STREQ(theItem->GetInfo().GetCoverArtMimeType(), "image/png");
-    EXPECT_EQ(theItem->GetInfo().GetCoverArtSize(), 0u);
+    EXPECT_STREQ(theItem->MakeInfo()->GetCoverArtMimeType(), "image/png");
+    EXPECT_EQ(theItem->MakeInfo()->GetCoverArtSize(), 0u);
     const std::string theTable = MakeInfoTable(*theItem.Get(), "").c_str();
     EXPECT_NE(theTable.find("-   cover                  image/png, in several pieces\n"),
               std::string::npos)

@@ -200,4 +200,43 @@ TEST(MediaLibraryTest, ADirectoryIsAddedOnceInAScanWhateverItsPath) {
     EXPECT_TRUE(theLibrary.AddDirectory("r/d", FileIdentity{1, 1}));
 }
 
+MediaReading Song(const char* aTitle, const char* anAlbum) {
+    MediaReading theReading;
+    theReading.mFormat = &kMediaFormat_MP3;
+    theReading.mFacts.mChannels = 2;
+    theReading.mFacts.mDetail = vxCString("MPEG-1 layer III");
+    theReading.mTags.mTitle = aTitle;
+    theReading.mTags.mCreator = vxCString("Somebody");
+    theReading.mTags.mAlbum = anAlbum;
+    return theReading;
+}
+
+TEST(MediaLibraryTest, NeighboursShareTheMemoryOfTextsThatAreTheSame) {
+    MediaLibrary theLibrary;
+    theLibrary.BeginScan();
+    theLibrary.AddItem("r/1", File(10), Song("One", "Colors"));
+    theLibrary.AddItem("r/2", File(10), Song("Two", "Colors"));
+    theLibrary.AddItem("r/3", File(10), Song("Three", "Shapes"));
+    const MediaItem& theFirst = *theLibrary.FindItem(1);
+    const MediaItem& theSecond = *theLibrary.FindItem(2);
+    const MediaItem& theThird = *theLibrary.FindItem(3);
+
+    EXPECT_EQ(theSecond.GetTags().mAlbum.c_str(), theFirst.GetTags().mAlbum.c_str());
+    EXPECT_EQ(theThird.GetTags().mCreator.c_str(), theFirst.GetTags().mCreator.c_str());
+    EXPECT_EQ(theThird.GetFacts().mDetail.c_str(), theFirst.GetFacts().mDetail.c_str());
+    EXPECT_STREQ(theSecond.GetTags().mTitle, "Two");
+    EXPECT_STREQ(theThird.GetTags().mAlbum, "Shapes");
+}
+
+TEST(MediaLibraryTest, AnItemThatIsReadAnewHasTheNewTags) {
+    MediaLibrary theLibrary;
+    theLibrary.BeginScan();
+    theLibrary.AddItem("r/1", File(10), Song("One", "Colors"));
+    theLibrary.AddItem("r/1", File(11), Picture(7));
+    EXPECT_TRUE(theLibrary.FindItem(1)->GetTags().IsEmpty());
+    theLibrary.AddItem("r/1", File(12), Song("Two", "Shapes"));
+    EXPECT_STREQ(theLibrary.FindItem(1)->GetTags().mTitle, "Two");
+    EXPECT_STREQ(theLibrary.FindItem(1)->MakeInfo()->GetTitle(), "Two");
+}
+
 }  // namespace

@@ -9,6 +9,7 @@
 #include <libteskTools/Memory.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
@@ -26,8 +27,11 @@ struct vxHashNode {
     size_t mKeyLength;
     uint32_t mHash;
 
-    char* Key() { return reinterpret_cast<char*>(this + 1); }
+    char* Key() { return reinterpret_cast<char*>(&mHash + 1); }
 };
+
+// The key goes on where the hash ends, so short keys take the bytes that pad the node.
+constexpr size_t kvxHashNode_KeyOffset = offsetof(vxHashNode, mHash) + sizeof(uint32_t);
 
 struct vxKey {
     const char* mText;
@@ -131,7 +135,8 @@ bool vxReserveSlot(vxHashTable* aTable) {
 }
 
 vxHashNode* vxNewNode(const vxKey& aKey, void* aValue) {
-    vxHashNode* theNode = static_cast<vxHashNode*>(vxMalloc(sizeof(vxHashNode) + aKey.mLength + 1));
+    vxHashNode* theNode = static_cast<vxHashNode*>(
+        vxMalloc(std::max(sizeof(vxHashNode), kvxHashNode_KeyOffset + aKey.mLength + 1)));
     if (theNode != NULL) {
         *theNode = {NULL, NULL, theNode, aValue, 0, aKey.mLength, aKey.mHash};
         memcpy(theNode->Key(), aKey.mText, aKey.mLength);

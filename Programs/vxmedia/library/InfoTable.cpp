@@ -43,7 +43,8 @@ vxCString CoverText(const vxMediaInfo& anInfo) {
 }  // namespace
 
 vxCString MakeInfoTable(const MediaItem& anItem, const vxCString& aPicture) {
-    const vxMediaInfo& theInfo = anItem.GetInfo();
+    const std::unique_ptr<vxMediaInfo> theHolder = anItem.MakeInfo();
+    const vxMediaInfo& theInfo = *theHolder;
     TextTable theTable("lll");
     for (const ItemKey* theRow = kItemKeys; theRow->mKey != NULL; ++theRow) {
         const vxCString theValue = GetShownValue(theInfo, *theRow);

@@ -75,7 +75,7 @@ vxCString ItemCommands::ShowInfo(uint32_t anID) {
     if (!theError.IsEmpty()) {
         return theError;
     }
-    if (theItem->GetInfo().GetCoverArtMimeType().IsEmpty()) {
+    if (!theItem->GetTags().mCoverArt.IsThere()) {
         mConsole.Print(MakeInfoTable(*theItem.Get(), ""));
         return vxCString();
     }
@@ -136,7 +136,7 @@ vxCString ItemCommands::ShowProfile(const vxCString& aName) {
 void ItemCommands::ShowProfiles() {
     std::map<vxCString, uint64_t, PathLess> theCounts;
     for (const auto& theEntry : mLibrary.GetItems()) {
-        theCounts[theEntry.second->GetInfo().GetCString(kvxInfo_DLNA, "")] += 1;
+        theCounts[theEntry.second->MakeInfo()->GetCString(kvxInfo_DLNA, "")] += 1;
     }
     TextTable theTable("rlll");
     theTable.AddRow({"FILES", "PROFILE", "EXTENSIONS", "MIME-TYPES"});

@@ -71,17 +71,18 @@ vxCString MergeItem(MediaItem& anItem, const MediaItem& aSource) {
     if (&anItem == &aSource) {
         return "ERROR: A media file cannot be merged with itself";
     }
-    const std::unique_ptr<vxMediaInfo> theInfo(anItem.GetInfo().Duplicate());
-    const std::unique_ptr<vxMediaInfo> theOther(aSource.GetInfo().Duplicate());
+    const std::unique_ptr<vxMediaInfo> theOld = anItem.MakeInfo();
+    const std::unique_ptr<vxMediaInfo> theInfo = anItem.MakeInfo();
+    const std::unique_ptr<vxMediaInfo> theOther = aSource.MakeInfo();
     theOther->SetCoverArt(vxCString(), 0, 0);
     theOther->SetCoverArtEncoding(kvxCoverArtEncoding_None, 0);
     if (!theInfo->MergeAll(theOther.get())) {
-        return RefusalOfMerge(anItem.GetInfo(), aSource.GetInfo());
+        return RefusalOfMerge(*theOld, *theOther);
     }
     MediaItem::EditMap theEdits = anItem.GetEdits();
     for (const ItemKey* theRow = kItemKeys; theRow->mKey != NULL; ++theRow) {
         const vxCString theValue = GetValue(*theInfo, *theRow);
-        if (theRow->mfEditable && theValue != GetValue(anItem.GetInfo(), *theRow)) {
+        if (theRow->mfEditable && theValue != GetValue(*theOld, *theRow)) {
             theEdits[EditNameOf(*theRow)] = theValue;
         }
     }

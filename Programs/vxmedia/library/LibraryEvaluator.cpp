@@ -119,8 +119,11 @@ vxCString LibraryCriteria::Read() {
 }
 
 bool LibraryCriteria::Match(const MediaItem& anItem) {
-    mEvaluator.SetItem(anItem);
-    return vxExpressionParser::Evaluate(&mEvaluator);
+    SearchedItem theItem(anItem);
+    mEvaluator.SetItem(&theItem);
+    const bool theMatches = vxExpressionParser::Evaluate(&mEvaluator);
+    mEvaluator.SetItem(NULL);
+    return theMatches;
 }
 
 int LibraryCriteria::GetPropertyID(const vxCString& aPropertyName) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MediaItem.h"
+#include "library/SearchProperties.h"
 #include "vx/CString.h"
 #include "vx/ExpressionParser.h"
 #include "vx/SearchExpression.h"
@@ -13,13 +14,15 @@ namespace vxmedia {
 /// by value; where it is unknown, nothing matches but "exists false". An unknown text is an empty one.
 class LibraryEvaluator : public vxSearchExpressionEvaluator {
 public:
-    /// Asks about this item from now on; it must live for as long.
-    void SetItem(const MediaItem& anItem) { mItem = &anItem; }
+    /// Asks about this item from now on.
+    ///
+    /// Owner:    the caller, who keeps it until the next one is set.
+    void SetItem(SearchedItem* anItem) { mItem = anItem; }
 
     bool Evaluate(vxRelExpression* anExpression) override;
 
 private:
-    const MediaItem* mItem = NULL;
+    SearchedItem* mItem = NULL;
 };
 
 /// Search criteria about media files, as they are typed.

@@ -22,6 +22,7 @@
 #include "library/ItemKeys.h"
 #include "vx/DataBuffer.h"
 #include "vx/File.h"
+#include "vx/GrowingBuffer.h"
 #include "vx/JSON.h"
 
 namespace vxmedia {
@@ -123,37 +124,82 @@ void AddItem(vxJSONObject& anObject, const MediaItem& anItem) {
     anObject.Set("time", anItem.GetModified());
     AddText(anObject, "type", anItem.GetFormat().mName);
     AddFacts(anObject, anItem.GetFacts());
-    AddTags(anObject, anItem.GetReading().mTags);
+    AddTags(anObject, anItem.GetTags());
     AddEdits(anObject, anItem.GetEdits());
 }
 
-void MakeDocument(const MediaLibrary& aLibrary, vxJSONDocument& aDocument) {
-    aDocument.Set("program", kProgram);
-    aDocument.Set("format", static_cast<uint64_t>(kFormat));
-    aDocument.Set("version", VXMEDIA_VERSION);
-    aDocument.Set("last", static_cast<uint64_t>(aLibrary.GetLastID()));
-    vxJSONObject theRoot = aDocument.AsObject();
-    vxJSONArray theItems = theRoot.AddArray("items");
-    for (const auto& theEntry : aLibrary.GetItems()) {
-        vxJSONObject theObject = theItems.InsertObject(kvxJSON_Append);
-        AddItem(theObject, *theEntry.second.Get());
+void AddDirectory(vxJSONObject& anObject, const vxCString& aPath,
+                  const MediaLibrary::Directory& aDirectory) {
+    AddPath(anObject, aPath);
+    AddNumber(anObject, "device", aDirectory.mIdentity.mDevice);
+    AddNumber(anObject, "node", aDirectory.mIdentity.mNode);
+    AddNumber(anObject, "others", aDirectory.mCounts.mOtherFiles);
+    AddNumber(anObject, "links", aDirectory.mCounts.mLinks);
+    AddNumber(anObject, "specials", aDirectory.mCounts.mSpecialFiles);
+}
+
+// The text of a library. A tree of all of it would take several times as much memory as the library,
+// so there is a tree of one record at a time.
+class LibraryText {
+public:
+    LibraryText() : mText(0) {}
+
+    // Adds what comes first.
+    void AddHead(uint32_t aLastID) {
+        vxJSONDocument theHead(kvxJSONDocumentRoot_Object);
+        theHead.Set("program", kProgram);
+        theHead.Set("format", static_cast<uint64_t>(kFormat));
+        theHead.Set("version", VXMEDIA_VERSION);
+        theHead.Set("last", static_cast<uint64_t>(aLastID));
+        const vxCString theText = theHead.ToString(false);
+        mText.Append(theText.c_str(), theText.length() - 1);
     }
-    vxJSONArray theDirectories = theRoot.AddArray("directories");
-    for (const auto& theEntry : aLibrary.GetDirectories()) {
-        vxJSONObject theObject = theDirectories.InsertObject(kvxJSON_Append);
-        AddPath(theObject, theEntry.first);
-        AddNumber(theObject, "device", theEntry.second.mIdentity.mDevice);
-        AddNumber(theObject, "node", theEntry.second.mIdentity.mNode);
-        AddNumber(theObject, "others", theEntry.second.mCounts.mOtherFiles);
-        AddNumber(theObject, "links", theEntry.second.mCounts.mLinks);
-        AddNumber(theObject, "specials", theEntry.second.mCounts.mSpecialFiles);
+
+    // Adds a list with a record for each entry of a map; aFill gets an object and the entry.
+    template <typename Map, typename Fill>
+    void AddList(const char* aName, const Map& aMap, Fill aFill) {
+        mText += ",\"";
+        mText += aName;
+        mText += "\":[";
+        const char* theSeparator = "";
+        for (const auto& theEntry : aMap) {
+            vxJSONDocument theRecord(kvxJSONDocumentRoot_Object);
+            vxJSONObject theObject = theRecord.AsObject();
+            aFill(theObject, theEntry);
+            const vxCString theText = theRecord.ToString(false);
+            mText += theSeparator;
+            mText.Append(theText.c_str(), theText.length());
+            theSeparator = ",";
+        }
+        mText += "]";
     }
-    vxJSONArray theRefusals = theRoot.AddArray("refusals");
-    for (const auto& theEntry : aLibrary.GetRefusals()) {
-        vxJSONObject theObject = theRefusals.InsertObject(kvxJSON_Append);
-        AddPath(theObject, theEntry.first);
-        AddText(theObject, "reason", theEntry.second.mReason);
+
+    // Ends the text and returns it.
+    const vxGrowingBuffer& End() {
+        mText += "}";
+        return mText;
     }
+
+private:
+    vxGrowingBuffer mText;
+};
+
+void WriteText(const MediaLibrary& aLibrary, LibraryText& aText) {
+    aText.AddHead(aLibrary.GetLastID());
+    aText.AddList("items", aLibrary.GetItems(),
+                  [](vxJSONObject& anObject, const MediaLibrary::ItemMap::value_type& anEntry) {
+                      AddItem(anObject, *anEntry.second.Get());
+                  });
+    aText.AddList(
+        "directories", aLibrary.GetDirectories(),
+        [](vxJSONObject& anObject, const MediaLibrary::DirectoryMap::value_type& anEntry) {
+            AddDirectory(anObject, anEntry.first, anEntry.second);
+        });
+    aText.AddList("refusals", aLibrary.GetRefusals(),
+                  [](vxJSONObject& anObject, const MediaLibrary::RefusalMap::value_type& anEntry) {
+                      AddPath(anObject, anEntry.first);
+                      AddText(anObject, "reason", anEntry.second.mReason);
+                  });
 }
 
 // Reading
@@ -435,13 +481,13 @@ LoadResult PutAside(const vxCString& aPath, const vxCString& aReason, vxCString&
 }  // namespace
 
 vxCString SaveLibrary(const MediaLibrary& aLibrary, const vxCString& aPath) {
-    vxJSONDocument theDocument(kvxJSONDocumentRoot_Object);
-    MakeDocument(aLibrary, theDocument);
-    const vxCString theText = theDocument.ToString(false);
-    if (theText.length() > kFile_MaxSize) {
+    LibraryText theLibrary;
+    WriteText(aLibrary, theLibrary);
+    const vxGrowingBuffer& theText = theLibrary.End();
+    if (theText.GetPosition() > kFile_MaxSize) {
         return vxCString("ERROR: The library is too large for '") + aPath + "'";
     }
-    return WriteWholeFile(aPath, aPath + ".new", theText.c_str(), theText.length());
+    return WriteWholeFile(aPath, aPath + ".new", theText.data(), theText.GetPosition());
 }
 
 LoadResult LoadLibrary(MediaLibrary& aLibrary, MediaProbes& aProbes, const vxCString& aPath,

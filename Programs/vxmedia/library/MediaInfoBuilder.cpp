@@ -26,14 +26,14 @@ constexpr FormatType kFormatTypes[] = {
     {"BMP", "image/bmp"},   {"AU", "audio/basic"},
 };
 
-vxCString MimeTypeOf(const MediaReading& aReading) {
-    const char* theFormat = aReading.mFormat->mName;
+vxCString MimeTypeOf(const MediaItem& anItem) {
+    const char* theFormat = anItem.GetFormat().mName;
     for (const FormatType& theType : kFormatTypes) {
         if (strcmp(theType.mFormat, theFormat) == 0) {
             return theType.mMimeType;
         }
     }
-    vxCString theResult = aReading.mFacts.IsPicture() ? "image/x-" : "audio/x-";
+    vxCString theResult = anItem.GetFacts().IsPicture() ? "image/x-" : "audio/x-";
     for (const char* p = theFormat; *p != '\0'; ++p) {
         const int theByte = tolower(static_cast<unsigned char>(*p));
         theResult += isalnum(theByte) ? static_cast<char>(theByte) : '-';
@@ -78,13 +78,13 @@ const char* MP3ProfileOf(uint32_t aRate) {
 }
 
 // Returns a DLNA profile, or null.
-const char* ProfileOf(const MediaReading& aReading) {
-    const MediaFacts& theFacts = aReading.mFacts;
-    if (aReading.mFormat == &kMediaFormat_MP3) {
+const char* ProfileOf(const MediaItem& anItem) {
+    const MediaFacts& theFacts = anItem.GetFacts();
+    if (&anItem.GetFormat() == &kMediaFormat_MP3) {
         return MP3ProfileOf(theFacts.mRate);
     }
     for (const PictureProfile& theProfile : kPictureProfiles) {
-        if (strcmp(theProfile.mFormat, aReading.mFormat->mName) == 0 &&
+        if (strcmp(theProfile.mFormat, anItem.GetFormat().mName) == 0 &&
             theFacts.mWidth <= theProfile.mMaxWidth && theFacts.mHeight <= theProfile.mMaxHeight) {
             return theProfile.mProfile;
         }
@@ -125,8 +125,8 @@ void FillFile(const MediaItem& anItem, vxMediaInfo& anInfo) {
                anItem.GetFacts().IsPicture() ? "object.item.imageItem.photo"
                                              : "object.item.audioItem.musicTrack",
                true);
-    anInfo.Set(kvxInfo_MimeType, MimeTypeOf(anItem.GetReading()), true);
-    SetText(anInfo, kvxInfo_DLNA, ProfileOf(anItem.GetReading()));
+    anInfo.Set(kvxInfo_MimeType, MimeTypeOf(anItem), true);
+    SetText(anInfo, kvxInfo_DLNA, ProfileOf(anItem));
     SetText(anInfo, kvxInfo_FileExtension, ExtensionOf(anItem.GetPath()));
     anInfo.Set(kvxInfo_FilePath, anItem.GetPath(), true);
     anInfo.Set(kvxInfo_FileSize, vxuint64(anItem.GetSize()), true);
@@ -182,7 +182,7 @@ static_assert(int(CoverArt::Base64) == kvxCoverArtEncoding_Base64 &&
 void FillMediaInfo(const MediaItem& anItem, vxMediaInfo& anInfo) {
     FillFile(anItem, anInfo);
     FillFacts(anItem.GetFacts(), anInfo);
-    FillTags(anItem.GetReading().mTags, anInfo);
+    FillTags(anItem.GetTags(), anInfo);
     anInfo.Finalize(false);
 }
 

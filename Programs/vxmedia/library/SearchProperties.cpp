@@ -48,24 +48,24 @@ constexpr Alias kAliases[] = {
 
 // Values that stand under no key.
 
-vxCString NumberOf(const MediaItem& anItem) {
-    return NumberText(anItem.GetID());
+vxCString NumberOf(SearchedItem& anItem) {
+    return NumberText(anItem.GetItem().GetID());
 }
 
 // Every item has its file, and refers to no other.
-vxCString FileOf(const MediaItem& anItem) {
-    return anItem.GetPath();
+vxCString FileOf(SearchedItem& anItem) {
+    return anItem.GetItem().GetPath();
 }
 
-vxCString Nothing(const MediaItem&) {
+vxCString Nothing(SearchedItem&) {
     return vxCString();
 }
 
-vxCString CoverOf(const MediaItem& anItem) {
-    return anItem.GetInfo().GetCoverArtMimeType();
+vxCString CoverOf(SearchedItem& anItem) {
+    return anItem.GetItem().GetTags().mCoverArt.mMimeType;
 }
 
-vxCString ResolutionOf(const MediaItem& anItem) {
+vxCString ResolutionOf(SearchedItem& anItem) {
     const char* theWidth = anItem.GetInfo().Peek(kvxInfo_Width);
     const char* theHeight = anItem.GetInfo().Peek(kvxInfo_Height);
     return theWidth == NULL || theHeight == NULL ? vxCString()
@@ -73,14 +73,14 @@ vxCString ResolutionOf(const MediaItem& anItem) {
 }
 
 // Media servers count bytes here.
-vxCString ByteRateOf(const MediaItem& anItem) {
+vxCString ByteRateOf(SearchedItem& anItem) {
     uint64_t theBitRate = 0;
     return vxConvert_strtouint64(anItem.GetInfo().Peek(kvxInfo_BitRate), &theBitRate) == 0
                ? NumberText(theBitRate / 8)
                : vxCString();
 }
 
-vxCString ProtocolOf(const MediaItem& anItem) {
+vxCString ProtocolOf(SearchedItem& anItem) {
     const char* theProfile = anItem.GetInfo().GetStr(kvxInfo_DLNA, "");
     return vxCString::Format("http-get:*:%s:%s%s", anItem.GetInfo().GetStr(kvxInfo_MimeType, "*"),
                              *theProfile == '\0' ? "*" : "DLNA.ORG_PN=", theProfile);
@@ -292,7 +292,7 @@ bool CanRead(const char* aLiteral) {
 
 }  // namespace
 
-const char* SearchProperty::ReadValue(const MediaItem& anItem, vxCString& aBuffer) const {
+const char* SearchProperty::ReadValue(SearchedItem& anItem, vxCString& aBuffer) const {
     if (mMakeValue != NULL) {
         aBuffer = mMakeValue(anItem);
     } else if (mRow->mKind == ValueKind::Ordinal) {

@@ -1,10 +1,31 @@
 #pragma once
 
+#include <memory>
+
 #include "MediaItem.h"
 #include "library/ItemKeys.h"
 #include "vx/CString.h"
 
 namespace vxmedia {
+
+/// A media file that criteria are asked about, and its media info from the first question on.
+class SearchedItem {
+public:
+    /// The item must live for as long.
+    explicit SearchedItem(const MediaItem& anItem) : mItem(anItem) {}
+
+    const MediaItem& GetItem() const { return mItem; }
+    const vxMediaInfo& GetInfo() {
+        if (mInfo == nullptr) {
+            mInfo = mItem.MakeInfo();
+        }
+        return *mInfo;
+    }
+
+private:
+    const MediaItem& mItem;
+    std::unique_ptr<vxMediaInfo> mInfo;
+};
 
 /// How the values of a property are compared.
 enum class SearchKind {
@@ -20,13 +41,13 @@ enum class SearchKind {
 /// One property that search criteria may name.
 struct SearchProperty {
     SearchKind mKind;
-    const ItemKey* mRow;                               // where infos have its value
-    vxCString (*mMakeValue)(const MediaItem& anItem);  // unless null, used instead
+    const ItemKey* mRow;                            // where infos have its value
+    vxCString (*mMakeValue)(SearchedItem& anItem);  // unless null, used instead
 
     /// Returns the value of an item; empty when it is unknown.
     ///
     /// `aBuffer` may get the text, which stays until it or the item changes.
-    const char* ReadValue(const MediaItem& anItem, vxCString& aBuffer) const;
+    const char* ReadValue(SearchedItem& anItem, vxCString& aBuffer) const;
 
     /// Does an operator, a kvxExpressionOperandID, make sense for the property?
     bool Supports(int anOperandID) const;
