@@ -1,16 +1,77 @@
 #include "vx/ConfigManager.h"
 
 #include <gmock/gmock.h>
+#include <libteskTools/ConfigFile.h>
+#include <libteskTools/HashTable.h>
 
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "support/Environment.h"
+#include "support/Forward.h"
 #include "support/Latch.h"
 #include "support/Reports.h"
+#include "support/ScriptedLocks.h"
 #include "support/TempDir.h"
 #include "vx/ConfigMapper.h"
+
+namespace {
+
+vxtest::ScriptedLocks* sNotes = nullptr;  // what happens between locks is noted among them
+
+void Note(const char* aCall) {
+    if (sNotes != nullptr) {
+        sNotes->mCalls.push_back(aCall);
+    }
+}
+
+}  // namespace
+
+vxConfigFile* vxConfigFile_New(const char* aReadPath, const char* aWritePath, const char* aName) {
+    Note("open");
+    return VXTEST_REAL(vxConfigFile_New)(aReadPath, aWritePath, aName);
+}
+
+void vxConfigFile_Delete(vxConfigFile* aFile) {
+    if (aFile != NULL) {
+        Note("close");
+    }
+    VXTEST_REAL(vxConfigFile_Delete)(aFile);
+}
+
+bool vxConfigFile_Save(vxConfigFile* aFile) {
+    Note("save");
+    return VXTEST_REAL(vxConfigFile_Save)(aFile);
+}
+
+uint16_t vxConfigFile_GetUInt16(const vxConfigFile* aFile, const char* aSection, const char* aKey,
+                                uint16_t aDefault) {
+    Note("read");
+    return VXTEST_REAL(vxConfigFile_GetUInt16)(aFile, aSection, aKey, aDefault);
+}
+
+void* vxCustomHashTable_Get(const vxCustomHashTable* aTable, const char* aKey) {
+    Note("find");
+    return VXTEST_REAL(vxCustomHashTable_Get)(aTable, aKey);
+}
+
+bool vxCustomHashTable_Add(vxCustomHashTable* aTable, const char* aKey, void* aValue) {
+    Note("enter");
+    return VXTEST_REAL(vxCustomHashTable_Add)(aTable, aKey, aValue);
+}
+
+bool vxCustomHashTable_Remove(vxCustomHashTable* aTable, const char* aKey) {
+    Note("remove");
+    return VXTEST_REAL(vxCustomHashTable_Remove)(aTable, aKey);
+}
+
+bool vxCustomHashTable_RemoveValue(vxCustomHashTable* aTable, const char* aKey,
+                                   const void* aValue) {
+    Note("remove");
+    return VXTEST_REAL(vxCustomHashTable_RemoveValue)(aTable, aKey, aValue);
+}
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -143,6 +204,91 @@ TEST(ConfigManagerTest, TheFallbackIsAConfigurationWithoutAFile) {
     EXPECT_FALSE(theConfig->Unlock(true));
     theManager->SetDefaultFallback(false);
     EXPECT_TRUE(theManager->GetConfig("b.ini").IsNull());
+}
+
+TEST(ConfigManagerTest, TheFallbackIsForMissingDirectoriesOnly) {
+    const Place thePlace;
+    thePlace.Dir().Write("ro/a.ini", "[s]\nk=1\n");
+    const vxRef<vxConfigManager> theManager = NewManager();
+    theManager->SetDefaultFallback(true);
+    const vxRef<vxManagedConfig> theConfig = theManager->GetConfig("a.ini");
+    EXPECT_STREQ(theConfig->Lock(NULL)->GetCString("s", "k", ""), "1");
+    theConfig->Unlock(false);
+}
+
+TEST(ConfigManagerTest, TheBootstrapMayHaveAnyName) {
+    const Place thePlace;
+    thePlace.Dir().Write("Other.ini", "ReadPath=" + thePlace.Dir() / "other" +
+                                          "\nWritePath=" + thePlace.Dir() / "rw" + "\n");
+    thePlace.Dir().MakeDir("other");
+    thePlace.Dir().Write("other/a.ini", "[s]\nk=1\n");
+    const vxRef<vxConfigManager> theManager = new vxConfigManager("Other.ini");
+    const vxRef<vxManagedConfig> theConfig = theManager->GetConfig("a.ini");
+    EXPECT_STREQ(theConfig->Lock(NULL)->GetCString("s", "k", ""), "1");
+    theConfig->Unlock(false);
+}
+
+// What happens under the mutex, and nothing else does
+
+TEST(ConfigManagerTest, TheTableIsUsedUnderTheMutex) {
+    const Place thePlace;
+    const vxRef<vxConfigManager> theManager = NewManager();
+    vxtest::ScriptedLocks theLocks;
+    theLocks.mfNoteCalls = true;
+    const auto theCalls = [&] {
+        sNotes = nullptr;
+        const std::vector<std::string> theResult = std::move(theLocks.mCalls);
+        theLocks.mCalls.clear();
+        sNotes = &theLocks;
+        return theResult;
+    };
+    sNotes = &theLocks;
+
+    vxRef<vxManagedConfig> theConfig = theManager->GetConfig("a.ini");
+    EXPECT_THAT(theCalls(), ElementsAre("Lock", "find", "open", "enter", "Unlock"));
+    vxRef<vxManagedConfig> theSame = theManager->GetConfig("a.ini");
+    EXPECT_THAT(theCalls(), ElementsAre("Lock", "find", "Unlock"));
+    theManager->Release("b.ini");
+    EXPECT_THAT(theCalls(), ElementsAre("Lock", "remove", "Unlock"));
+    theSame = 0;
+    EXPECT_THAT(theCalls(), IsEmpty());
+    theConfig = 0;
+    EXPECT_THAT(theCalls(), ElementsAre("Lock", "remove", "Unlock", "close"));
+    sNotes = nullptr;
+}
+
+TEST(ConfigManagerTest, AConfigurationIsReadAndSavedUnderTheMutex) {
+    const Place thePlace;
+    const vxRef<vxConfigManager> theManager = NewManager();
+    const vxRef<vxManagedConfig> theConfig = theManager->GetConfig("a.ini");
+    vxConfigMapper theMapper;
+    vxtest::ScriptedLocks theLocks;
+    theLocks.mfNoteCalls = true;
+    sNotes = &theLocks;
+
+    theConfig->LoadMapper(theMapper, kTable);
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "read", "Unlock"));
+    theLocks.mCalls.clear();
+    EXPECT_TRUE(theConfig->Save());
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "save", "Unlock"));
+    theLocks.mCalls.clear();
+    theConfig->Lock(NULL);
+    EXPECT_TRUE(theConfig->Unlock(false));
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "Unlock"));
+    theLocks.mCalls.clear();
+    theManager->LoadMapper(theMapper, "a.ini", kTable);
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "find", "Unlock", "Lock", "read", "Unlock"));
+    sNotes = nullptr;
+}
+
+TEST(ConfigManagerTest, NamesAreNotSharedWithTheCaller) {
+    const Place thePlace;
+    const vxRef<vxConfigManager> theManager = NewManager();
+    vxCString theName("a name that a string holds in a block.ini");
+    const char* const theText = theName.c_str();
+    const vxRef<vxManagedConfig> theConfig = theManager->GetConfig(theName);
+    theName.SetCharAt(0, 'A');  // a shared block would be copied first
+    EXPECT_EQ(theName.c_str(), theText);
 }
 
 // Tells whether another thread gets the mutex; the caller must not hold it then.

@@ -223,9 +223,48 @@ TEST(ConfigMapperTest, ADefaultThatDoesNotFitIsTheNearestThatDoes) {
     const Row theSigned(kvxConfigEntryType_int16, "-70000");
     theMapper.Load(theSigned, NULL);
     EXPECT_EQ(theMapper.GetInt16("o"), -32768);
+    const Row theLarge(kvxConfigEntryType_int16, "32768");
+    theMapper.Load(theLarge, NULL);
+    EXPECT_EQ(theMapper.GetInt16("o"), 32767);
     const Row theText(kvxConfigEntryType_int32, "many");
     theMapper.Load(theText, NULL);
     EXPECT_EQ(theMapper.GetInt32("o"), 0);
+}
+
+TEST(ConfigMapperTest, AnyNumberButZeroIsATrueDefault) {
+    Reports theReports;
+    const Fixture theFixture("[s]\nk=perhaps\n");
+    const struct {
+        const char* mDefault;
+        bool mValue;
+    } kRows[] = {{"0", false}, {"00", false}, {"1", true}, {"2", true}, {"4294967295", true}};
+    for (const auto& theCase : kRows) {
+        SCOPED_TRACE(theCase.mDefault);
+        const Row theRow(kvxConfigEntryType_bool, theCase.mDefault);
+        vxConfigMapper theMapper;
+        theMapper.Load(theRow, NULL);
+        EXPECT_EQ(theMapper.OptionSet("o"), theCase.mValue);
+        theMapper.Load(theFixture.Config());
+        EXPECT_EQ(theMapper.OptionSet("o"), theCase.mValue);
+    }
+    EXPECT_THAT(theReports.Assertions(), IsEmpty());
+}
+
+TEST(ConfigMapperTest, TheFirstOfTwoRowsOfOneNameTellsTheType) {
+    const vxConfigMapperInfo kTwice[] = {
+        {"o", "s", "first", kvxConfigEntryType_uint16, "1"},
+        {"o", "s", "second", kvxConfigEntryType_string, "two"},
+        kEnd,
+    };
+    Reports theReports;
+    vxConfigMapper theMapper;
+    theMapper.Load(kTwice, NULL);
+    EXPECT_EQ(theMapper.GetMapperInfo("o"), &kTwice[0]);
+    theMapper.GetUInt16("o");
+    EXPECT_THAT(theReports.Assertions(), IsEmpty());
+    EXPECT_STREQ(theMapper.GetCString("o"), "");
+    EXPECT_THAT(theReports.Assertions(),
+                ElementsAre("CheckHasOption(anOptionName, kvxConfigEntryType_string)"));
 }
 
 TEST(ConfigMapperTest, WithoutATableThereIsNothing) {
@@ -502,6 +541,10 @@ TEST(ConfigMapperTest, ADumpIsOnlyForModulesThatLogAtDebugLevel) {
     vxLog_SetLevel(300, VXLOGLEVEL_INFO);
     vxConfigMapper().Dump(300);
     EXPECT_THAT(theReports.LogTexts(), IsEmpty());
+
+    vxLog_SetLevel(VXLOG_M_DEFAULT, VXLOGLEVEL_INFO);
+    vxConfigMapper().Dump(301);
+    EXPECT_THAT(theReports.LogTexts(), ElementsAre("    No configuration\n"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <libvxLog/Log.h>
+#include <libvxOS/Path.h>
 #include <libvxOS/User.h>
 
 #include <cstdlib>
@@ -23,11 +24,17 @@ using vxtest::TempDir;
 namespace {
 
 int64_t sUserID = 1000;
+std::string sDefaultPathOf;  // the file whose default directory was asked for last
 
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) int64_t vxUser_GetID(void) {
     return sUserID;
+}
+
+char* vxPath_GetDefaultConfigPath(const char* aFileName) {
+    sDefaultPathOf = aFileName;
+    return VXTEST_REAL(vxPath_GetDefaultConfigPath)(aFileName);
 }
 
 namespace {
@@ -285,6 +292,24 @@ TEST(ConfigConfigTest, PathsStandOutsideAnySection) {
     EXPECT_THAT(theReports.LogTexts(), ElementsAre("vxConfigConfig: ReadOnly  Path='/no/read'\n",
                                                    "vxConfigConfig: ReadWrite Path='/no/write'\n"));
     EXPECT_EQ(theReports.Records()[0].mLevel, VXLOGLEVEL_DEBUG);
+    EXPECT_EQ(theReports.Records()[1].mLevel, VXLOGLEVEL_DEBUG);
+}
+
+TEST(ConfigConfigTest, PathsThatAreOnlyAskedForAreNotMade) {
+    const TempDir theDir;
+    const Bootstrap theFile("ReadPath=" + theDir / "r" + "\nWritePath=" + theDir / "w" + "\n");
+    vxCString theRead, theWrite;
+    vxConfigConfig("ConfigPath.ini").GetPaths(theRead, theWrite);
+    EXPECT_EQ(theRead.c_str(), theDir / "r");
+    EXPECT_FALSE(theDir.Has("r"));
+    EXPECT_FALSE(theDir.Has("w"));
+}
+
+TEST(ConfigConfigTest, TheBootstrapLiesInTheDefaultDirectoryOfItsName) {
+    const Bootstrap theFile("");
+    theFile.Dir().Write("Other.ini", "[Brand]\nMBus=other\n");
+    EXPECT_STREQ(vxConfigConfig::GetBrandInfo("MBus", "Other.ini"), "other");
+    EXPECT_EQ(sDefaultPathOf, "Other.ini");
 }
 
 TEST(ConfigConfigTest, AbsentPathsAreTheCurrentDirectory) {
