@@ -105,6 +105,19 @@ TEST(CLIParameterCheckerTest, NumbersAreStored) {
     EXPECT_FALSE(theValue->IsMissing());
 }
 
+TEST(CLIParameterCheckerTest, WhatIsRefusedForItsSizeIsStoredNevertheless) {
+    const vxRef<vxCLIParameter> theValue = new vxCLIParameter;
+    vxCLIParameterChecker theNumber = Plain(kvxInteractiveParameterType_UInt8);
+    EXPECT_FALSE(theNumber.Validate("300", theValue));
+    EXPECT_EQ(theValue->GetType(), kvxInteractiveParameterType_UInt8);
+    EXPECT_EQ(theValue->_GetNumber(), 300.0);
+    EXPECT_FALSE(theNumber.Validate("x", theValue));
+    EXPECT_EQ(theValue->_GetNumber(), 300.0);
+    vxCLIParameterChecker theChar = Plain(kvxInteractiveParameterType_Char);
+    EXPECT_FALSE(theChar.Validate("ab", theValue));
+    EXPECT_STREQ(theValue->_GetText(), "ab");
+}
+
 struct TruthCase {
     const char* mText;
     int mValue;  // -1: refused

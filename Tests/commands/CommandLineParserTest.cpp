@@ -404,6 +404,13 @@ TEST_F(CommandLineParserTest, TheHelpSwitchStopsParsing) {
     EXPECT_EQ(Parse({"-nosuch", "-h"}), 1);
 }
 
+TEST_F(CommandLineParserTest, AHelpFlagOnAnOptionAsksForNothing) {
+    mParser.AddOption("h", "", kString, vxCommandLineFlag_HelpOption);
+    EXPECT_EQ(Parse({"-h", "-x"}), 0);
+    EXPECT_EQ(Text("h"), "-x");
+    EXPECT_EQ(ErrorOf({"-h"}), "Option 'h' requires a value\n");
+}
+
 TEST_F(CommandLineParserTest, AnErrorStandsBehindTheUsageWhenThatIsShown) {
     mParser.AddSwitch("v", "be verbose", 0);
     EXPECT_EQ(Parse({"-x"}, true), 1);
@@ -414,6 +421,17 @@ TEST_F(CommandLineParserTest, AnErrorStandsBehindTheUsageWhenThatIsShown) {
 TEST_F(CommandLineParserTest, ValuesFoundBeforeAnErrorStayReadable) {
     mParser.AddOption("p", "", kNumber, 0);
     EXPECT_EQ(ErrorOf({"-p5", "-x", "-p6"}), "Unknown option 'x'\n");
+    EXPECT_EQ(Number("p"), 5);
+}
+
+TEST_F(CommandLineParserTest, NothingIsFoundBeforeTheFirstParse) {
+    mParser.AddSwitch("v", "", 0);
+    mParser.AddOption("p", "", kNumber, 0);
+    mParser.SetCommandLine("program -v -p5", true);
+    EXPECT_FALSE(mParser.Found("v"));
+    EXPECT_EQ(Number("p"), -1);
+    EXPECT_EQ(mParser.Parse(false), 0);
+    EXPECT_TRUE(mParser.Found("v"));
     EXPECT_EQ(Number("p"), 5);
 }
 
@@ -490,6 +508,35 @@ TEST_F(CommandLineParserTest, AskingForAnotherTypeIsReported) {
     EXPECT_EQ(Number("s"), 0);
     EXPECT_THAT(mReports.Assertions(), ElementsAre("mType == vxCommandLineParameter_String",
                                                    "mType == vxCommandLineParameter_Number"));
+}
+
+TEST_F(CommandLineParserTest, ASwitchHasNoValueWhateverTypeItsRowNames) {
+    const vxCommandLineDescription kTable[] = {
+        {kSwitch, "s", "", kString, 0}, {kSwitch, "n", "", kNumber, 0}, kEnd};
+    mParser.SetDescription(kTable);
+    mParser.AddSwitch("t", "", 0);
+    EXPECT_EQ(Parse({"-s", "-n", "-t"}), 0);
+    EXPECT_EQ(Text("s"), "");
+    EXPECT_EQ(Number("n"), 0);
+    EXPECT_EQ(Text("t"), "");
+    EXPECT_EQ(Number("t"), 0);
+    EXPECT_THAT(mReports.Assertions(), ElementsAre("mType == vxCommandLineParameter_String",
+                                                   "mType == vxCommandLineParameter_Number",
+                                                   "mType == vxCommandLineParameter_String",
+                                                   "mType == vxCommandLineParameter_Number"));
+}
+
+TEST_F(CommandLineParserTest, ANewCommandLineForgetsTheArgumentsOfTheOld) {
+    mParser.AddParam("files", kString, vxCommandLineFlag_ParameterMultiple);
+    EXPECT_EQ(Parse({"a", "b"}), 0);
+    mParser.SetCommandLine("program c", true);
+    EXPECT_EQ(mParser.GetParameterCount(), 0u);
+    EXPECT_EQ(mParser.Parse(false), 0);
+    EXPECT_THAT(Positional(), ElementsAre("c"));
+    char theProgram[] = "program";
+    char* theArgv[] = {theProgram};
+    mParser.SetCommandLine(1, theArgv);
+    EXPECT_EQ(mParser.GetParameterCount(), 0u);
 }
 
 TEST_F(CommandLineParserTest, AParameterBeyondTheLastIsReported) {
