@@ -9,8 +9,10 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <string>
 #include <thread>
 
+#include "OneCore.h"
 #include "vx/Condition.h"
 #include "vx/Mutex.h"
 
@@ -168,13 +170,23 @@ void PingPong(benchmark::State& aState) {
     thePing.Signal();
     theOther.join();
 }
-BENCHMARK_TEMPLATE(PingPong, VxEvent)->Name("runtime/condition_pingpong/vx")->UseRealTime();
-BENCHMARK_TEMPLATE(PingPong, GlibEvent)->Name("runtime/condition_pingpong/GCond")->UseRealTime();
-BENCHMARK_TEMPLATE(PingPong, StdEvent)
-    ->Name("runtime/condition_pingpong/std_condition_variable")
-    ->UseRealTime();
-BENCHMARK_TEMPLATE(PingPong, PocoEvent)
-    ->Name("runtime/condition_pingpong/Poco_Event")
-    ->UseRealTime();
+
+template <typename Event>
+void Register(const std::string& aWho) {
+    benchmark::RegisterBenchmark(("runtime/condition_pingpong/" + aWho).c_str(), PingPong<Event>)
+        ->UseRealTime();
+    benchmark::RegisterBenchmark(
+        ("runtime/condition_pingpong_one_core/" + aWho).c_str(),
+        [](benchmark::State& aState) { bench::OnOneCore(aState, PingPong<Event>); })
+        ->MeasureProcessCPUTime();
+}
+
+const bool sfRegistered = [] {
+    Register<VxEvent>("vx");
+    Register<GlibEvent>("GCond");
+    Register<StdEvent>("std_condition_variable");
+    Register<PocoEvent>("Poco_Event");
+    return true;
+}();
 
 }  // namespace

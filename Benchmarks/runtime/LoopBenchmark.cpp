@@ -13,8 +13,10 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 #include <memory>
+#include <string>
 #include <thread>
 
+#include "OneCore.h"
 #include "vx/Applet.h"
 #include "vx/Condition.h"
 #include "vx/Select.h"
@@ -196,16 +198,23 @@ private:
     std::thread mThread;
 };
 
-BENCHMARK_TEMPLATE(WakeUp, VxLoop<SelectRoot>)->Name("runtime/loop_wakeup/vx")->UseRealTime();
-BENCHMARK_TEMPLATE(WakeUp, AsioLoop)->Name("runtime/loop_wakeup/boost_asio_post")->UseRealTime();
-BENCHMARK_TEMPLATE(WakeUp, QtLoop)->Name("runtime/loop_wakeup/Qt_postEvent")->UseRealTime();
-BENCHMARK_TEMPLATE(WakeUp, GlibLoop)
-    ->Name("runtime/loop_wakeup/GMainContext_invoke")
-    ->UseRealTime();
+template <typename Loop>
+void Register(const std::string& anItem, const std::string& aWho) {
+    benchmark::RegisterBenchmark((anItem + "/" + aWho).c_str(), WakeUp<Loop>)->UseRealTime();
+    benchmark::RegisterBenchmark(
+        (anItem + "_one_core/" + aWho).c_str(),
+        [](benchmark::State& aState) { bench::OnOneCore(aState, WakeUp<Loop>); })
+        ->MeasureProcessCPUTime();
+}
 
-// The same with a loop that watches no descriptors and sleeps on a condition.
-BENCHMARK_TEMPLATE(WakeUp, VxLoop<ConditionRoot>)
-    ->Name("runtime/loop_wakeup_condition/vx")
-    ->UseRealTime();
+const bool sfRegistered = [] {
+    Register<VxLoop<SelectRoot>>("runtime/loop_wakeup", "vx");
+    Register<AsioLoop>("runtime/loop_wakeup", "boost_asio_post");
+    Register<QtLoop>("runtime/loop_wakeup", "Qt_postEvent");
+    Register<GlibLoop>("runtime/loop_wakeup", "GMainContext_invoke");
+    // The same with a loop that watches no descriptors and sleeps on a condition.
+    Register<VxLoop<ConditionRoot>>("runtime/loop_wakeup_condition", "vx");
+    return true;
+}();
 
 }  // namespace
