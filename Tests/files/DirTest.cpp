@@ -225,6 +225,10 @@ TEST(DirTest, ADirectoryThatCannotBeReadOpensAndFindsNothing) {
     EXPECT_EQ(theWalk.Error(), kvxDirTraverserStatus_Error);
     theWalk.Close();
     EXPECT_EQ(theWalk.Error(), kvxDirTraverserStatus_NoError);
+    theWalk.Open((theDir / "none").c_str());
+    EXPECT_FALSE(theWalk.HasFiles("*"));
+    EXPECT_TRUE(theWalk.Open(theDir.Path().c_str()));
+    EXPECT_EQ(theWalk.Error(), kvxDirTraverserStatus_NoError);
     EXPECT_FALSE(theEntry.IsValid());
     EXPECT_THAT(theReports.Assertions(), IsEmpty());
 }

@@ -4,15 +4,20 @@
 #include <libvxOS/Dir.h>
 #include <libvxOS/File.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
+#include <filesystem>
 #include <functional>
+#include <iterator>
+#include <map>
 #include <memory>
 #include <optional>
 #include <random>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "support/Environment.h"
@@ -1117,6 +1122,241 @@ TEST(FileCacheManagerTest, AReadyFileThatCannotBeOpenedStaysAsOldAsItWas) {
     Produce(theManager, "c", 500);
     EXPECT_FALSE(theDir.Has("a"));
     EXPECT_TRUE(theDir.Has("b"));
+}
+
+// What a manager does with one thread, step by step: the files of the disk by their sizes, the records
+// in their order, and what is logged about them.
+class Model {
+public:
+    explicit Model(int64_t aLimit) : mLimit(aLimit) {}
+
+    // The size of the file that is opened; nothing where none is.
+    std::optional<int64_t> Open(const std::string& aName, int aMode, int aDate, bool* aCreated) {
+        *aCreated = false;
+        const auto theRecord = Find(aName);
+        if (theRecord != mRecords.end() && theRecord->mState == kvxFileCacheState_Ready) {
+            if (aMode == kvxFileCacheOpenMode_CreateReadWrite) {
+                return std::nullopt;
+            }
+            if (mDisk.count(aName) != 0) {
+                theRecord->mDate = aDate;
+                return mDisk[aName];
+            }
+        }
+        if ((theRecord != mRecords.end() && !Remove(aName)) || mDisk.count(aName) != 0) {
+            return std::nullopt;
+        }
+        mTexts.push_back("D Adding file '" + aName + "' to cache\n");
+        mRecords.push_back({aName, 0, aDate, kvxFileCacheState_Caching});
+        *aCreated = true;
+        return mDisk[aName] = 0;
+    }
+
+    void Report(const std::string& aName, int64_t aSize, int aDate, bool afOK) {
+        const auto theRecord = Find(aName);
+        if (theRecord != mRecords.end() && afOK) {
+            *theRecord = {aName, aSize, aDate, kvxFileCacheState_Ready};
+            mTotal += aSize;
+            MakeRoom();
+        } else if (theRecord != mRecords.end()) {
+            Remove(aName);
+        }
+    }
+
+    bool Remove(const std::string& aName) {
+        const bool theIsGone = mDisk.count(aName) == 0 || aName != mUnremovable;
+        const auto theRecord = Find(aName);
+        if (theIsGone) {
+            mDisk.erase(aName);
+        }
+        if (theRecord == mRecords.end()) {
+            mTexts.push_back("W Trying to remove a file '" + aName + "' not in cache\n");
+        } else if (!theIsGone) {
+            theRecord->mState = kvxFileCacheState_Stale;
+            mTexts.push_back("W Cannot remove file '" + aName + "', file set to stale state\n");
+        } else {
+            mRemoved.push_back(aName);
+            Forget(theRecord);
+        }
+        return theIsGone;
+    }
+
+    void FileRemoved(const std::string& aName) {
+        const auto theRecord = Find(aName);
+        if (theRecord != mRecords.end()) {
+            Forget(theRecord);
+        } else {
+            mTexts.push_back("E Cannot find file to remove '" + aName + "' in cache information\n");
+        }
+    }
+
+    bool Empty(int aDate) {
+        std::map<std::string, int64_t> theDisk;
+        theDisk.swap(mDisk);
+        mRecords.clear();
+        mTotal = 0;
+        if (theDisk.count(mUnremovable) != 0) {
+            mTotal = mDisk[mUnremovable] = theDisk[mUnremovable];
+            mRecords.push_back({mUnremovable, mTotal, aDate, kvxFileCacheState_Ready});
+        }
+        return mDisk.empty();
+    }
+
+    bool Is(const std::string& aName, int aState) {
+        const auto theRecord = Find(aName);
+        return theRecord != mRecords.end() && theRecord->mState == aState;
+    }
+
+    std::map<std::string, int64_t> mDisk;
+    std::string mUnremovable;
+    std::vector<std::string> mTexts;
+    std::vector<std::string> mRemoved;  // as the callback hears it
+
+private:
+    struct Record {
+        std::string mName;
+        int64_t mSize;
+        int mDate;
+        int mState;
+    };
+    using Place = std::vector<Record>::iterator;
+
+    Place Find(const std::string& aName) {
+        return std::find_if(mRecords.begin(), mRecords.end(),
+                            [&](const Record& aRecord) { return aRecord.mName == aName; });
+    }
+
+    void Forget(Place aRecord) {
+        mTotal -= aRecord->mSize < mTotal ? aRecord->mSize : 0;
+        mTexts.push_back("D Removing file '" + aRecord->mName + "' from cache\n");
+        mRecords.erase(aRecord);
+    }
+
+    void MakeRoom() {
+        if (mTotal <= mLimit) {
+            return;
+        }
+        mTexts.push_back("I About to remove files from cache current size " +
+                         std::to_string(mTotal) + " > " + std::to_string(mLimit) + "\n");
+        const auto theRank = [](const Record& aRecord) {
+            const int theGroup = aRecord.mState == kvxFileCacheState_Stale   ? 0
+                                 : aRecord.mState == kvxFileCacheState_Ready ? 1
+                                                                             : 2;
+            return std::make_pair(theGroup, theGroup == 1 ? aRecord.mDate : 0);
+        };
+        std::stable_sort(mRecords.begin(), mRecords.end(),
+                         [&](const Record& aLeft, const Record& aRight) {
+                             return theRank(aLeft) < theRank(aRight);
+                         });
+        size_t theIndex = 0;
+        while (theIndex < mRecords.size() && mTotal > mLimit &&
+               mRecords[theIndex].mState != kvxFileCacheState_Caching) {
+            theIndex += Remove(std::string(mRecords[theIndex].mName)) ? 0 : 1;
+        }
+        mTexts.push_back("I After removal cache size is " + std::to_string(mTotal) + "\n");
+    }
+
+    const int64_t mLimit;
+    std::vector<Record> mRecords;
+    int64_t mTotal = 0;
+};
+
+TEST(FileCacheManagerTest, AnySequenceMatchesAPlainModel) {
+    constexpr int64_t kLimit = 100;
+    const std::string kNames[] = {"a", "b", "c", "d", "e", "f"};
+    Reports theReports;
+    const TempDir theDir;
+    const GivenCreation theCreation(Creation::kGiven, {500, 0});
+    const Manager theManager = NewManager(theDir, kLimit);
+    Removals theRemovals;
+    theManager->SetFileRemovedCallBack(Removals::Note, &theRemovals);
+    Model theModel(kLimit);
+    std::map<std::string, File> theWriters;
+    std::optional<ScriptedDate> theScript;
+    std::mt19937 theRandom(62);
+    const auto theBelow = [&theRandom](size_t aLimit) { return theRandom() % aLimit; };
+    int theDate = 1000;
+    for (int theStep = 0; theStep < 1500; ++theStep) {
+        theDate += static_cast<int>(theBelow(2));
+        theScript.reset();
+        theScript.emplace(theDate);
+        theReports.Clear();
+        theModel.mTexts.clear();
+        const std::string& theName = kNames[theBelow(std::size(kNames))];
+        const Unremovable theFailure(theModel.mUnremovable.empty() ? ""
+                                                                   : "/" + theModel.mUnremovable);
+        bool theIsLogged = true;
+        switch (const size_t theKind = theBelow(20)) {
+            case 0:
+                EXPECT_EQ(theManager->RemoveTempFile(theName.c_str()), theModel.Remove(theName));
+                break;
+            case 1:
+                theManager->Cache_FileRemoved(theName.c_str());
+                theModel.FileRemoved(theName);
+                break;
+            case 2:
+                std::filesystem::remove(theDir / theName);
+                theModel.mDisk.erase(theName);
+                break;
+            case 3:
+                theDir.Write(theName, "others");
+                theModel.mDisk[theName] = 6;
+                break;
+            case 4:
+                theModel.mUnremovable = theBelow(2) == 0 ? "" : theName;
+                break;
+            case 5:
+                if (theBelow(4) == 0) {
+                    EXPECT_EQ(theManager->Empty(false), theModel.Empty(500));
+                    theIsLogged = false;  // with durations
+                }
+                break;
+            default: {
+                if (theModel.Is(theName, kvxFileCacheState_Caching)) {
+                    const bool theIsOK = theBelow(5) != 0;
+                    File& theWriter = theWriters[theName];
+                    const int64_t theSize = theWriter->Length();
+                    theManager->SetCachedFileState(theName.c_str(), theWriter.get(), theIsOK);
+                    EXPECT_EQ(theWriter->IsOpened(), theIsOK);
+                    theModel.Report(theName, theSize, theDate, theIsOK);
+                    break;
+                }
+                if (theKind == 6) {
+                    theManager->RemoveTempFile(theName.c_str());
+                    theModel.Remove(theName);
+                    break;
+                }
+                const int theMode = static_cast<int>(theBelow(4));
+                bool theCreated = true;
+                bool theIsCreated = false;
+                File theFile = Open(theManager, theName, &theCreated, theMode);
+                const auto theSize = theModel.Open(theName, theMode, theDate, &theIsCreated);
+                EXPECT_EQ(theCreated, theIsCreated);
+                EXPECT_EQ(theFile != nullptr, theSize.has_value());
+                if (theFile != nullptr) {
+                    EXPECT_EQ(theFile->Length(), *theSize);
+                }
+                if (theIsCreated && (theMode == 0 || theMode == 3)) {
+                    const std::string theBytes(theBelow(60), 'x');
+                    EXPECT_EQ(theFile->Write(theBytes.data(), theBytes.size()), theBytes.size());
+                    theModel.mDisk[theName] = static_cast<int64_t>(theBytes.size());
+                }
+                if (theIsCreated) {
+                    theWriters[theName] = std::move(theFile);
+                }
+            }
+        }
+        if (theIsLogged) {
+            ASSERT_EQ(CacheTexts(theReports), theModel.mTexts) << "step " << theStep;
+        }
+        ASSERT_EQ(theRemovals.mNames, theModel.mRemoved) << "step " << theStep;
+        std::map<std::string, int64_t> theDisk;
+        for (const auto& theFile : std::filesystem::directory_iterator(theDir.Path())) {
+            theDisk[theFile.path().filename()] = static_cast<int64_t>(theFile.file_size());
+        }
+        ASSERT_EQ(theDisk, theModel.mDisk) << "step " << theStep;
+        ASSERT_FALSE(HasFailure()) << "step " << theStep;
+    }
 }
 
 // Several threads

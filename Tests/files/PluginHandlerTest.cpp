@@ -100,7 +100,8 @@ TEST_F(PluginHandlerTest, AFileThatIsNoLibraryIsLoggedInTheWordsOfTheLoader) {
     ASSERT_EQ(theReports.Records().size(), 1U);
     EXPECT_EQ(theReports.Records()[0].mLevel, VXLOGLEVEL_ERROR);
     EXPECT_EQ(theReports.Records()[0].mModule, VXLOG_M_PLUGIN);
-    EXPECT_THAT(theReports.Records()[0].mText, testing::StartsWith(thePath + ": "));
+    EXPECT_THAT(theReports.Records()[0].mText,
+                testing::AllOf(testing::StartsWith(thePath + ": "), testing::EndsWith("\n")));
     EXPECT_THAT(mJournal, IsEmpty());
     EXPECT_EQ(sPlatform.mUnloads, 0);
 }

@@ -223,6 +223,8 @@ TEST(MediaInfoTest, NumbersAreReadFromTheWholeTextOrAreTheDefault) {
     theInfo.Set("real", "1.5", true);
     theInfo.Set("huge", "1e39", true);
     theInfo.Set("low", "-1e39", true);
+    theInfo.Set("largest", "340282346638528859811704183484516925440", true);
+    theInfo.Set("smallest", "-340282346638528859811704183484516925440", true);
     theInfo.Set("rest", "12 ", true);
     theInfo.Set("empty", "", true);
     theInfo.Set("ti", "1999", true);
@@ -249,6 +251,8 @@ TEST(MediaInfoTest, NumbersAreReadFromTheWholeTextOrAreTheDefault) {
     EXPECT_EQ(theInfo.GetFloat("real", 7), 1.5f);
     EXPECT_EQ(theInfo.GetFloat("min", 7), -2147483648.0f);
     EXPECT_EQ(theInfo.GetFloat("ti", 7), 1999.0f);
+    EXPECT_EQ(theInfo.GetFloat("largest", 7), std::numeric_limits<float>::max());
+    EXPECT_EQ(theInfo.GetFloat("smallest", 7), std::numeric_limits<float>::lowest());
     for (const char* theKey : {"huge", "low", "rest", "empty", "absent", "cr"}) {
         SCOPED_TRACE(theKey);
         EXPECT_EQ(theInfo.GetFloat(theKey, 0.5f), 0.5f);

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "support/Environment.h"
+#include "support/Forward.h"
 #include "support/ScriptedIO.h"
 #include "support/TempDir.h"
 
@@ -19,6 +20,17 @@ using vxtest::Fails;
 using vxtest::Moves;
 using vxtest::ScriptedIO;
 using vxtest::TempDir;
+
+namespace {
+
+int sAccessMode = -1;  // that the system was asked for last
+
+}  // namespace
+
+int access(const char* aPath, int aMode) noexcept {
+    sAccessMode = aMode;
+    return VXTEST_REAL(access)(aPath, aMode);
+}
 
 namespace {
 
@@ -452,6 +464,12 @@ TEST(OSFileTest, AccessAsksForExistenceAtLeast) {
     for (const int theMode : {0, 1, 2, 3}) {
         EXPECT_EQ(vxFile_Access(theFile.c_str(), theMode), 0) << theMode;
         EXPECT_EQ(vxFile_Access((theDir / "none").c_str(), theMode), kvxFileErrorNotFound);
+    }
+    // Root may do almost everything: what the system was asked counts.
+    const int kModes[] = {F_OK, R_OK, W_OK, R_OK | W_OK};
+    for (const int theMode : {0, 1, 2, 3}) {
+        vxFile_Access(theFile.c_str(), theMode);
+        EXPECT_EQ(sAccessMode, kModes[theMode]) << theMode;
     }
     // Root may write everything but what the system keeps for itself.
     EXPECT_EQ(vxFile_Access("/proc/version", vxFileAccessMode_Read), 0);
