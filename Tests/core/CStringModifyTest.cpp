@@ -261,10 +261,10 @@ TEST(CStringModifyTest, TrimRemovesWhitespaceAtOneEndOrBoth) {
 }
 
 TEST(CStringModifyTest, CaseIsThatOfASCII) {
-    const vxCString theText("aZ09@[`{\xE4\xC4");
-    EXPECT_EQ(Text(theText.Upper()), "AZ09@[`{\xE4\xC4");
-    EXPECT_EQ(Text(theText.Lower()), "az09@[`{\xE4\xC4");
-    EXPECT_EQ(Text(theText), "aZ09@[`{\xE4\xC4");
+    const vxCString theText("aAzZ09@[`{\xE4\xC4");
+    EXPECT_EQ(Text(theText.Upper()), "AAZZ09@[`{\xE4\xC4");
+    EXPECT_EQ(Text(theText.Lower()), "aazz09@[`{\xE4\xC4");
+    EXPECT_EQ(Text(theText), "aAzZ09@[`{\xE4\xC4");
     EXPECT_EQ(Text(vxCString("a\0b", 3).Upper()), std::string("A\0B", 3));
     EXPECT_EQ(vxCString().Upper().c_str(), vxEmptyCString);
 }

@@ -305,6 +305,19 @@ TEST(GrowingBufferTest, LackOfMemoryIsReportedAndKeepsWhatIsWritten) {
     EXPECT_THAT(theReports.Assertions(), IsEmpty());
 }
 
+TEST(GrowingBufferTest, AppendsItsOwnBytesAlsoWhileItGrows) {
+    vxGrowingBuffer theBuffer(3);
+    theBuffer += "abc";
+    theBuffer.Append(theBuffer.data() + 1, 2);
+    EXPECT_EQ(Text(theBuffer), "abcbc");
+    std::string theModel = "abcbc";
+    while (theModel.size() < 100000) {
+        theBuffer.Append(theBuffer.data(), theBuffer.GetPosition());
+        theModel += theModel;
+        ASSERT_TRUE(Text(theBuffer) == theModel);
+    }
+}
+
 TEST(GrowingBufferTest, HoldsWhatWasAppendedInWhateverPieces) {
     std::mt19937 theRandom(128);
     vxGrowingBuffer theBuffer(0);

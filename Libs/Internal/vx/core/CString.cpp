@@ -317,9 +317,9 @@ void vxCString::Splice(size_t aPos, size_t aCount, const char* aStr, size_t aLen
         Reinit();
         return;
     }
-    // A text that shrinks gives memory back, one that grows uses up what it has.
+    // A text that shrinks gives memory back; one that grows moves where Alloc() would move it.
     const size_t theCapacity = mCStringData->mAllocatedLength;
-    const bool theFits = theNewLength > theLength ? theNewLength <= theCapacity
+    const bool theFits = theNewLength > theLength ? theNewLength < theCapacity
                                                   : vxCapacityFor(theNewLength) == theCapacity;
     if (IsOwned() && theFits && (aLength == 0 || !Holds(aStr))) {
         memmove(mStringPtr + aPos + aLength, mStringPtr + aPos + aCount, theRest);
@@ -366,6 +366,8 @@ void vxCString::Construct(const char* aStr, size_t aPos, size_t aLength) {
                   "vxCString::InitWith: initialization from a nil string with a non-empty size is "
                   "deprecated\n");
         }
+        // The empty text takes its place, and so has no other position.
+        VXASSERT_TEXT(aPos == 0 || aLength != npos, "aPos <= strlen(aStr)");
         return;
     }
     if (aLength == npos) {

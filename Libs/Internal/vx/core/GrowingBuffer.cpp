@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <utility>
 
 namespace {
@@ -108,11 +109,17 @@ char* vxGrowingBuffer::TakeOwnership(bool afShrink, size_t* aLength) {
     return std::exchange(mPtr, nullptr);
 }
 
-// Asks for room for `aLength` more bytes than the block holds; false when there is none.
-bool vxGrowingBuffer::Grow(size_t aLength) {
+// Appends bytes that the block has no room for; it moves, and the bytes may lie in it.
+void vxGrowingBuffer::AppendGrowing(const char* aPtr, size_t aLength) {
+    const std::less<const char*> theOrder;
+    const bool fOwn = !theOrder(aPtr, mPtr) && theOrder(aPtr, mPtr + mPos);
+    const size_t theOffset = fOwn ? static_cast<size_t>(aPtr - mPtr) : 0;
     const size_t theSize = mNewBufferSizeFunc(mPos, aLength);
     if (theSize > mSize) {
         Realloc(theSize);
     }
-    return aLength <= mSize - mPos;
+    if (aLength <= mSize - mPos) {
+        memcpy(mPtr + mPos, fOwn ? mPtr + theOffset : aPtr, aLength);
+        mPos += aLength;
+    }
 }

@@ -139,7 +139,8 @@ public:
     /// is not checked against the source. A null text gives the empty string, and is logged at debug
     /// level when a position or a length comes with it.
     ///
-    /// Asserts:  with `npos`: aPos <= strlen(aStr); the string is empty then.
+    /// Asserts:  with `npos`: aPos <= strlen(aStr), where null counts as the empty text; the string is
+    ///           empty then.
     void InitWith(const char* aStr, size_t aPos, size_t aLength);
 
     /// Points at the empty block and forgets the old one without releasing it; for a string whose

@@ -41,17 +41,22 @@ public:
 
     /// Copies `aLength` bytes from `aPtr` behind those already written; zeros count as data.
     ///
-    /// The bytes must lie outside this buffer: growing moves the block, so every pointer into it
-    /// may dangle afterwards. How far it grows is the size function's choice.
+    /// The bytes may be some of those already written. Growing moves the block, so every pointer
+    /// into it may dangle afterwards. How far it grows is the size function's choice.
     ///
     /// Asserts:  aPtr != NULL, even for no bytes at all; nothing is appended.
     /// Fails:    reports the fatal error "memory:malloc"; if that returns, nothing is appended.
     /// Cost:     one reallocation per growth step, otherwise a copy.
     void Append(const char* aPtr, size_t aLength) {
         VXASSERT(aPtr != NULL);
-        if (aPtr != NULL && (aLength <= mSize - mPos || Grow(aLength)) && aLength > 0) {
+        if (aPtr == NULL || aLength == 0) {
+            return;
+        }
+        if (aLength <= mSize - mPos) {
             memcpy(mPtr + mPos, aPtr, aLength);
             mPos += aLength;
+        } else {
+            AppendGrowing(aPtr, aLength);
         }
     }
 
@@ -99,7 +104,7 @@ public:
     size_t GetPosition() const { return mPos; }
 
 private:
-    bool Grow(size_t aLength);
+    void AppendGrowing(const char* aPtr, size_t aLength);
 
     char* mPtr;    // null until the first byte
     size_t mSize;  // capacity
