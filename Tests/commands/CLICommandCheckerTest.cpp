@@ -80,6 +80,17 @@ TEST(CLICommandCheckerTest, GivesOneValuePerDeclaredParameter) {
     EXPECT_EQ(theParameters.At(1)->_GetRefCount(), 1);
 }
 
+TEST(CLICommandCheckerTest, ValuesAreAppendedToWhatTheArrayHolds) {
+    Parameters theParameters;
+    EXPECT_EQ(Validate("a:ui8 (b:ui8:4)", "1", theParameters), "");
+    EXPECT_EQ(Validate("a:ui8 (b:ui8:5) (c:str)", "2", theParameters), "");
+    ASSERT_EQ(theParameters.Count(), 5u);
+    EXPECT_EQ(theParameters.At(1)->GetUInt8(), 4);
+    EXPECT_EQ(theParameters.At(2)->GetUInt8(), 2);
+    EXPECT_EQ(theParameters.At(3)->GetUInt8(), 5);
+    EXPECT_STREQ(theParameters.At(4)->GetString(), "");
+}
+
 TEST(CLICommandCheckerTest, ATypedOptionalParameterIsNotMissing) {
     Parameters theParameters;
     EXPECT_EQ(Validate("(a:ui8:3) (b:ui8:4)", "5", theParameters), "");

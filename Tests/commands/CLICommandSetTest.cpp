@@ -23,6 +23,10 @@ TEST(CLICommandSetTest, ModuleNamesAreSplitAndTrimmed) {
     EXPECT_EQ(NamesOf("  network , net\t"), "network,net");
     EXPECT_EQ(NamesOf(",,net,, ,x,"), "net,x");
     EXPECT_EQ(NamesOf("a\\,b,c"), "a\\,b,c");
+    const vxCLICommandSet theEscaped("a\\,b,c\\\\");
+    ASSERT_EQ(theEscaped.GetModuleNameList().GetCount(), 2u);
+    EXPECT_STREQ(theEscaped.GetModuleNameList().GetAt(0), "a,b");
+    EXPECT_STREQ(theEscaped.GetModuleNameList().GetAt(1), "c\\\\");
     EXPECT_EQ(NamesOf("two words"), "two words");
     EXPECT_EQ(ErrorOf("net"), "");
 }
@@ -47,8 +51,10 @@ TEST(CLICommandSetTest, EveryNameOfACommandIsAnEntry) {
     vxCLICommandSet theSet("net");
     theSet.Add(" show , list,,", "", "show all");
     theSet.Add("stop", "", "stop all");
+    theSet.Add("on\\,off", "", "a name with a comma");
     EXPECT_STREQ(theSet.GetError(), "");
-    EXPECT_EQ(theSet.GetCommandCount(), 3u);
+    EXPECT_TRUE(theSet.HasCommand("on,off"));
+    EXPECT_EQ(theSet.GetCommandCount(), 4u);
     EXPECT_TRUE(theSet.HasCommand("show"));
     EXPECT_TRUE(theSet.HasCommand("list"));
     EXPECT_FALSE(theSet.HasCommand("Show"));
@@ -199,6 +205,7 @@ TEST_F(CLICommandSetValidateTest, TheFirstOverloadThatAcceptsWins) {
     EXPECT_EQ(static_cast<vxCLIParameter*>(vxArray_At(mParameters, 0))->GetUInt8(), 5);
     EXPECT_STREQ(mCommands.GetString('\0'), "set");
     EXPECT_TRUE(Validate("s on"));
+    EXPECT_STREQ(mText, "");
     EXPECT_TRUE(Validate("\"none\""));
     EXPECT_EQ(vxArray_GetCount(mParameters), 0u);
 }
@@ -208,6 +215,7 @@ TEST_F(CLICommandSetValidateTest, TheLastOverloadsErrorStays) {
     EXPECT_STREQ(mError, "ERROR: Invalid parameter 1: 'x'");
     EXPECT_FALSE(Validate("set on 5"));
     EXPECT_STREQ(mError, "ERROR: Invalid parameter 1: 'on'");
+    EXPECT_STREQ(mText, "on 5");
     EXPECT_EQ(mCommands.GetCount(), 0u);
 }
 

@@ -188,6 +188,10 @@ TEST_F(CLIManagerTest, ExitIsARequest) {
     EXPECT_TRUE(mManager->Parse("!exit")->IsExit());
     EXPECT_FALSE(mManager->Parse("exit now")->IsExit());
     EXPECT_FALSE(mManager->Parse("help")->IsExit());
+    mNet->Add("exit", "", "leave the net");
+    const vxRef<vxCLICommand> theOther = mManager->Parse("net exit");
+    EXPECT_TRUE(theOther->Is("net", "exit"));
+    EXPECT_FALSE(theOther->IsExit());
 }
 
 TEST_F(CLIManagerTest, HelpListsModulesOnceInTheOrderOfRegistration) {
@@ -298,10 +302,13 @@ TEST_F(CLIManagerTest, InternalCommandsNeedNoModule) {
     EXPECT_TRUE(theCommand->Is("about", "version"));
     EXPECT_STREQ(theCommand->Parameter(0)->GetString(), "net");
     EXPECT_EQ(mManager->Parse("'two words' 5")->Parameter(0)->GetUInt8(), 5);
+    EXPECT_EQ(theInternal->_GetRefCount(), 3);  // the test, the manager and theCommand
     mManager->Parse("!net");
     EXPECT_TRUE(mManager->Parse("!about")->IsValid());
-    mManager->Parse("!");
     mManager->Remove(theInternal);
+    EXPECT_EQ(theInternal->_GetRefCount(), 2);
+    EXPECT_STREQ(mManager->GetActiveModuleName(), "net");
+    mManager->Parse("!");
     EXPECT_EQ(ErrorOf("about"),
               "ERROR: Unknown module 'about'. Type 'help' to display the list of modules");
 }
@@ -372,6 +379,7 @@ TEST_F(CLIManagerTest, TheMainNameIsTheFirstThatWasFree) {
     vxtest::Reports theReports;
     mManager->Add(new vxCLICommandSet("net,lan"));
     EXPECT_EQ(HelpOf("help"), "Available modules:\n    !\n    network,net\n    net,lan\n");
+    EXPECT_STREQ(mNet->_GetMainModuleName(), "network");
 }
 
 TEST_F(CLIManagerTest, RemovingAModuleLeavesIt) {

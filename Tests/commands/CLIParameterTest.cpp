@@ -64,6 +64,8 @@ TEST(CLIParameterTest, GettersTruncateTowardZero) {
     EXPECT_TRUE(theParameter.GetBool());
     theParameter.SetValue(kvxInteractiveParameterType_Bool, 0.0);
     EXPECT_FALSE(theParameter.GetBool());
+    theParameter.SetValue(kvxInteractiveParameterType_Bool, -0.5);
+    EXPECT_TRUE(theParameter.GetBool());
     EXPECT_THAT(theReports.Assertions(), IsEmpty());
 }
 
@@ -83,6 +85,17 @@ TEST(CLIParameterTest, TextGettersReadTheText) {
     EXPECT_EQ(theParameter.GetChar(), '\0');
     theParameter.SetValue(kvxInteractiveParameterType_Litteral, vxCString("on"));
     EXPECT_STREQ(theParameter.GetString(), "on");
+}
+
+TEST(CLIParameterTest, AValueOfOneKindLeavesThoseOfTheOthers) {
+    vxCLIParameter theParameter("words");
+    theParameter.SetValue(kvxInteractiveParameterType_Double, 2.5);
+    EXPECT_STREQ(theParameter._GetText(), "words");
+    theParameter.SetValue(kvxInteractiveParameterType_Str, vxCString("others"));
+    EXPECT_EQ(theParameter._GetNumber(), 2.5);
+    theParameter.SetValue(kvxInteractiveParameterType_Base64, new vxCountedDataBuffer("ab", 2));
+    EXPECT_EQ(theParameter._GetNumber(), 2.5);
+    EXPECT_STREQ(theParameter._GetText(), "others");
 }
 
 TEST(CLIParameterTest, DataBufferIsShared) {

@@ -738,6 +738,14 @@ TEST_F(CommandLineParserTest, UsageOfAProgramWhoseNameIsUnknown) {
     }
 }
 
+TEST_F(CommandLineParserTest, UsageOfAnOptionWithoutATypeIsReported) {
+    mParser.AddOption("x", "what", vxCommandLineParameter_None, 0);
+    EXPECT_EQ(std::string(mParser.GetUsageString()),
+              "Usage: " + ProgramName() + " [-x<str>]\n  -x <str>\twhat\n");
+    EXPECT_THAT(mReports.Assertions(), testing::Each("Unknown option type"));
+    EXPECT_FALSE(mReports.Assertions().empty());
+}
+
 TEST_F(CommandLineParserTest, UsageOfAnOptionalMultipleParameter) {
     mParser.AddParam("files", kString,
                      vxCommandLineFlag_ParameterOptional | vxCommandLineFlag_ParameterMultiple);

@@ -181,6 +181,7 @@ constexpr EntityCase kEntityCases[] = {
     {"&amp", "&amp;amp", "&amp;amp"},
     {"&am", "&amp;am", "&amp;am"},
     {"&lt;", "&amp;lt;", "&amp;lt;"},
+    {"&AMP;", "&amp;AMP;", "&amp;AMP;"},
     {"&&amp;", "&amp;&amp;", "&amp;&amp;"},
     {"&amp;amp;", "&amp;amp;", "&amp;amp;"},
     {"'", "'", "'"},
