@@ -141,8 +141,10 @@ TEST(SerializeTest, TheQuoteFlagTakesQuotesAway) {
     theFormatter.String("d\n", false);
     theFormatter.MapKey("e", false);
     theFormatter.Identifier("f");
+    theFormatter.MapKey("g", false);
+    theFormatter.String(L"h\"", true);
     theFormatter.MapEnd();
-    EXPECT_STREQ(theFormatter.Result(), "{a\\\":b\\n,\"c\\\"\":\"d\\n\",\"e\":\"f\",}");
+    EXPECT_STREQ(theFormatter.Result(), "{a\\\":b\\n,\"c\\\"\":\"d\\n\",\"e\":\"f\",\"g\":h\\\",}");
 }
 
 TEST(SerializeTest, ValuesHaveTheirFormats) {
@@ -240,6 +242,14 @@ TEST(SerializeTest, ResetStartsOverAndKeepsTheLayout) {
     theFormatter.MapEnd();
     EXPECT_STREQ(theFormatter.Result(), "\n{,\n}");
     EXPECT_STREQ(theOld, "\n{");
+}
+
+TEST(SerializeTest, ResetForgetsThatAMapHasBegun) {
+    vxJSONFormatter theFormatter;
+    theFormatter.MapBegin();
+    theFormatter.Reset();
+    theFormatter.MapKey("a", false);
+    EXPECT_STREQ(theFormatter.Result(), ",\"a\":");
 }
 
 TEST(SerializeTest, AMapThatEndsTwiceIsReportedWhereLinesAreLaidOut) {
@@ -498,6 +508,10 @@ const ReadCase kGoodCases[] = {
     {"/* a */[/**/1/***/,//x\n2]// end", 0, "[ U32=1 , U32=2 ]", 2, 9},
     {"{/*a*/'a'/*b*/:/*c*/1/*d*/,/*e*/}/*f*/", 0, "{ key=a U32=1 }", 1, 39},
     {"1//\n", 0, "U32=1", 2, 1},
+    {"[1,// x \r 2\n3]", 0, "[ U32=1 , U32=3 ]", 2, 3},
+    {"/*/ */1", 0, "U32=1", 1, 8},
+    {"/**//*//*/1", 0, "U32=1", 1, 12},
+    {"1 //*\n", 0, "U32=1", 2, 1},
 };
 
 TEST(SerializeTest, ReadsValuesArraysObjectsAndComments) {
@@ -826,6 +840,24 @@ TEST(SerializeTest, ValuesOutsideAPropertyAreRefused) {
     const OwnedList theList(theBuilder.TakePropertyList());
     EXPECT_EQ(Written(theList), "{\"a\":1,}");
     EXPECT_EQ(theBuilder.TakePropertyList(), nullptr);
+}
+
+TEST(SerializeTest, ANestedMapRefusesValuesBeforeItsFirstKey) {
+    vxPropertyListFormatter theBuilder;
+    theBuilder.MapBegin();
+    theBuilder.MapKey("a", false);
+    EXPECT_EQ(theBuilder.U32(1), 0);
+    EXPECT_EQ(theBuilder.MapBegin(), 0);
+    EXPECT_EQ(theBuilder.U32(2), kvxSerialize_NoProperty);
+    EXPECT_EQ(theBuilder.MapBegin(), kvxSerialize_NoProperty);
+    EXPECT_EQ(theBuilder.MapEnd(), 0);
+    EXPECT_EQ(theBuilder.U32(3), 0);
+    const OwnedList theList(theBuilder.TakePropertyList());
+    vxProperty* theProperty = vxPropertyList_Find(theList, "a");
+    ASSERT_EQ(vxProperty_GetCount(theProperty), 3U);
+    EXPECT_EQ(vxPropertyList_GetCount(vxData_Get_propertyList(vxProperty_GetAt(theProperty, 1))),
+              0U);
+    EXPECT_EQ(vxData_Get_uint32(vxProperty_GetAt(theProperty, 2)), 3U);
 }
 
 TEST(SerializeTest, AnUnfinishedListCanBeTakenFromTheOutside) {
