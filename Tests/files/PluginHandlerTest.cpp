@@ -1,5 +1,6 @@
 #include "vx/PluginHandler.h"
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <libvxLog/Log.h>
@@ -149,7 +150,8 @@ TEST_F(PluginHandlerTest, LoadingASecondFileIsReportedAndTheFirstStays) {
 
 TEST_F(PluginHandlerTest, UnloadFinalizesThenUnloadsAndForgetsTheEntryPoints) {
     ProbeHandler theHandler(mJournal);
-    theHandler.Load(mDir.AddComplete("Complete.so").c_str());
+    const std::string thePath = mDir.AddComplete("Complete.so");
+    theHandler.Load(thePath.c_str());
     Reports theReports;
 
     theHandler.Unload();
@@ -157,6 +159,7 @@ TEST_F(PluginHandlerTest, UnloadFinalizesThenUnloadsAndForgetsTheEntryPoints) {
     ExpectNothingLoaded(theHandler);
     EXPECT_THAT(mJournal, ElementsAre("finalize Complete"));
     EXPECT_EQ(sPlatform.mUnloads, 1);
+    EXPECT_EQ(dlopen(thePath.c_str(), RTLD_LAZY | RTLD_NOLOAD), nullptr);
     EXPECT_THAT(theReports.Records(),
                 ElementsAre(IsRecord(VXLOGLEVEL_INFO, "Unloading Plugin 'Complete'...\n"),
                             IsDuration("Unloaded Plugin 'Complete' in ")));

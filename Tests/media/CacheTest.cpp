@@ -424,6 +424,20 @@ TEST(CacheTest, AvailableObjectsMayBeAttached) {
     EXPECT_EQ(theB->_GetRefCount(), 2);
 }
 
+TEST(CacheTest, AnAvailableObjectForWhichThereIsNoRoomForgetsWhenItIsAttached) {
+    vxCache theCache(kNoLimit, 0);
+    const CachedRef theA = NewAttached(theCache, "a");
+    theA->Want();
+    const CachedRef theB = new Cached("b");
+    theB->Want();
+    theB->TakeCalls();
+    theCache.Attach(theB.Get());
+    EXPECT_THAT(theB->TakeCalls(), ElementsAre("Forget", "Trash"));
+    EXPECT_THAT(Availables(theCache), ElementsAre("a"));
+    EXPECT_THAT(Elements(theCache), ElementsAre("a", "b"));
+    EXPECT_EQ(theB->_GetRefCount(), 1);
+}
+
 TEST(CacheTest, AttachingAnUnavailableObjectRunsNoPass) {
     Reports theReports;
     vxCache theCache(kNoLimit, kNoLimit);

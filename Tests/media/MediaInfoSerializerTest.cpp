@@ -128,7 +128,7 @@ TEST(MediaInfoSerializerTest, TheListReadHasTheTypesOfTheText) {
 
 TEST(MediaInfoSerializerTest, TextsOfTheTwoKeysBecomePackedDataOneByOne) {
     const OwnedList theList(vxMediaInfoSerializer::Deserialize(
-        R"({"md":["a%00b","","%","c%2"],"rd":"%41","mdx":"%41"})"));
+        R"({"md":["a%00b","","%","c%2"],"rd":"%41","mdx":"%41","MD":"%42","rD":"%43"})"));
     const vxProperty* theProperty = vxPropertyList_Find(theList, "md");
     ASSERT_EQ(vxProperty_GetCount(theProperty), 4U);
     EXPECT_EQ(BytesOf(vxProperty_GetAt(theProperty, 0)), std::string("a\0b", 3));
@@ -138,6 +138,8 @@ TEST(MediaInfoSerializerTest, TextsOfTheTwoKeysBecomePackedDataOneByOne) {
     EXPECT_EQ(BytesOf(ValueOf(theList, "rd")), "A");
     EXPECT_EQ(vxProperty_GetCount(vxPropertyList_Find(theList, "rd")), 1U);
     EXPECT_STREQ(vxPropertyList_Get_charPtr(theList, "mdx"), "%41");
+    EXPECT_STREQ(vxPropertyList_Get_charPtr(theList, "MD"), "%42");
+    EXPECT_STREQ(vxPropertyList_Get_charPtr(theList, "rD"), "%43");
 }
 
 TEST(MediaInfoSerializerTest, WideTextsAndNumbersOfTheTwoKeysAreReadToo) {

@@ -142,6 +142,15 @@ TEST(MediaInfoTest, ANewInfoKnowsNothing) {
     EXPECT_EQ(theInfo.GetCoverArtEncodedOffset(), 0U);
     EXPECT_EQ(theInfo.GetDiscNumber(), 0);
     EXPECT_EQ(theInfo.GetTrackNumber(), 0);
+    for (const char* theKey : {"ti", "mt", "du"}) {
+        SCOPED_TRACE(theKey);
+        EXPECT_EQ(theInfo.Peek(theKey), nullptr);
+        EXPECT_STREQ(theInfo.GetStr(theKey, "none"), "none");
+        EXPECT_EQ(theInfo.GetUInt32(theKey, 7), 7U);
+        EXPECT_EQ(theInfo.GetInt(theKey, -7), -7);
+        EXPECT_TRUE(theInfo.GetUInt64(theKey, 7) == 7);
+        EXPECT_EQ(theInfo.GetFloat(theKey, 0.5f), 0.5f);
+    }
 }
 
 // Values by key
