@@ -74,6 +74,32 @@ inline const char* vxFindAnyOf(const char* aText, const char* anEnd, Byte... aBy
     return aText;
 }
 
+/// Are all bytes at least 0x20 and below 0x80?
+inline bool vxIsPrintingASCII(vxBytes aBytes) {
+    return (((aBytes - vxRepeat(0x20)) | aBytes) & vxRepeat(0x80)) == 0;
+}
+
+/// Are two texts of one length the same? Made for short ones.
+inline bool vxAreSame(const char* aLeft, const char* aRight, size_t aLength) {
+    if (aLength >= sizeof(vxBytes)) {
+        return aLength > 2 * sizeof(vxBytes)
+                   ? memcmp(aLeft, aRight, aLength) == 0
+                   : vxLoadBytes(aLeft) == vxLoadBytes(aRight) &&
+                         vxLoadBytes(aLeft + aLength - sizeof(vxBytes)) ==
+                             vxLoadBytes(aRight + aLength - sizeof(vxBytes));
+    }
+    if (aLength >= sizeof(uint32_t)) {
+        uint32_t theWords[4];
+        memcpy(&theWords[0], aLeft, sizeof(uint32_t));
+        memcpy(&theWords[1], aRight, sizeof(uint32_t));
+        memcpy(&theWords[2], aLeft + aLength - sizeof(uint32_t), sizeof(uint32_t));
+        memcpy(&theWords[3], aRight + aLength - sizeof(uint32_t), sizeof(uint32_t));
+        return theWords[0] == theWords[1] && theWords[2] == theWords[3];
+    }
+    return aLength == 0 || (aLeft[0] == aRight[0] && aLeft[aLength / 2] == aRight[aLength / 2] &&
+                            aLeft[aLength - 1] == aRight[aLength - 1]);
+}
+
 /// Is one of the bytes below 0x20 and no line feed?
 inline bool vxHasControlButLineFeed(vxBytes aBytes) {
     const vxBytes theLows = vxRepeat(0x7F);

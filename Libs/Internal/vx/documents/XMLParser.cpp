@@ -1,13 +1,15 @@
 // One pass over the bytes, an explicit stack of open elements, and no entity that could grow.
 //
 // Names are looked up among those met before, so that equal names share one block: a document has few
-// of them, and comparing two is comparing pointers. Blanks between tags become nodes only when their
-// element turns out to hold text.
+// of them, and comparing two is comparing pointers. A name remembers the element that had it last as an
+// attribute, so that a second one shows without a search. Blanks between tags become nodes only when
+// their element turns out to hold text.
 
 #include "vx/XMLParser.h"
 
 #include "Bytes.h"
 
+#include <libteskTools/HashTable.h>
 #include <libteskTools/Unicode.h>
 
 #include <algorithm>
@@ -15,7 +17,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "vx/DataBuffer.h"
@@ -32,6 +33,13 @@ public:
         vxXMLNode* theNode = new vxXMLNode(aType, aName, vxCString());
         theNode->mContent.Swap(aContent);
         return theNode;
+    }
+
+    /// Makes an attribute and takes its value over.
+    static vxXMLProperty* MakeProperty(const vxCString& aName, vxCString& aValue) {
+        vxXMLProperty* theProperty = new vxXMLProperty(aName, vxCString());
+        theProperty->mValue.Swap(aValue);
+        return theProperty;
     }
 
     /// Puts a node behind a child; a null one stands for the place in front of the first.
@@ -63,29 +71,9 @@ bool vxIsBlank(char aChar) {
     return aChar == ' ' || aChar == '\t' || aChar == '\n' || aChar == '\r';
 }
 
-bool vxIsBlankRun(const char* aText, const char* anEnd) {
-    while (aText != anEnd && vxIsBlank(*aText)) {
-        ++aText;
-    }
-    return aText == anEnd;
-}
-
-bool vxIsBlankText(const vxCString& aText) {
-    return vxIsBlankRun(aText.c_str(), aText.c_str() + aText.length());
-}
-
 /// Returns where a run of text must be looked at: at markup, a reference, a line end or a ">".
 const char* vxEndOfPlainText(const char* aText, const char* anEnd) {
     return vxFindAnyOf(aText, anEnd, '<', '&', '>', '\r');
-}
-
-/// The first byte of an attribute value that does not stand for itself, or the end.
-const char* vxEndOfPlainValue(const char* aText, const char* anEnd, char aQuote) {
-    while (aText != anEnd && *aText != aQuote && *aText != '<' && *aText != '&' &&
-           static_cast<unsigned char>(*aText) >= 0x20) {
-        ++aText;
-    }
-    return aText;
 }
 
 struct vxRange {
@@ -127,42 +115,96 @@ uint32_t vxCharacterAt(const char* aText, size_t* aSize) {
     return theCode;
 }
 
-/// Those of ASCII that it may go on with.
-struct vxASCIINames {
-    constexpr vxASCIINames() : mfHas() {
+/// What a byte may be.
+enum vxByteKind : uint8_t {
+    kvxXML_NameStart = 1,  // ASCII that a name may begin with
+    kvxXML_Name = 2,       // ASCII that it may go on with
+    kvxXML_Blank = 4,
+    kvxXML_NotInDouble = 8,  // does not stand for itself in a value between these quotes
+    kvxXML_NotInSingle = 16
+};
+
+class vxByteKinds {
+public:
+    constexpr vxByteKinds() : mKinds() {
         for (const vxRange& theRange : kvxXML_NameStarts) {
-            Add(theRange);
+            Add(theRange, kvxXML_NameStart | kvxXML_Name);
         }
         for (const vxRange& theRange : kvxXML_NameOthers) {
-            Add(theRange);
+            Add(theRange, kvxXML_Name);
+        }
+        constexpr unsigned kvxNotInValues = kvxXML_NotInDouble | kvxXML_NotInSingle;
+        Add({0, 0x1F}, kvxNotInValues);
+        Add({'<', '<'}, kvxNotInValues);
+        Add({'&', '&'}, kvxNotInValues);
+        Add({'"', '"'}, kvxXML_NotInDouble);
+        Add({'\'', '\''}, kvxXML_NotInSingle);
+        for (const uint32_t theBlank : {' ', '\t', '\n', '\r'}) {
+            Add({theBlank, theBlank}, kvxXML_Blank);
         }
     }
-    constexpr void Add(const vxRange& aRange) {
-        for (uint32_t i = aRange.mFirst; i <= aRange.mLast && i < 0x80; ++i) {
-            mfHas[i] = true;
-        }
-    }
-    bool mfHas[256];
-};
-constexpr vxASCIINames kvxXML_ASCIINames;
 
-/// Returns the end of the name at the start of valid UTF-8; that start where no name is.
-const char* vxEndOfName(const char* aText, const char* anEnd) {
-    const char* thePos = aText;
-    while (thePos != anEnd) {
-        if (thePos != aText && kvxXML_ASCIINames.mfHas[static_cast<unsigned char>(*thePos)]) {
-            ++thePos;
-            continue;
+    bool Is(char aByte, unsigned aKinds) const {
+        return (mKinds[static_cast<unsigned char>(aByte)] & aKinds) != 0;
+    }
+
+    /// Passes over bytes of these kinds.
+    const char* SkipAll(const char* aText, const char* anEnd, unsigned aKinds) const {
+        while (aText != anEnd && Is(*aText, aKinds)) {
+            ++aText;
         }
+        return aText;
+    }
+
+    /// Passes over bytes of other kinds.
+    const char* SkipOthers(const char* aText, const char* anEnd, unsigned aKinds) const {
+        while (aText != anEnd && !Is(*aText, aKinds)) {
+            ++aText;
+        }
+        return aText;
+    }
+
+private:
+    constexpr void Add(const vxRange& aRange, unsigned aKinds) {
+        for (uint32_t i = aRange.mFirst; i <= aRange.mLast && i < 0x80; ++i) {
+            mKinds[i] = static_cast<uint8_t>(mKinds[i] | aKinds);
+        }
+    }
+
+    uint8_t mKinds[256];
+};
+constexpr vxByteKinds kvxXML_Bytes;
+
+bool vxIsBlankRun(const char* aText, const char* anEnd) {
+    return kvxXML_Bytes.SkipAll(aText, anEnd, kvxXML_Blank) == anEnd;
+}
+
+bool vxIsBlankText(const vxCString& aText) {
+    return vxIsBlankRun(aText.c_str(), aText.c_str() + aText.length());
+}
+
+/// Goes on with a name of which `aPos` is not ASCII.
+const char* vxEndOfLongName(const char* aText, const char* aPos, const char* anEnd) {
+    while (aPos != anEnd) {
         size_t theSize = 0;
-        const uint32_t theCode = vxCharacterAt(thePos, &theSize);
+        const uint32_t theCode = vxCharacterAt(aPos, &theSize);
         if (!vxIsIn(kvxXML_NameStarts, theCode) &&
-            (thePos == aText || !vxIsIn(kvxXML_NameOthers, theCode))) {
+            (aPos == aText || !vxIsIn(kvxXML_NameOthers, theCode))) {
             break;
         }
-        thePos += theSize;
+        aPos += theSize;
     }
-    return thePos;
+    return aPos;
+}
+
+/// Returns the end of the name at the start of valid UTF-8; that start where no name is.
+inline const char* vxEndOfName(const char* aText, const char* anEnd) {
+    const char* thePos = aText;
+    if (thePos != anEnd && kvxXML_Bytes.Is(*thePos, kvxXML_NameStart)) {
+        thePos = kvxXML_Bytes.SkipAll(thePos + 1, anEnd, kvxXML_Name);
+    }
+    const bool theIsASCII = thePos == anEnd || static_cast<unsigned char>(*thePos) < 0x80;
+    return theIsASCII ? thePos : vxEndOfLongName(aText, thePos, anEnd);
 }
 
 /// May this character stand in the public name of a document type?
@@ -211,36 +253,52 @@ constexpr vxNamedEntity kvxXML_Entities[] = {
     {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''},
 };
 
+/// A name met.
+struct vxName {
+    vxCString mText;
+    size_t mElement;  // the number of the last one that had it as an attribute; 0: none
+};
+
 /// The names met so far; equal ones share one block.
+///
+/// A small table by place, which knows nothing of all but the last name of each, stands before one
+/// whose hash nobody can foresee.
 class vxNames {
 public:
-    /// Returns the string of a name; the bytes must stay where they are.
-    const vxCString& Get(std::string_view aName) {
-        const auto theByte = [aName](size_t anIndex) {
-            return static_cast<size_t>(static_cast<unsigned char>(aName[anIndex]));
+    vxNames() : mNames(vxHashTable_New([](void* aName) { delete static_cast<vxName*>(aName); })) {}
+    ~vxNames() { vxHashTable_Delete(mNames); }
+    vxNames(const vxNames&) = delete;
+    vxNames& operator=(const vxNames&) = delete;
+
+    /// Returns the name of some bytes, at least one.
+    vxName& Get(const char* aText, size_t aLength) {
+        const auto theByte = [aText](size_t anIndex) {
+            return static_cast<size_t>(static_cast<unsigned char>(aText[anIndex]));
         };
-        const size_t theLength = aName.size();
         const size_t thePlace =
-            theByte(0) * 5 + theByte(theLength / 2) * 3 + theByte(theLength - 1) + theLength;
-        const Entry*& theRecent = mRecent[thePlace % kvxRecent];
-        if (theRecent == NULL || theRecent->first != aName) {
-            auto theEntry = mNames.find(aName);
-            if (theEntry == mNames.end()) {
-                theEntry = mNames.emplace(aName, vxCString(aName.data(), aName.size())).first;
-            }
-            theRecent = &*theEntry;
+            theByte(0) * 5 + theByte(aLength / 2) * 3 + theByte(aLength - 1) + aLength;
+        vxName*& theRecent = mRecent[thePlace % kvxRecent];
+        if (theRecent == NULL || theRecent->mText.length() != aLength ||
+            !vxAreSame(theRecent->mText.c_str(), aText, aLength)) {
+            theRecent = &Find(aText, aLength);
         }
-        return theRecent->second;
+        return *theRecent;
     }
 
 private:
-    using Map = std::unordered_map<std::string_view, vxCString>;
-    using Entry = Map::value_type;
-
     static constexpr size_t kvxRecent = 128;
 
-    Map mNames;
-    const Entry* mRecent[kvxRecent] = {};  // the last one of those that share a place
+    vxName& Find(const char* aText, size_t aLength) {
+        void* theName = vxHashTable_GetEntry(mNames, aText, aLength);
+        if (theName == NULL) {
+            theName = new vxName{vxCString(aText, aLength), 0};
+            vxHashTable_AddEntry(mNames, aText, aLength, theName);
+        }
+        return *static_cast<vxName*>(theName);
+    }
+
+    vxHashTable* mNames;              // owned, as are its names
+    vxName* mRecent[kvxRecent] = {};  // the last one of those that share a place
 };
 
 class vxXMLReader {
@@ -284,6 +342,12 @@ private:
         return static_cast<size_t>(mEnd - mPos) >= aText.size() &&
                memcmp(mPos, aText.data(), aText.size()) == 0;
     }
+    bool LooksAt(char aChar) const { return mPos != mEnd && *mPos == aChar; }
+    bool Skip(char aChar) {
+        const bool theFound = LooksAt(aChar);
+        mPos += theFound ? 1 : 0;
+        return theFound;
+    }
     bool Skip(std::string_view aText) {
         const bool theFound = Looks(aText);
         mPos += theFound ? aText.size() : 0;
@@ -291,9 +355,7 @@ private:
     }
     bool SkipBlanks() {
         const char* theStart = mPos;
-        while (!AtEnd() && vxIsBlank(*mPos)) {
-            ++mPos;
-        }
+        mPos = kvxXML_Bytes.SkipAll(mPos, mEnd, kvxXML_Blank);
         return mPos != theStart;
     }
 
@@ -309,7 +371,7 @@ private:
     bool FindCommentEnd(const char** anEnd);
     bool SkipName(std::string_view* aName);
     bool SkipUntil(std::string_view anEnd, const char* aExpected);
-    const vxCString* ReadName();
+    vxName* ReadName();
     bool ReadContent();
     bool ReadMarkup();
     bool ReadStartTag();
@@ -323,8 +385,10 @@ private:
     bool ReadReference(std::string* aText);
     bool ReadCharacterReference(std::string* aText);
     bool AppendCharacters(const char* anEnd, std::string* aText);
-    bool FlushText();
-    void AddPlainText(const char* anEnd);
+    bool BeginsTag(const char* aText) const;
+    void FlushText();
+    void AddText();
+    void AddPlainText(const char* anEnd, bool afIsBlank);
     void MakeBlanks();
     void AppendChild(vxXMLNode* aNode);
     void CloseElement();
@@ -345,6 +409,7 @@ private:
     const vxCString mTextName = "text";
     const vxCString mCommentName = "comment";
     vxNames mNames;
+    size_t mElements = 0;  // met so far
 
     const char* mExpected = NULL;
     int mCode = 0;
@@ -397,7 +462,8 @@ bool vxXMLReader::CheckCharacters() {
         const ptrdiff_t theCount = std::min(mEnd - i, kvxBytes_Count);
         if (theCount == kvxBytes_Count) {
             const vxBytes theBytes = vxLoadBytes(i);
-            if (!vxHasControlButLineFeed(theBytes) && vxMarkAnyOf(theBytes, 0xEF) == 0) {
+            if (vxIsPrintingASCII(theBytes) ||
+                (!vxHasControlButLineFeed(theBytes) && vxMarkAnyOf(theBytes, 0xEF) == 0)) {
                 i += theCount;
                 continue;
             }
@@ -462,7 +528,7 @@ bool vxXMLReader::ReadPseudoAttribute(std::string_view aName, std::string_view* 
     const char* theStart = mPos;
     if (Skip(aName)) {
         SkipBlanks();
-        if (Skip("=")) {
+        if (Skip('=')) {
             SkipBlanks();
             const char theQuote = AtEnd() ? '\0' : *mPos;
             const void* theClosing =
@@ -530,10 +596,10 @@ bool vxXMLReader::ReadDoctype() {
         return false;
     }
     SkipBlanks();
-    if (Looks("[")) {
+    if (LooksAt('[')) {
         return Fail("a DOCTYPE without an internal subset", kvxXMLParserError_Unsupported);
     }
-    return Skip(">") || Fail("\">\"");
+    return Skip('>') || Fail("\">\"");
 }
 
 // Reads a quoted text behind blanks.
@@ -601,16 +667,19 @@ bool vxXMLReader::SkipUntil(std::string_view anEnd, const char* aExpected) {
 }
 
 // Returns null after a failure.
-const vxCString* vxXMLReader::ReadName() {
-    std::string_view theName;
-    if (!SkipName(&theName)) {
+vxName* vxXMLReader::ReadName() {
+    const char* const theStart = mPos;
+    mPos = vxEndOfName(mPos, mEnd);
+    const size_t theLength = static_cast<size_t>(mPos - theStart);
+    if (theLength == 0) {
+        Fail("a name");
         return NULL;
     }
-    if (theName.size() > mLimits.mMaxTextSize) {
+    if (theLength > mLimits.mMaxTextSize) {
         Fail("a shorter name", kvxXMLParserError_Limit);
         return NULL;
     }
-    return &mNames.Get(theName);
+    return &mNames.Get(theStart, theLength);
 }
 
 bool vxXMLReader::ReadContent() {
@@ -626,38 +695,47 @@ bool vxXMLReader::ReadContent() {
 }
 
 bool vxXMLReader::ReadMarkup() {
-    if (Looks("</")) {
-        return FlushText() && ReadEndTag();
+    switch (mEnd - mPos < 2 ? '\0' : mPos[1]) {
+        case '/':
+            FlushText();
+            return ReadEndTag();
+        case '!':
+            if (Skip("<![CDATA[")) {
+                return ReadCData();
+            }
+            if (Skip("<!--")) {
+                FlushText();
+                return ReadComment();
+            }
+            break;
+        case '?':
+            mPos += 2;
+            return ReadInstruction();
+        default:
+            break;
     }
-    if (Skip("<![CDATA[")) {
-        return ReadCData();
-    }
-    if (Skip("<!--")) {
-        return FlushText() && ReadComment();
-    }
-    if (Skip("<?")) {
-        return ReadInstruction();
-    }
-    return FlushText() && ReadStartTag();
+    FlushText();
+    return ReadStartTag();
 }
 
 bool vxXMLReader::ReadStartTag() {
-    if (!Skip("<")) {
+    if (!Skip('<')) {
         return Fail("\"<\"");
     }
-    const vxCString* theName = ReadName();
+    const vxName* theName = ReadName();
     if (theName == NULL) {
         return false;
     }
     if (mOpen.size() >= mLimits.mMaxDepth) {
         return Fail("fewer elements within each other", kvxXMLParserError_Limit);
     }
-    vxXMLNode* theNode = new vxXMLNode(vxXMLNodeType_Element, *theName, vxCString());
+    vxXMLNode* theNode = new vxXMLNode(vxXMLNodeType_Element, theName->mText, vxCString());
     if (mOpen.empty()) {
         mRoot.reset(theNode);
     } else {
         AppendChild(theNode);
     }
+    ++mElements;
     bool theHasContent = false;
     if (!ReadAttributes(theNode, &theHasContent)) {
         return false;
@@ -672,11 +750,11 @@ bool vxXMLReader::ReadAttributes(vxXMLNode* aNode, bool* afHasContent) {
     vxXMLProperty* theLast = NULL;
     for (size_t theCount = 0;; ++theCount) {
         const bool theHasBlank = SkipBlanks();
-        if (Skip(">")) {
+        if (Skip('>')) {
             *afHasContent = true;
             return true;
         }
-        if (Skip("/>")) {
+        if (LooksAt('/') && Skip("/>")) {
             return true;
         }
         if (!theHasBlank) {
@@ -693,19 +771,17 @@ bool vxXMLReader::ReadAttributes(vxXMLNode* aNode, bool* afHasContent) {
 
 bool vxXMLReader::ReadAttribute(vxXMLNode* aNode, vxXMLProperty** aLast) {
     const char* theStart = mPos;
-    const vxCString* theName = ReadName();
+    vxName* theName = ReadName();
     if (theName == NULL) {
         return false;
     }
-    for (const vxXMLProperty* i = aNode->GetProperties(); i != NULL; i = i->GetNext()) {
-        // Equal names share their block.
-        if (i->GetName().c_str() == theName->c_str()) {
-            mPos = theStart;
-            return Fail("an attribute that the element does not have yet");
-        }
+    if (theName->mElement == mElements) {
+        mPos = theStart;
+        return Fail("an attribute that the element does not have yet");
     }
+    theName->mElement = mElements;
     SkipBlanks();
-    if (!Skip("=")) {
+    if (!Skip('=')) {
         return Fail("\"=\"");
     }
     SkipBlanks();
@@ -713,7 +789,7 @@ bool vxXMLReader::ReadAttribute(vxXMLNode* aNode, vxXMLProperty** aLast) {
     if (!ReadAttributeValue(&theValue)) {
         return false;
     }
-    vxXMLProperty* theProperty = new vxXMLProperty(*theName, theValue);
+    vxXMLProperty* theProperty = vxXMLReaderLinks::MakeProperty(theName->mText, theValue);
     if (*aLast == NULL) {
         aNode->AddProperty(theProperty);
     } else {
@@ -729,10 +805,11 @@ bool vxXMLReader::ReadAttributeValue(vxCString* aValue) {
         return Fail("a quoted value");
     }
     ++mPos;
-    const char* thePlainEnd = vxEndOfPlainValue(mPos, mEnd, theQuote);
+    const char* thePlainEnd = kvxXML_Bytes.SkipOthers(
+        mPos, mEnd, theQuote == '"' ? kvxXML_NotInDouble : kvxXML_NotInSingle);
     const size_t theLength = static_cast<size_t>(thePlainEnd - mPos);
     if (thePlainEnd != mEnd && *thePlainEnd == theQuote && theLength <= mLimits.mMaxTextSize) {
-        *aValue = vxCString(mPos, theLength);
+        vxCString(mPos, theLength).Swap(*aValue);
         mPos = thePlainEnd + 1;
         return true;
     }
@@ -767,25 +844,26 @@ bool vxXMLReader::ReadAttributeValue(vxCString* aValue) {
 
 bool vxXMLReader::ReadEndTag() {
     const vxCString& theOpenName = mOpen.back().mNode->GetName();
+    const size_t theLength = theOpenName.length();
     const char* theStart = mPos;
     mPos += 2;
-    const vxCString* theName = &theOpenName;
-    if (Looks(std::string_view(theOpenName.c_str(), theOpenName.length())) &&
-        mEnd - mPos > static_cast<ptrdiff_t>(theOpenName.length()) &&
-        mPos[theOpenName.length()] == '>') {
-        mPos += theOpenName.length();
-    } else {
-        theName = ReadName();
+    if (static_cast<size_t>(mEnd - mPos) > theLength && mPos[theLength] == '>' &&
+        vxAreSame(mPos, theOpenName.c_str(), theLength)) {
+        mPos += theLength + 1;
+        CloseElement();
+        return true;
     }
+    const vxName* theName = ReadName();
     if (theName == NULL) {
         return false;
     }
-    if (theName->c_str() != theOpenName.c_str()) {
+    // Equal names share their block.
+    if (theName->mText.c_str() != theOpenName.c_str()) {
         mPos = theStart;
         return Fail("the end tag of the innermost element");
     }
     SkipBlanks();
-    if (!Skip(">")) {
+    if (!Skip('>')) {
         return Fail("\">\"");
     }
     CloseElement();
@@ -813,10 +891,25 @@ bool vxXMLReader::AppendCharacters(const char* anEnd, std::string* aText) {
     return true;
 }
 
+// Behind "<!" and "<?" the same text may go on.
+bool vxXMLReader::BeginsTag(const char* aText) const {
+    return mEnd - aText >= 2 && *aText == '<' && aText[1] != '!' && aText[1] != '?';
+}
+
 bool vxXMLReader::ReadText() {
     if (*mPos == '&') {
         mfInText = true;
         return ReadReference(&mText);
+    }
+    if (*mPos == '\n' && !mfInText) {
+        const char* theEnd = mPos + 1;
+        while (theEnd != mEnd && (*theEnd == ' ' || *theEnd == '\t')) {
+            ++theEnd;
+        }
+        if (BeginsTag(theEnd) && static_cast<size_t>(theEnd - mPos) <= mLimits.mMaxTextSize) {
+            AddPlainText(theEnd, true);
+            return true;
+        }
     }
     bool theHasReturn = false;
     const char* theEnd = vxEndOfPlainText(mPos, mEnd);
@@ -828,26 +921,23 @@ bool vxXMLReader::ReadText() {
         theHasReturn |= *theEnd == '\r';
         theEnd = vxEndOfPlainText(theEnd + 1, mEnd);
     }
-    // Behind "<!" and "<?" the same text may go on.
-    const bool theIsWhole = mEnd - theEnd >= 2 && *theEnd == '<' && theEnd[1] != '!' &&
-                            theEnd[1] != '?' && !mfInText && !theHasReturn;
+    const bool theIsWhole = BeginsTag(theEnd) && !mfInText && !theHasReturn;
     if (!theIsWhole || static_cast<size_t>(theEnd - mPos) > mLimits.mMaxTextSize) {
         mfInText = true;
         return AppendCharacters(theEnd, &mText);
     }
-    AddPlainText(theEnd);
+    AddPlainText(theEnd, vxIsBlankRun(mPos, theEnd));
     return true;
 }
 
 // Makes a node of a text that stands in the input as it is, or puts blanks off.
-void vxXMLReader::AddPlainText(const char* anEnd) {
+void vxXMLReader::AddPlainText(const char* anEnd, bool afIsBlank) {
     Element& theParent = mOpen.back();
-    const bool theIsBlank = vxIsBlankRun(mPos, anEnd);
-    if (theIsBlank && !theParent.mfHasText) {
+    if (afIsBlank && !theParent.mfHasText) {
         mBlanks.push_back({theParent.mLast, mPos, anEnd});
     } else {
         MakeBlanks();
-        theParent.mfHasText |= !theIsBlank;
+        theParent.mfHasText |= !afIsBlank;
         vxCString theText(mPos, static_cast<size_t>(anEnd - mPos));
         AppendChild(vxXMLReaderLinks::Make(vxXMLNodeType_Text, mTextName, theText));
     }
@@ -897,7 +987,7 @@ bool vxXMLReader::ReadComment() {
 bool vxXMLReader::ReadReference(std::string* aText) {
     const char* theStart = mPos;
     ++mPos;
-    if (Skip("#")) {
+    if (Skip('#')) {
         if (ReadCharacterReference(aText)) {
             return aText->size() <= mLimits.mMaxTextSize ||
                    Fail("a shorter text", kvxXMLParserError_Limit);
@@ -906,8 +996,8 @@ bool vxXMLReader::ReadReference(std::string* aText) {
         return Fail("a reference to a character that XML allows");
     }
     for (const vxNamedEntity& theEntity : kvxXML_Entities) {
-        if (Looks(theEntity.mName) && mPos + theEntity.mName.size() != mEnd &&
-            mPos[theEntity.mName.size()] == ';') {
+        if (LooksAt(theEntity.mName[0]) && Looks(theEntity.mName) &&
+            mPos + theEntity.mName.size() != mEnd && mPos[theEntity.mName.size()] == ';') {
             mPos += theEntity.mName.size() + 1;
             *aText += theEntity.mChar;
             return aText->size() <= mLimits.mMaxTextSize ||
@@ -919,7 +1009,7 @@ bool vxXMLReader::ReadReference(std::string* aText) {
 }
 
 bool vxXMLReader::ReadCharacterReference(std::string* aText) {
-    const bool theIsHexadecimal = Skip("x");
+    const bool theIsHexadecimal = Skip('x');
     const uint32_t theBase = theIsHexadecimal ? 16 : 10;
     uint32_t theCode = 0;
     const char* theFirst = mPos;
@@ -940,18 +1030,21 @@ bool vxXMLReader::ReadCharacterReference(std::string* aText) {
             return false;
         }
     }
-    if (mPos == theFirst || !Skip(";") || !vxIsCharacter(theCode)) {
+    if (mPos == theFirst || !Skip(';') || !vxIsCharacter(theCode)) {
         return false;
     }
     vxAppendUTF8(*aText, theCode);
     return true;
 }
 
-// Makes a node of the text read so far.
-bool vxXMLReader::FlushText() {
-    if (!mfInText) {
-        return true;
+inline void vxXMLReader::FlushText() {
+    if (mfInText) {
+        AddText();
     }
+}
+
+// Makes a node of the text read so far.
+void vxXMLReader::AddText() {
     vxCString theText(mText.data(), mText.size());
     Element& theParent = mOpen.back();
     const bool theIsBlank = !mfHasCData && vxIsBlankText(theText);
@@ -966,7 +1059,6 @@ bool vxXMLReader::FlushText() {
     mText.clear();
     mfInText = false;
     mfHasCData = false;
-    return true;
 }
 
 void vxXMLReader::AppendChild(vxXMLNode* aNode) {

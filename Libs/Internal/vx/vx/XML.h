@@ -41,6 +41,8 @@ public:
     void SetNext(vxXMLProperty* aNext) { mNext = aNext; }
 
 private:
+    friend class vxXMLReaderLinks;
+
     vxCString mName;
     vxCString mValue;
     vxXMLProperty* mNext;  // of the same element
