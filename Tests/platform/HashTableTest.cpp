@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cstring>
 #include <random>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -43,6 +45,27 @@ bool Visit(void* aWalk, const char* aKey, void* aValue) {
         vxHashTable_AddEntry(theWalk->mTable, theNew.data(), theNew.size(), Text("new"));
     }
     return theKey != theWalk->mStopAt;
+}
+
+/// Texts that fall together whatever a hash starts from when it only mixes the words of a text one by
+/// one into its state: each flips these words or leaves them, and the second undoes what the first did.
+std::vector<std::string> TextsOfFlips(const std::vector<uint64_t>& aFlips) {
+    constexpr size_t kTimes = 10;
+    std::vector<std::string> theTexts;
+    for (unsigned theChoice = 0; theChoice < 1U << kTimes; ++theChoice) {
+        std::string theText;
+        for (size_t i = 0; i < kTimes; ++i) {
+            for (const uint64_t theFlip : aFlips) {
+                uint64_t theWord = UINT64_C(0x6867666564636261);
+                theWord ^= (theChoice >> i & 1) != 0 ? theFlip : 0;
+                char theBytes[sizeof(theWord)];
+                memcpy(theBytes, &theWord, sizeof(theWord));
+                theText.append(theBytes, sizeof(theWord));
+            }
+        }
+        theTexts.push_back(theText);
+    }
+    return theTexts;
 }
 
 class HashTableTest : public testing::Test {
@@ -338,3 +361,38 @@ TEST_F(HashTableTest, HoldsManyKeys) {
 }
 
 }  // namespace
+
+TEST_F(HashTableTest, TextsMadeToFallTogetherDoNot) {
+    const std::vector<uint64_t> kFlips[] = {
+        // The highest bit stays alone in a product with an odd number, and can be taken back.
+        {UINT64_C(1) << 63, UINT64_C(1) << 63 | UINT64_C(1) << 31},
+        // Two words that are joined before they are mixed.
+        {UINT64_C(1), UINT64_C(1) << 32, UINT64_C(1) << 32, 0},
+        {0, UINT64_C(1), UINT64_C(1), 0},
+        {UINT64_C(1), UINT64_C(1), UINT64_C(1), UINT64_C(1)},
+    };
+    for (const std::vector<uint64_t>& theFlips : kFlips) {
+        std::set<uint32_t> theHashes;
+        for (const std::string& theText : TextsOfFlips(theFlips)) {
+            theHashes.insert(vxHashTable_Hash(theText.data(), theText.size()));
+        }
+        // By chance two of the 1024 share one of 2^32 hashes once in 8000 runs, ten more never.
+        EXPECT_GT(theHashes.size(), 1014U);
+    }
+}
+
+TEST_F(HashTableTest, HashesOfLikeTextsSpreadOverTheBuckets) {
+    for (const std::string thePrefix : {"", "key", "a long name with its number at the end: "}) {
+        std::set<uint32_t> theHashes;
+        std::vector<int> theBuckets(1024);
+        for (int i = 0; i < 1024; ++i) {
+            const std::string theText = thePrefix + std::to_string(i);
+            const uint32_t theHash = vxHashTable_Hash(theText.data(), theText.size());
+            theHashes.insert(theHash);
+            ++theBuckets[theHash % 1024];
+        }
+        EXPECT_GT(theHashes.size(), 1014U);
+        // Chance alone puts 16 into one of the buckets less than once in 10^10 runs.
+        EXPECT_LT(*std::max_element(theBuckets.begin(), theBuckets.end()), 16);
+    }
+}

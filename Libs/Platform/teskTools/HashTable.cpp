@@ -330,6 +330,10 @@ vxHashNode* vxNodeAtIndex(const vxCustomHashTable* aTable, size_t anIndex) {
 
 }  // namespace
 
+uint32_t vxHashTable_Hash(const char* aKey, size_t aLength) {
+    return vxTextHash(aKey, aLength);
+}
+
 vxHashTable* vxHashTable_New(vxHashTable_FreeFunc aFreeFunc) {
     vxHashTable* theTable = static_cast<vxHashTable*>(vxCalloc(sizeof(vxHashTable)));
     if (theTable != NULL) {

@@ -9,9 +9,21 @@
 #include <unordered_map>
 #include <vector>
 
+#include "TextHash.h"
+
+namespace {
+
+struct vxWordHash {
+    size_t operator()(std::string_view aWord) const {
+        return vxTextHash(aWord.data(), aWord.size());
+    }
+};
+
+}  // namespace
+
 struct vxJSONMPackDictionary_t {
     std::vector<char*> mWords;
-    std::unordered_map<std::string_view, int32_t> mIndexes;  // views into mWords
+    std::unordered_map<std::string_view, int32_t, vxWordHash> mIndexes;  // views into mWords
 };
 
 int32_t vxWord_Find(const vxJSONMPackDictionary_t* aDictionary, const char* aWord, size_t aLength) {

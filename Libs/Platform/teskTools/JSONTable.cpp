@@ -3,8 +3,7 @@
 // By position it is a vector that can also lose its front cheaply. By name it is an open-addressed
 // hash table. Members of one name stay in the order in which they stand in the
 // object: a later one is inserted behind on the same probe path, and closing the gap of a removed
-// entry keeps that order. The hash is keyed by the table's address, so that names from outside
-// cannot be chosen to collide.
+// entry keeps that order.
 
 #include "JSONTable.h"
 
@@ -12,6 +11,7 @@
 
 #include "JSONKey.h"
 #include "JSONNode.h"
+#include "TextHash.h"
 
 // What follows it in its block holds pointers.
 struct alignas(vxJSON_t*) vxJSONTable {
@@ -37,53 +37,9 @@ namespace {
 
 using Entry = vxJSONTable::Entry;
 
-/// Both halves of a product, each bit of which depends on many of both factors.
-uint64_t vxFold(uint64_t aLeft, uint64_t aRight) {
-#ifdef __SIZEOF_INT128__
-    __extension__ typedef unsigned __int128 Wide;
-    const Wide theProduct = static_cast<Wide>(aLeft) * aRight;
-    return static_cast<uint64_t>(theProduct) ^ static_cast<uint64_t>(theProduct >> 64);
-#else
-    const uint64_t theProduct = (aLeft ^ (aRight >> 32) ^ (aRight << 32)) * 0x9E3779B97F4A7C15u;
-    return theProduct ^ (theProduct >> 32) ^ aRight;
-#endif
-}
-
-template <typename T>
-uint64_t vxLoad(const char* aPtr) {
-    T theWord;
-    memcpy(&theWord, aPtr, sizeof(theWord));
-    return theWord;
-}
-
-uint32_t vxHash(const vxJSONTable* aTable, const char* aName, size_t aLength) {
-    constexpr uint64_t kFirst = 0xA0761D6478BD642Fu;
-    constexpr uint64_t kSecond = 0xE7037ED1A0B428DBu;
-    uint64_t theHash = vxWord(aTable) ^ kFirst;
-    size_t theLeft = aLength;
-    for (; theLeft > 16; theLeft -= 16, aName += 16) {
-        theHash = vxFold(vxLoad<uint64_t>(aName) ^ theHash, vxLoad<uint64_t>(aName + 8) ^ kSecond);
-    }
-    // The last words may repeat bytes of the ones before.
-    uint64_t theFirst = 0;
-    uint64_t theLast = 0;
-    if (theLeft >= 8) {
-        theFirst = vxLoad<uint64_t>(aName);
-        theLast = vxLoad<uint64_t>(aName + theLeft - 8);
-    } else if (theLeft >= 4) {
-        theFirst = vxLoad<uint32_t>(aName);
-        theLast = vxLoad<uint32_t>(aName + theLeft - 4);
-    } else if (theLeft > 0) {
-        theFirst = vxLoad<uint8_t>(aName) << 8 | vxLoad<uint8_t>(aName + theLeft / 2);
-        theLast = vxLoad<uint8_t>(aName + theLeft - 1);
-    }
-    theHash = vxFold(theFirst ^ theHash, theLast ^ kSecond ^ static_cast<uint64_t>(aLength) << 32);
-    return static_cast<uint32_t>(theHash ^ (theHash >> 32));
-}
-
-uint32_t vxHashOf(const vxJSONTable* aTable, const vxJSON_t* aNode) {
+uint32_t vxHashOf(const vxJSON_t* aNode) {
     const vxJSONText theName = vxNameText(aNode);
-    return vxHash(aTable, theName.mData, theName.mLength);
+    return vxTextHash(theName.mData, theName.mLength);
 }
 
 uint32_t vxHome(const vxJSONTable* aTable, uint32_t aHash) {
@@ -95,7 +51,7 @@ uint32_t vxAfter(const vxJSONTable* aTable, uint32_t aSlot) {
 }
 
 Entry* vxEntryOf(vxJSONTable* aTable, const vxJSON_t* aNode) {
-    uint32_t theSlot = vxHome(aTable, vxHashOf(aTable, aNode));
+    uint32_t theSlot = vxHome(aTable, vxHashOf(aNode));
     while (aTable->Entries()[theSlot].mNode != aNode) {
         theSlot = vxAfter(aTable, theSlot);
     }
@@ -103,7 +59,7 @@ Entry* vxEntryOf(vxJSONTable* aTable, const vxJSON_t* aNode) {
 }
 
 void vxAddEntry(vxJSONTable* aTable, vxJSON_t* aPrevious, vxJSON_t* aNode) {
-    const uint32_t theHash = vxHashOf(aTable, aNode);
+    const uint32_t theHash = vxHashOf(aNode);
     uint32_t theSlot = vxHome(aTable, theHash);
     while (aTable->Entries()[theSlot].mNode != nullptr) {
         theSlot = vxAfter(aTable, theSlot);
@@ -236,7 +192,7 @@ uint32_t vxTable_PositionOf(const vxJSONTable* aTable, const vxJSON_t* aNode) {
 }
 
 vxJSONLocation vxTable_Find(const vxJSONTable* aTable, const vxJSONKey& aKey) {
-    const uint32_t theHash = vxHash(aTable, aKey.Name(), aKey.Length());
+    const uint32_t theHash = vxTextHash(aKey.Name(), aKey.Length());
     for (uint32_t theSlot = vxHome(aTable, theHash); aTable->Entries()[theSlot].mNode != nullptr;
          theSlot = vxAfter(aTable, theSlot)) {
         const Entry& theEntry = aTable->Entries()[theSlot];

@@ -1,7 +1,9 @@
 #pragma once
 
-// Hashes of texts. They start from a random value per process: names come from outside, and nobody
-// shall be able to choose ones that fall into one bucket.
+// Hashes of texts. They depend on two random words of the process: names come from outside, and nobody
+// shall be able to choose ones that fall together. Each word of a text is hidden by one of them before
+// it is a factor of a product, so that no change of a text, nor any two that should cancel out, has a
+// foreseeable effect.
 
 #include <cstddef>
 #include <cstdint>
@@ -10,51 +12,69 @@
 #include <utility>
 #include <vector>
 
-inline uint64_t vxTextHash_RandomStart() {
+struct vxTextHashKey {
+    uint64_t mFirst;
+    uint64_t mSecond;
+};
+
+inline uint64_t vxTextHash_RandomWord() {
     try {
         std::random_device theDevice;
         return (static_cast<uint64_t>(theDevice()) << 32) | theDevice();
     } catch (...) {
-        return static_cast<uint64_t>(reinterpret_cast<uintptr_t>(&vxTextHash_RandomStart));
+        return static_cast<uint64_t>(reinterpret_cast<uintptr_t>(&vxTextHash_RandomWord)) *
+               0x9E3779B97F4A7C15u;
     }
 }
 
-inline uint64_t vxTextHash_Mix(uint64_t aState, uint64_t aWord) {
-    const uint64_t theProduct = (aState ^ aWord) * 0x9E3779B97F4A7C15u;
-    return theProduct ^ (theProduct >> 32);
+/// Makes one word of two, each bit of which depends on many of both.
+inline uint64_t vxTextHash_Fold(uint64_t aLeft, uint64_t aRight) {
+#ifdef __SIZEOF_INT128__
+    __extension__ typedef unsigned __int128 Wide;
+    const Wide theProduct = static_cast<Wide>(aLeft) * aRight;
+    return static_cast<uint64_t>(theProduct) ^ static_cast<uint64_t>(theProduct >> 64);
+#else
+    // Products of 32 bits are what such a machine has.
+    const uint64_t theLeft = (aLeft >> 32) * static_cast<uint32_t>(aLeft);
+    const uint64_t theRight = (aRight >> 32) * static_cast<uint32_t>(aRight);
+    return theLeft ^ (theRight << 32 | theRight >> 32);
+#endif
 }
 
-/// Fewer than eight bytes in one word; texts of one length that differ give words that do.
-inline uint64_t vxTextHash_ShortWord(const char* aText, size_t aLength) {
-    if (aLength >= sizeof(uint32_t)) {
-        uint32_t theFirst, theLast;
-        memcpy(&theFirst, aText, sizeof(theFirst));
-        memcpy(&theLast, aText + aLength - sizeof(theLast), sizeof(theLast));
-        return static_cast<uint64_t>(theLast) << 32 | theFirst;
-    }
-    if (aLength == 0) {
-        return 0;
-    }
-    const auto theByte = [aText](size_t anIndex) {
-        return static_cast<uint64_t>(static_cast<unsigned char>(aText[anIndex]));
-    };
-    return theByte(0) | theByte(aLength / 2) << 8 | theByte(aLength - 1) << 16;
+template <typename Word>
+inline uint64_t vxTextHash_Load(const char* aText) {
+    Word theWord;
+    memcpy(&theWord, aText, sizeof(theWord));
+    return theWord;
 }
 
 /// Hashes `aLength` bytes; `aScope` sets equal texts of different scopes apart.
 inline uint32_t vxTextHash(const char* aText, size_t aLength, uint32_t aScope = 0) {
-    static const uint64_t sStart = vxTextHash_RandomStart();
-    uint64_t theState = sStart ^ aLength ^ (static_cast<uint64_t>(aScope) << 32);
-    while (aLength >= sizeof(uint64_t)) {
-        uint64_t theWord;
-        memcpy(&theWord, aText, sizeof(theWord));
-        theState = vxTextHash_Mix(theState, theWord);
-        aText += sizeof(theWord);
-        aLength -= sizeof(theWord);
+    static const vxTextHashKey sKey = {vxTextHash_RandomWord(), vxTextHash_RandomWord()};
+    const uint64_t theSecond = sKey.mSecond ^ static_cast<uint64_t>(aScope) << 32;
+    uint64_t theState = sKey.mFirst + aLength * sKey.mSecond;
+    for (; aLength > 16; aLength -= 16, aText += 16) {
+        theState = vxTextHash_Fold(vxTextHash_Load<uint64_t>(aText) ^ theState,
+                                   vxTextHash_Load<uint64_t>(aText + 8) ^ theSecond);
     }
-    const uint64_t theRest = vxTextHash_ShortWord(aText, aLength);
-    theState = vxTextHash_Mix(vxTextHash_Mix(theState, theRest), sStart);
-    return static_cast<uint32_t>(theState ^ (theState >> 29));
+    // The last words may repeat bytes of those before; texts of one length that differ still give
+    // words that do.
+    uint64_t theFirst = 0;
+    uint64_t theLast = 0;
+    if (aLength >= 8) {
+        theFirst = vxTextHash_Load<uint64_t>(aText);
+        theLast = vxTextHash_Load<uint64_t>(aText + aLength - 8);
+    } else if (aLength >= 4) {
+        theFirst = vxTextHash_Load<uint32_t>(aText);
+        theLast = vxTextHash_Load<uint32_t>(aText + aLength - 4);
+    } else if (aLength > 0) {
+        theFirst =
+            vxTextHash_Load<uint8_t>(aText) << 8 | vxTextHash_Load<uint8_t>(aText + aLength / 2);
+        theLast = vxTextHash_Load<uint8_t>(aText + aLength - 1);
+    }
+    theState = vxTextHash_Fold(theFirst ^ theState, theLast ^ theSecond);
+    // Where factors have few bits, so have the lowest of their product.
+    return static_cast<uint32_t>((theState ^ theState >> 32) * 0x9E3779B97F4A7C15u >> 32);
 }
 
 /// Finds numbers by hash, where the caller tells whether a number is the one that is looked for.

@@ -20,6 +20,8 @@
 #include <utility>
 #include <vector>
 
+#include "vx/StringHashMap.h"
+
 namespace {
 
 constexpr size_t kvxNumber_Size = 24;  // bytes for any number that the list writes
@@ -97,11 +99,11 @@ private:
     struct Hash {
         size_t operator()(std::string_view anItem) const {
             if (mfCaseSensitive) {
-                return std::hash<std::string_view>()(anItem);
+                return vxStringHashMap_Hash()(anItem);
             }
             std::string theFolded(anItem);
             std::transform(theFolded.begin(), theFolded.end(), theFolded.begin(), vxFold);
-            return std::hash<std::string>()(theFolded);
+            return vxStringHashMap_Hash()(theFolded);
         }
         bool mfCaseSensitive;
     };

@@ -12,13 +12,14 @@
 #include <vector>
 
 #include "vx/JSON.h"
+#include "vx/StringHashMap.h"
 #include "vx/XML.h"
 
 namespace {
 
 constexpr uint32_t kvxXMLJSON_AtEnd = 0xFFFFFFFF;
 
-using vxNames = std::unordered_set<std::string_view>;
+using vxNames = std::unordered_set<std::string_view, vxStringHashMap_Hash>;
 
 struct vxRun {
     const vxXMLNode* mNode;  // the next node of the run

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "vx/GrowingBuffer.h"
+#include "vx/StringHashMap.h"
 
 namespace {
 
@@ -273,7 +274,7 @@ struct vxExpressionTree {
     }
 
     static vxCString AppendNames(vxSearchExpression* anExpression, const vxCString& aList) {
-        std::unordered_set<std::string_view> theKnown;
+        std::unordered_set<std::string_view, vxStringHashMap_Hash> theKnown;
         std::string_view theRest(aList.c_str(), aList.length());
         for (size_t theComma; (theComma = theRest.find(',')) != std::string_view::npos;) {
             theKnown.insert(theRest.substr(0, theComma));

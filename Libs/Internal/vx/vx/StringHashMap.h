@@ -1,5 +1,10 @@
 #pragma once
 
+#include <libteskTools/HashTable.h>
+
+#include <cstddef>
+#include <string_view>
+
 #include "vx/Api.h"
 
 /// Visits one entry of a table with text keys; false ends the walk.
@@ -19,3 +24,16 @@ VX_EXPORT bool vxStringHashMap_ForEach(const char* aKey, void* aValue, void* aCo
 ///     vxStringHashMap_Visitor theVisitor = {Visit, &theData};
 ///     vxCustomHashTable_ForEach(theTable, vxStringHashMap_ForEach, &theVisitor);
 VX_EXPORT bool vxStringHashMap_ForEach(void* aContext, const char* aKey, void* aValue);
+
+/// The hash for containers of the standard library whose keys are texts from outside: it differs from
+/// process to process, so that nobody can choose keys that fall together.
+///
+///     std::unordered_set<std::string_view, vxStringHashMap_Hash> theNames;
+///
+/// Threads:  any.
+struct vxStringHashMap_Hash {
+    /// The hash of a text.
+    size_t operator()(std::string_view aKey) const {
+        return vxHashTable_Hash(aKey.data(), aKey.size());
+    }
+};

@@ -18,6 +18,14 @@ typedef void (*vxHashTable_FreeFunc)(void* aValue);
 /// Visits one entry; the key ends with a NUL. False ends the walk.
 typedef bool (*vxHashTable_ForEachFunc)(void* aUserData, const char* aKey, void* aValue);
 
+/// Returns the hash by which tables find a key of `aLength` bytes.
+///
+/// It differs from process to process, so that nobody outside can choose keys that fall together:
+/// take it for tables of your own, and store it nowhere.
+///
+/// Threads:  any.
+VX_API uint32_t vxHashTable_Hash(const char* aKey, size_t aLength);
+
 // The plain table: keys are bytes with a length, each key has one value.
 
 /// A table whose keys are bytes with a length.
