@@ -144,9 +144,20 @@ void vxFreeList(vxPropertyList* aList) {
 constexpr uint32_t kvxFirstCapacity = 8;
 constexpr uint32_t kvxMaxCapacity = uint32_t{1} << 30;  // the table has as many places twice
 
+/// Length of a text, with a short way for short ones: most have just been written byte by byte, and
+/// reading them back in large pieces would wait for that.
+size_t vxLengthOf(const char* aText) {
+    for (size_t i = 0; i < 8; ++i) {
+        if (aText[i] == '\0') {
+            return i;
+        }
+    }
+    return strlen(aText);
+}
+
 struct vxName {
     explicit vxName(const char* aName)
-        : mText(aName), mLength(strlen(aName)), mHash(vxTextHash(aName, mLength)) {}
+        : mText(aName), mLength(vxLengthOf(aName)), mHash(vxTextHash(aName, mLength)) {}
 
     bool IsOf(const vxProperty* aProperty) const {
         return aProperty->mHash == mHash && aProperty->mLength == mLength &&
@@ -307,46 +318,58 @@ bool vxReserveValue(vxProperty* aProperty) {
     return true;
 }
 
-bool vxSet(vxProperty* aProperty, size_t anIndex, const vxData& aData) {
+/// Returns the value to be written, whose old content goes to `anOld`, for the caller to free: the new
+/// one may come out of it. Null where no value can be.
+vxData* vxOpen(vxProperty* aProperty, size_t anIndex, vxData& anOld) {
+    anOld.mType = kvxDataType_Unknown;
     if (!vxCanSet(aProperty, anIndex)) {
-        return false;
+        return nullptr;
     }
     if (anIndex < aProperty->mCount) {
-        // The new value may come out of the old one: that goes last.
-        vxFreeData(std::exchange(aProperty->At(anIndex), aData));
-        return true;
+        anOld = aProperty->At(anIndex);
+    } else if (vxReserveValue(aProperty)) {
+        ++aProperty->mCount;
+    } else {
+        return nullptr;
     }
-    if (!vxReserveValue(aProperty)) {
-        return false;
-    }
-    aProperty->At(aProperty->mCount++) = aData;
-    return true;
+    return &aProperty->At(anIndex);
 }
 
 template <typename T>
 bool vxSetValue(vxProperty* aProperty, size_t anIndex, int aType, T aValue) {
-    vxData theData;
-    theData.Set(aType, aValue);
-    return vxSet(aProperty, anIndex, theData);
+    vxData theOld;
+    vxData* theData = vxOpen(aProperty, anIndex, theOld);
+    if (theData == nullptr) {
+        return false;
+    }
+    theData->Set(aType, aValue);
+    vxFreeData(theOld);
+    return true;
 }
 
 bool vxSetPointer(vxProperty* aProperty, size_t anIndex, int aType, void* aPtr) {
     return vxSetValue(aProperty, anIndex, aType, aPtr);
 }
 
+/// Puts a text into the value itself, where it may have come from.
+void vxSetShortText(vxProperty* aProperty, const char* aText) {
+    vxData theOld;
+    vxData* theData = vxOpen(aProperty, 0, theOld);
+    for (size_t i = 0; (theData->mBytes[i] = aText[i]) != '\0'; ++i) {}
+    theData->mType = vxData::kShortText;
+    vxFreeData(theOld);
+}
+
 /// A short text is kept inside the first value, which does not move.
 bool vxSetText(vxProperty* aProperty, size_t anIndex, const char* aText) {
-    const size_t theLength = strlen(aText);
-    vxData theData;
+    const size_t theLength = vxLengthOf(aText);
     if (anIndex == 0 && theLength <= vxData::kMaxShortLength) {
-        memcpy(theData.mBytes, aText, theLength + 1);
-        theData.mType = vxData::kShortText;
-    } else {
-        void* theCopy = vxMalloc(theLength + 1);
-        theData.Set(kvxDataType_charPtr,
-                    theCopy == nullptr ? nullptr : memcpy(theCopy, aText, theLength + 1));
+        vxSetShortText(aProperty, aText);
+        return true;
     }
-    return vxSet(aProperty, anIndex, theData);
+    void* theCopy = vxMalloc(theLength + 1);
+    return vxSetPointer(aProperty, anIndex, kvxDataType_charPtr,
+                        theCopy == nullptr ? nullptr : memcpy(theCopy, aText, theLength + 1));
 }
 
 bool vxIs(const vxData* aData, int aType) {

@@ -25,8 +25,6 @@
 #include <cstring>
 #include <functional>
 
-#include "vx/GrowingBuffer.h"
-
 namespace {
 
 const char* vxText(const char* aText) {
@@ -170,6 +168,28 @@ size_t vxRealLength(const char* aText) {
     return theLength;
 }
 
+/// Returns what a letter behind a backslash stands for; 0 for those that stand for nothing.
+char vxUnescaped(char aName) {
+    switch (aName) {
+        case '"':
+        case '\\':
+        case '/':
+            return aName;
+        case 'b':
+            return '\b';
+        case 'n':
+            return '\n';
+        case 'r':
+            return '\r';
+        case 't':
+            return '\t';
+        case 'f':
+            return '\f';
+        default:
+            return '\0';
+    }
+}
+
 /// Reads one text. Every step returns 0 to go on, and otherwise the result; it leaves mPos at the
 /// first byte that is not consumed.
 class vxJSONReader {
@@ -178,11 +198,20 @@ public:
         : mPos(aText),
           mEnd(aText + strlen(aText)),
           mSink(aSink),
-          mText(256),
+          mText(mShortText),
+          mTextSize(sizeof(mShortText)),
+          mLength(0),
           mDepth(0),
           mfBegun(false) {
         mStates[0] = vxState::Start;
     }
+    ~vxJSONReader() {
+        if (mText != mShortText) {
+            free(mText);
+        }
+    }
+    vxJSONReader(const vxJSONReader&) = delete;
+    vxJSONReader& operator=(const vxJSONReader&) = delete;
 
     int Read();
     const char* Position() const { return mPos; }
@@ -202,6 +231,7 @@ private:
     };
 
     int Step();
+    bool IsAtBlank() const { return vxIsBlank(*mPos) || *mPos == '/'; }
     int SkipBlanks();
     int SkipComment();
     int EndedEarly() const { return mfBegun ? kvxJSONParse_EndedInValue : kvxJSONParse_Ended; }
@@ -212,6 +242,7 @@ private:
     int ReadKey();
     int ReadString();
     int ReadText();
+    void CopyRun(char aQuote);
     int ReadEscape();
     int ReadUnicode();
     int ReadBoolean();
@@ -219,11 +250,22 @@ private:
     int ReadWord(const char* aWord, int aFailure);
     int ReadNumber();
     int ReadLongNumber();
+    int ReadMember();
     int SendReal(const char* aStart);
     int SendInteger(const char* aStart);
     int SendSigned(int64_t aValue);
     int SendUnsigned(uint64_t aValue);
     const char* Scratch(const char* aStart, size_t aLength);
+    bool Enlarge(size_t aLength);
+
+    /// Is there room for so many bytes behind the text in mText, and for a NUL?
+    bool HasRoom(size_t aLength) { return aLength < mTextSize - mLength || Enlarge(aLength); }
+
+    void AddByte(unsigned aByte) {
+        if (HasRoom(1)) {
+            mText[mLength++] = static_cast<char>(aByte);
+        }
+    }
 
     /// Consumes a byte and goes to another state.
     int Consume(vxState aState) {
@@ -269,7 +311,10 @@ private:
     const char* mPos;
     const char* const mEnd;  // the NUL
     vxISerialize& mSink;
-    vxGrowingBuffer mText;            // the text or number being read
+    char* mText;                      // the text or number being read; mShortText, or owned
+    size_t mTextSize;                 // bytes that mText has
+    size_t mLength;                   // bytes of it that are used
+    char mShortText[256];             // enough for most
     vxState mStates[JSON_MAX_DEPTH];  // of the open arrays and objects, and of the value inside
     int mDepth;                       // index of the innermost state
     bool mfBegun;                     // a value has begun
@@ -278,11 +323,11 @@ private:
 int vxJSONReader::Read() {
     int theResult = 0;
     while (theResult == 0) {
-        theResult = SkipBlanks();
-        if (theResult == 0 && *mPos == '\0') {
+        if (IsAtBlank()) {
+            theResult = SkipBlanks();
+        } else if (*mPos == '\0') {
             return mStates[mDepth] == vxState::Finish ? 0 : EndedEarly();
-        }
-        if (theResult == 0) {
+        } else {
             theResult = Step();
         }
     }
@@ -402,43 +447,64 @@ int vxJSONReader::ReadKey() {
     int theResult = ReadText();
     mStates[mDepth] = vxState::ObjectFieldEnd;
     if (theResult == 0) {
-        theResult = mSink.MapKey(mText.data(), false);
+        theResult = mSink.MapKey(mText, false);
     }
-    return theResult == 0 && *mPos == ':' ? BeginMember() : theResult;
+    return theResult == 0 && *mPos == ':' ? ReadMember() : theResult;
+}
+
+/// Reads the ':' behind a key, and the value where it is a plain one that follows at once.
+int vxJSONReader::ReadMember() {
+    BeginMember();
+    if (*mPos == '"') {
+        return ReadString();
+    }
+    return vxIsDigit(*mPos) ? ReadNumber() : 0;
 }
 
 int vxJSONReader::ReadString() {
     const int theResult = ReadText();
     EndValue();
-    return theResult != 0 ? theResult : mSink.String(mText.data(), false);
+    return theResult != 0 ? theResult : mSink.String(mText, false);
 }
 
 /// Reads a text from its opening to its closing quote into mText.
 int vxJSONReader::ReadText() {
     const char theQuote = *mPos++;
-    mText.SetPosition(0);
+    mLength = 0;
     for (;;) {
-        const char* theRun = mPos;
-        mPos = vxFindAnyOf(mPos, mEnd, theQuote, '\\');
-        mText.Append(theRun, static_cast<size_t>(mPos - theRun));
-        if (*mPos == '\0') {
-            return kvxJSONParse_EndedInValue;
-        }
+        CopyRun(theQuote);
         if (*mPos == theQuote) {
             ++mPos;
-            mText.Append("", 1);
+            mText[mLength] = '\0';
             return 0;
         }
-        const int theResult = ReadEscape();
+        const int theResult = *mPos == '\0' ? int{kvxJSONParse_EndedInValue} : ReadEscape();
         if (theResult != 0) {
             return theResult;
         }
     }
 }
 
+/// Copies what stands in front of the next quote or backslash, or of the end.
+void vxJSONReader::CopyRun(char aQuote) {
+    while (mEnd - mPos >= kvxBytes_Count && HasRoom(kvxBytes_Count)) {
+        const char* const thePos = mPos;
+        const vxBytes theMarks = vxMarkAnyOf(vxLoadBytes(thePos), aQuote, '\\');
+        const size_t theLength = mLength;
+        memcpy(mText + theLength, thePos, kvxBytes_Count);
+        const size_t theCount = theMarks == 0 ? kvxBytes_Count : vxFirstMarked(theMarks);
+        mPos = thePos + theCount;
+        mLength = theLength + theCount;
+        if (theMarks != 0) {
+            return;
+        }
+    }
+    while (*mPos != '\0' && *mPos != aQuote && *mPos != '\\') {
+        AddByte(static_cast<unsigned char>(*mPos++));
+    }
+}
+
 int vxJSONReader::ReadEscape() {
-    static constexpr char kvxNames[] = "\"\\/bnrtf";
-    static constexpr char kvxBytes[] = "\"\\/\b\n\r\t\f";
     ++mPos;
     if (*mPos == '\0') {
         return kvxJSONParse_EndedInValue;
@@ -446,12 +512,12 @@ int vxJSONReader::ReadEscape() {
     if (*mPos == kvxEscape_Unicode) {
         return ReadUnicode();
     }
-    const char* theName = strchr(kvxNames, *mPos);
-    if (theName == NULL) {
+    const char theByte = vxUnescaped(*mPos);
+    if (theByte == '\0') {
         return kvxJSONParse_BadString;
     }
     ++mPos;
-    mText.Append(kvxBytes + (theName - kvxNames), 1);
+    AddByte(static_cast<unsigned char>(theByte));
     return 0;
 }
 
@@ -466,18 +532,17 @@ int vxJSONReader::ReadUnicode() {
         }
         theCode = theCode * 16 + static_cast<unsigned>(theDigit);
     }
-    const char theLast = static_cast<char>(0x80 | (theCode & 0x3f));
     if (theCode < 0x80) {
-        const char theText[] = {static_cast<char>(theCode)};
-        mText.Append(theText, sizeof(theText));
-    } else if (theCode < 0x800) {
-        const char theText[] = {static_cast<char>(0xc0 | theCode >> 6), theLast};
-        mText.Append(theText, sizeof(theText));
-    } else {
-        const char theText[] = {static_cast<char>(0xe0 | theCode >> 12),
-                                static_cast<char>(0x80 | (theCode >> 6 & 0x3f)), theLast};
-        mText.Append(theText, sizeof(theText));
+        AddByte(theCode);
+        return 0;
     }
+    if (theCode < 0x800) {
+        AddByte(0xc0 | theCode >> 6);
+    } else {
+        AddByte(0xe0 | theCode >> 12);
+        AddByte(0x80 | (theCode >> 6 & 0x3f));
+    }
+    AddByte(0x80 | (theCode & 0x3f));
     return 0;
 }
 
@@ -569,10 +634,30 @@ int vxJSONReader::SendUnsigned(uint64_t aValue) {
 
 /// Copies a piece of the input into mText, with a NUL.
 const char* vxJSONReader::Scratch(const char* aStart, size_t aLength) {
-    mText.SetPosition(0);
-    mText.Append(aStart, aLength);
-    mText.Append("", 1);
-    return mText.data();
+    mLength = 0;
+    if (HasRoom(aLength)) {
+        memcpy(mText, aStart, aLength);
+        mLength = aLength;
+    }
+    mText[mLength] = '\0';
+    return mText;
+}
+
+/// Gets room for so many bytes more and a NUL; false when there is no memory.
+bool vxJSONReader::Enlarge(size_t aLength) {
+    const size_t theRise = std::max(mTextSize, aLength + 1);
+    char* theText =
+        theRise > SIZE_MAX - mTextSize ? NULL : static_cast<char*>(vxMalloc(mTextSize + theRise));
+    if (theText == NULL) {
+        return false;
+    }
+    memcpy(theText, mText, mLength);
+    if (mText != mShortText) {
+        free(mText);
+    }
+    mText = theText;
+    mTextSize += theRise;
+    return true;
 }
 
 // Walking
