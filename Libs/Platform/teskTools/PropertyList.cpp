@@ -238,11 +238,26 @@ void vxCloseHoles(vxPropertyList* aList) {
     vxClosedHoles(aList);
 }
 
+/// Finds a position among holes. They are closed once counting them off has cost as much.
+vxProperty* vxCountOff(vxPropertyList* aList, size_t anIndex) {
+    if (aList->mSteps > aList->mUsed) {
+        vxCloseHoles(aList);
+        return aList->mOrder[anIndex];
+    }
+    uint32_t thePlace = 0;
+    for (size_t theSkip = anIndex + 1; theSkip > 0; ++thePlace) {
+        theSkip -= aList->mOrder[thePlace] != nullptr ? 1 : 0;
+    }
+    aList->mSteps += thePlace;
+    return aList->mOrder[thePlace - 1];
+}
+
 bool vxGrow(vxPropertyList* aList) {
     if (aList->mCapacity >= kvxMaxCapacity) {
         return false;
     }
-    const uint32_t theCapacity = aList->mCapacity == 0 ? kvxFirstCapacity : 2 * aList->mCapacity;
+    const size_t theCapacity =
+        aList->mCapacity == 0 ? kvxFirstCapacity : size_t{2} * aList->mCapacity;
     constexpr size_t kSize = sizeof(vxProperty*) + 2 * sizeof(uint32_t);
     void* theBlock = theCapacity > SIZE_MAX / kSize ? nullptr : vxMalloc(theCapacity * kSize);
     if (theBlock == nullptr) {
@@ -251,7 +266,7 @@ bool vxGrow(vxPropertyList* aList) {
     vxProperty** theOrder = static_cast<vxProperty**>(theBlock);
     vxCopyOrder(aList, theOrder);
     free(std::exchange(aList->mOrder, theOrder));
-    aList->mCapacity = theCapacity;
+    aList->mCapacity = static_cast<uint32_t>(theCapacity);
     vxClosedHoles(aList);
     return true;
 }
@@ -411,24 +426,12 @@ size_t vxPropertyList_GetCount(const vxPropertyList* aList) {
     return aList == NULL ? 0 : aList->mUsed - aList->mHoles;
 }
 
-// Holes are closed once counting them off has cost as much.
 vxProperty* vxPropertyList_GetAt(const vxPropertyList* aList, size_t anIndex) {
-    if (anIndex >= vxPropertyList_GetCount(aList)) {
+    if (aList == NULL || anIndex >= aList->mUsed - aList->mHoles) {
         return NULL;
     }
-    vxPropertyList* const theList = const_cast<vxPropertyList*>(aList);
-    if (theList->mSteps > theList->mUsed) {
-        vxCloseHoles(theList);
-    }
-    if (theList->mHoles == 0) {
-        return theList->mOrder[anIndex];
-    }
-    uint32_t thePlace = 0;
-    for (size_t theSkip = anIndex + 1; theSkip > 0; ++thePlace) {
-        theSkip -= theList->mOrder[thePlace] != NULL ? 1 : 0;
-    }
-    theList->mSteps += thePlace;
-    return theList->mOrder[thePlace - 1];
+    return aList->mHoles == 0 ? aList->mOrder[anIndex]
+                              : vxCountOff(const_cast<vxPropertyList*>(aList), anIndex);
 }
 
 vxProperty* vxPropertyList_Find(const vxPropertyList* aList, const char* aName) {
@@ -494,7 +497,7 @@ size_t vxProperty_GetCount(const vxProperty* aProperty) {
 }
 
 const vxData* vxProperty_GetAt(const vxProperty* aProperty, size_t anIndex) {
-    return anIndex < vxProperty_GetCount(aProperty) ? &aProperty->At(anIndex) : NULL;
+    return aProperty != NULL && anIndex < aProperty->mCount ? &aProperty->At(anIndex) : NULL;
 }
 
 void vxProperty_Truncate(vxProperty* aProperty, size_t aCount) {

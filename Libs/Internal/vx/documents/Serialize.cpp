@@ -73,6 +73,9 @@ size_t vxEscapedLength(const char* aText, const vxEscapes& anEscapes) {
 
 constexpr size_t kvxEscape_MaxLength = 6;
 
+/// What a text may have around it, a comma, quotes and a colon, and one escape.
+constexpr size_t kvxText_Around = 4 + kvxEscape_MaxLength;
+
 /// Writes a byte that must be escaped, and returns the end.
 char* vxWriteEscape(char aChar, char anEscape, char* aTarget) {
     *aTarget++ = '\\';
@@ -828,34 +831,50 @@ vxCString vxJSONFormatter::Keep(const char* aText) const {
     return mPos == NULL && vxLiesIn(aText, mDoc) ? mDoc : vxCString();
 }
 
-void vxJSONFormatter::AddText(const char* aText, bool afQuote) {
-    const char* theText = vxText(aText);
+void vxJSONFormatter::AddText(const char* aText, bool afQuote, bool afComma, bool afColon) {
+    const char* const theText = vxText(aText);
     const size_t theLength = strlen(theText);
-    if (!afQuote) {
-        AddByte('"');
+    char* theTarget = Room(theLength + kvxText_Around);
+    if (theTarget == NULL) {
+        return;
     }
-    AddEscaped(theText, theLength);
-    if (!afQuote) {
-        AddByte('"');
+    // The end of the text goes back to mPos only once: what is written waits for no memory.
+    if (afComma) {
+        *theTarget++ = ',';
     }
+    if (!afQuote) {
+        *theTarget++ = '"';
+    }
+    theTarget = WriteEscaped(theText, theText + theLength, theTarget);
+    if (theTarget == NULL) {
+        return;
+    }
+    if (!afQuote) {
+        *theTarget++ = '"';
+    }
+    if (afColon) {
+        *theTarget++ = ':';
+    }
+    mPos = theTarget;
 }
 
-void vxJSONFormatter::AddEscaped(const char* aText, size_t aLength) {
+/// Writes a text where there is room for it and for what may be around, and returns its end; null
+/// when there is no memory for the escapes.
+char* vxJSONFormatter::WriteEscaped(const char* aText, const char* anEnd, char* aTarget) {
     const vxEscapes& theEscapes = mfStrict ? kvxEscapes_Strict : kvxEscapes_Lax;
-    const char* const theEnd = aText + aLength;
     for (;;) {
-        const size_t theRest = static_cast<size_t>(theEnd - aText);
-        char* theTarget = Room(theRest + kvxEscape_MaxLength);
-        if (theTarget == NULL) {
-            return;
+        const char* theStop = vxCopyPlain(aText, anEnd, mfStrict, aTarget);
+        aTarget += theStop - aText;
+        if (theStop == anEnd) {
+            return aTarget;
         }
-        const char* theStop = vxCopyPlain(aText, theEnd, mfStrict, theTarget);
-        mPos += theStop - aText;
-        if (theStop == theEnd) {
-            return;
-        }
-        mPos = vxWriteEscape(*theStop, theEscapes[static_cast<unsigned char>(*theStop)], mPos);
+        const char theEscape = theEscapes[static_cast<unsigned char>(*theStop)];
+        mPos = vxWriteEscape(*theStop, theEscape, aTarget);
         aText = theStop + 1;
+        aTarget = Room(static_cast<size_t>(anEnd - aText) + kvxText_Around);
+        if (aTarget == NULL) {
+            return NULL;
+        }
     }
 }
 
@@ -889,16 +908,18 @@ int vxJSONFormatter::MapBegin() {
 
 int vxJSONFormatter::MapKey(const char* aKey, bool afQuote) {
     const vxCString theOld = Keep(aKey);
-    if (!mfMapBegin) {
+    const bool theIsFirst = mfMapBegin;
+    mfMapBegin = false;
+    if (!mfHuman) {
+        AddText(aKey, afQuote, !theIsFirst, true);
+        return 0;
+    }
+    if (!theIsFirst) {
         AddByte(',');
     }
-    mfMapBegin = false;
     NewLine();
-    AddText(aKey, afQuote);
-    AddByte(':');
-    if (mfHuman) {
-        AddByte(' ');
-    }
+    AddText(aKey, afQuote, false, true);
+    AddByte(' ');
     return 0;
 }
 
@@ -931,7 +952,7 @@ int vxJSONFormatter::ArrayEnd() {
 
 int vxJSONFormatter::String(const char* aText, bool afQuote) {
     const vxCString theOld = Keep(aText);
-    AddText(aText, afQuote);
+    AddText(aText, afQuote, false, false);
     return 0;
 }
 

@@ -163,8 +163,8 @@ private:
     void Add(const char* aText, size_t aLength);
     void AddByte(char aByte);
     vxCString Keep(const char* aText) const;
-    void AddText(const char* aText, bool afQuote);
-    void AddEscaped(const char* aText, size_t aLength);
+    void AddText(const char* aText, bool afQuote, bool afComma, bool afColon);
+    char* WriteEscaped(const char* aText, const char* anEnd, char* aTarget);
     template <typename Integer>
     int AddInteger(Integer aValue);
     void NewLine();
