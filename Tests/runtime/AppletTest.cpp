@@ -256,6 +256,85 @@ TEST_F(AppletTest, MessageReachesTheChildrenOnlyIfTheyAreAwake) {
     EXPECT_EQ(theChild.mLastMsg, vxAppletMsg_None);
 }
 
+TEST_F(AppletTest, ChildThatTheLoopOfItsParentWakesIsSteppedInTheSameStep) {
+    Applet theRoot(&mDiary, "root");
+    Applet theChild(&mDiary, "child");
+    theRoot.AppletAttach(&theChild, vxAppletOption_None);
+    theRoot.AppletRun(vxAppletMsg_None);
+    theRoot.mInLoop = [&] { theChild.AppletWakeUp(); };
+    mDiary.clear();
+    theRoot.AppletRun(static_cast<vxAppletMsg>(77));
+    EXPECT_THAT(mDiary, ElementsAre("root", "child"));
+    theRoot.mInLoop = nullptr;
+    theRoot.AppletRun(vxAppletMsg_None);  // the child's wake-up came after the step had begun
+    theRoot.AppletRun(vxAppletMsg_None);
+    EXPECT_THAT(mDiary, ElementsAre("root", "child", "root"));
+    theRoot.mDiary = theChild.mDiary = nullptr;
+}
+
+TEST_F(AppletTest, MessageLeavesExpiredTimeoutsOfChildrenToTheNextStep) {
+    Applet theRoot;
+    Applet theChild;
+    theRoot.AppletAttach(&theChild, vxAppletOption_None);
+    theRoot.AppletRun(vxAppletMsg_None);
+    vxTimeout theTimeout;
+    theChild.TimeoutStart(&theTimeout, 10);
+    mClock.Advance(10);
+    theRoot.AppletRun(static_cast<vxAppletMsg>(77));
+    EXPECT_EQ(theChild.mLoops, 0);
+    theRoot.AppletRun(vxAppletMsg_None);
+    EXPECT_EQ(theChild.mLoops, 1);
+}
+
+TEST_F(AppletTest, ChildrenAreSteppedAlsoInTheStepInWhichTheirParentExits) {
+    Applet theRoot(&mDiary, "root");
+    Applet theChild(&mDiary, "child");
+    theRoot.AppletAttach(&theChild, vxAppletOption_None);
+    theChild.AppletWakeUp();
+    theRoot.mResult = vxAppletMsg_Exit;
+    EXPECT_EQ(theRoot.AppletRun(vxAppletMsg_None), vxAppletMsg_Exit);
+    EXPECT_THAT(mDiary, ElementsAre("root", "child"));
+    theChild.AppletWakeUp();
+    EXPECT_EQ(theRoot.AppletRun(vxAppletMsg_None), vxAppletMsg_Exit);
+    EXPECT_THAT(mDiary, ElementsAre("root", "child"));
+    theRoot.mDiary = theChild.mDiary = nullptr;
+}
+
+TEST_F(AppletTest, AttachWakesTheParentOnceTheChildIsThere) {
+    struct Root : Applet {
+        void RaiseWakeUpSignal() override { mFirst = FirstExpiringTimeout(); }
+        vxTimeout* mFirst = nullptr;
+    };
+    Root theRoot;
+    theRoot.AppletSetOptions(vxAppletOption_Multithreaded);
+    Applet theChild;
+    vxTimeout theTimeout;
+    theChild.TimeoutStart(&theTimeout, 10);
+    theRoot.AppletAttach(&theChild, vxAppletOption_None);
+    EXPECT_EQ(theRoot.mFirst, &theTimeout);
+}
+
+TEST_F(AppletTest, DetachWakesTheParentOnceTheChildIsGone) {
+    struct Child : Applet {
+        explicit Child(Applet* aRoot) : mRoot(aRoot) {}
+        ~Child() override {
+            EXPECT_EQ(mRoot->mRaised, 0);
+            EXPECT_EQ(mRoot->FirstExpiringTimeout(), nullptr);  // it is no child any more
+        }
+        Applet* mRoot;
+        vxTimeout mTimeout;
+    };
+    Applet theRoot;
+    theRoot.AppletSetOptions(vxAppletOption_Multithreaded);
+    Child* const theChild = new Child(&theRoot);
+    theRoot.AppletAttach(theChild, vxAppletOption_SelfDestruct);
+    theChild->TimeoutStart(&theChild->mTimeout, 10);
+    theRoot.AppletRun(vxAppletMsg_None);
+    theRoot.mRaised = 0;
+    theRoot.AppletDetach(theChild);
+    EXPECT_EQ(theRoot.mRaised, 1);
+}
+
 TEST_F(AppletTest, AttachWakesTheParentButNotTheChild) {
     Applet theRoot;
     Applet theChild;
@@ -371,6 +450,41 @@ TEST_F(AppletTest, MixedTreeIsReportedAndWokenAllTheSame) {
     EXPECT_THAT(mReports.Assertions(), ElementsAre(kMixedTree));
     theRoot.AppletRun(vxAppletMsg_None);
     EXPECT_EQ(theChild.mLoops, 1);
+}
+
+TEST_F(AppletTest, MixedTreeIsReportedBeforeItsRootIsSignaled) {
+    struct Root : Applet {
+        explicit Root(const vxtest::Reports* aReports) : mReports(aReports) {}
+        void RaiseWakeUpSignal() override { mReported = mReports->Assertions().size(); }
+        const vxtest::Reports* mReports;
+        size_t mReported = 0;
+    };
+    Root theRoot(&mReports);
+    theRoot.AppletSetOptions(vxAppletOption_Multithreaded);
+    Applet theChild;
+    theRoot.AppletAttach(&theChild, vxAppletOption_None);
+    theRoot.AppletRun(vxAppletMsg_None);
+    theChild.AppletClearOptions(vxAppletOption_Multithreaded);
+    theChild.AppletWakeUp();
+    EXPECT_EQ(theRoot.mReported, 1U);
+    EXPECT_THAT(mReports.Assertions(), ElementsAre(kMixedTree));
+}
+
+TEST_F(AppletTest, DriverThatRunsAsSoonAsItIsSignaledStepsTheChild) {
+    struct Root : Applet {
+        void RaiseWakeUpSignal() override { AppletRun(vxAppletMsg_None); }
+    };
+    Root theRoot;
+    theRoot.AppletSetOptions(vxAppletOption_Multithreaded);
+    Applet theChild;
+    Applet theGrandchild;
+    theRoot.AppletAttach(&theChild, vxAppletOption_None);
+    theChild.AppletAttach(&theGrandchild, vxAppletOption_None);
+    EXPECT_EQ(theChild.mLoops, 1);
+    theGrandchild.AppletWakeUp();
+    EXPECT_EQ(theRoot.mLoops, 3);
+    EXPECT_EQ(theChild.mLoops, 2);
+    EXPECT_EQ(theGrandchild.mLoops, 1);
 }
 
 TEST_F(AppletTest, WakeUpRaisesTheSignalOfAMultithreadedRootOnce) {
