@@ -121,6 +121,19 @@ TEST(ActivityManagerTest, ActivityWhileTheDurationIsTakenDoesNotTurnItAround) {
     EXPECT_EQ(theManager.GetInactivityDuration(), 0U);
 }
 
+TEST(ActivityManagerTest, ManagerIsActiveUntilTheMomentOfItsIdlenessIsKnown) {
+    vxtest::ScriptedClock theClock(0, {100, 0});
+    vxActivityManager theManager;
+    theManager.IncrementModuleActivity("player");
+    theClock.Advance(5000);
+    bool theIsActive = false;
+    theClock.AfterNextTime([&] { theIsActive = theManager.IsActive(); });
+    theManager.DecrementModuleActivity("player");
+    EXPECT_TRUE(theIsActive);
+    EXPECT_FALSE(theManager.IsActive());
+    EXPECT_EQ(theManager.GetInactivityDuration(), 0U);
+}
+
 TEST(ActivityManagerTest, NamesAreCopied) {
     vxActivityManager theManager;
     std::string theName = "player";

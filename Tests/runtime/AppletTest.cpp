@@ -618,6 +618,30 @@ TEST_F(AppletTest, FirstTimeoutIsTheEarliestOfTheTree) {
     EXPECT_EQ(theRoot.FirstExpiringTimeout(), &theOwn);
 }
 
+TEST_F(AppletTest, DerivedClassMaySayWhichTimeoutIsFirst) {
+    struct Child : Applet {
+        vxTimeout* FirstExpiringTimeout() override { return &mElsewhere; }
+        vxTimeout mElsewhere;
+    };
+    Applet theRoot;
+    Child theChild;
+    theRoot.AppletAttach(&theChild, vxAppletOption_None);
+    theRoot.AppletRun(vxAppletMsg_None);
+    theChild.mElsewhere.Start(20);
+    EXPECT_EQ(theRoot.FirstExpiringTimeout(), &theChild.mElsewhere);
+    theRoot.AppletRun(vxAppletMsg_None);
+    EXPECT_EQ(theChild.mLoops, 0);
+    theRoot.SelfWait();
+    EXPECT_THAT(mClock.Sleeps(), ElementsAre(20U));
+    theRoot.AppletRun(vxAppletMsg_None);
+    EXPECT_EQ(theChild.mLoops, 1);
+
+    theChild.mElsewhere.Start(30);
+    mClock.Advance(30);
+    theRoot.AppletRun(vxAppletMsg_None);
+    EXPECT_EQ(theChild.mLoops, 2);
+}
+
 TEST_F(AppletTest, ExpiredTimeoutsOfTheTreeAreEqual) {
     Applet theRoot;
     Applet theChild;

@@ -4,8 +4,12 @@
 #include <gtest/gtest.h>
 #include <libvxOS/Chrono.h>
 
+#include <sys/stat.h>
+
 #include <cstdlib>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "support/Reports.h"
 #include "support/TempDir.h"
@@ -15,15 +19,22 @@ using testing::IsEmpty;
 
 namespace {
 
-uint64_t sMilliseconds = 0;  // the clock of stopwatches, turned by hand
+uint64_t sMilliseconds = 0;           // the clock of stopwatches, turned by hand
+std::vector<std::string> sStopwatch;  // what was done to stopwatches
+std::function<void()> sAtStart;       // called when a stopwatch starts
 
 }  // namespace
 
 void vxChrono_S_Init(vxChrono* aChrono) {
+    sStopwatch.push_back("Init");
     aChrono->mStart = 0;
 }
 
 void vxChrono_Start_S(vxChrono* aChrono) {
+    sStopwatch.push_back("Start");
+    if (sAtStart) {
+        sAtStart();
+    }
     aChrono->mStart = sMilliseconds;
 }
 
@@ -100,6 +111,29 @@ TEST_F(BenchMarkTest, DurationsAreSecondsWithThreeDigitsBehindThePoint) {
         theBenchMark.Stop();
         EXPECT_EQ(mReports.Console(), theRow.mText);
     }
+}
+
+TEST_F(BenchMarkTest, TheStopwatchStartsLast) {
+    std::string theFile;
+    std::vector<std::string> theLog;
+    vxBenchMark theBenchMark(kModule, "bench.txt");
+    sStopwatch.clear();
+    sAtStart = [&] {
+        theFile = File();
+        theLog = Logged();
+    };
+    theBenchMark.Start("Scanning", true);
+    sAtStart = nullptr;
+    EXPECT_THAT(sStopwatch, ElementsAre("Init", "Start"));
+    EXPECT_EQ(theFile, "Scanning\n");
+    EXPECT_THAT(theLog, ElementsAre("Scanning\n"));
+}
+
+TEST_F(BenchMarkTest, TheFileIsThereForItsOwnerToReadAndWrite) {
+    const vxBenchMark theBenchMark(kModule, "bench.txt", "Scanning");
+    struct stat theStat;
+    ASSERT_EQ(stat((mDir / "write/bench.txt").c_str(), &theStat), 0);
+    EXPECT_EQ(theStat.st_mode & 0700U, 0600U);
 }
 
 TEST_F(BenchMarkTest, TheDestructorStops) {

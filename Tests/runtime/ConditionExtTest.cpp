@@ -166,12 +166,15 @@ TEST(ConditionExtTest, MissingConditionAndMissingMutexAreFatalAndHarmlessAfterwa
     theLocks.mfNoCondition = true;
     vxMutex theMutex;
     vxConditionExt theFirst(&theMutex, false);
+    vxConditionExt theThird(NULL, false);
     theLocks.mfNoCondition = false;
     vxConditionExt theSecond(NULL, true);
 
-    ASSERT_EQ(theReports.FatalErrors().size(), 2U);
+    ASSERT_EQ(theReports.FatalErrors().size(), 4U);
     EXPECT_EQ(theReports.FatalErrors()[0].mResource, "os:condition");
-    EXPECT_EQ(theReports.FatalErrors()[1].mResource, "os:mutex");
+    EXPECT_EQ(theReports.FatalErrors()[1].mResource, "os:condition");
+    EXPECT_EQ(theReports.FatalErrors()[2].mResource, "os:mutex");
+    EXPECT_EQ(theReports.FatalErrors()[3].mResource, "os:mutex");
     {
         vxMutexLocker theLock(&theMutex);
         EXPECT_EQ(theFirst.Wait(), EINVAL);

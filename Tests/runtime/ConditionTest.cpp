@@ -111,6 +111,34 @@ TEST(ConditionTest, WaitTakesASignalThatCameDuringItWhateverItsResult) {
     EXPECT_EQ(theManual.WaitTimeout(8), 0);
 }
 
+TEST(ConditionTest, SignalAndResetAreDoneUnderTheLock) {
+    vxtest::ScriptedLocks theLocks;
+    theLocks.mfNoteCalls = true;
+    vxCondition theCondition;
+    theCondition.Signal();
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "Signal", "Unlock"));
+    theLocks.mCalls.clear();
+    EXPECT_EQ(theCondition.Wait(), 0);
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "Unlock"));
+    theLocks.mCalls.clear();
+    theCondition.Reset();
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "Unlock"));
+}
+
+TEST(ConditionTest, WaitOnAManualEventPassesTheSignalOnToTheNextSleeper) {
+    vxtest::ScriptedLocks theLocks;
+    theLocks.mWaitResult = 0;
+    theLocks.mfNoteCalls = true;
+    vxCondition theManual(true, false);
+    theManual.Wait();
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "Unlock"));
+    theLocks.mCalls.clear();
+    theLocks.mInWait = [&] { theManual.Signal(); };
+    theManual.Wait();
+    EXPECT_THAT(theLocks.mCalls,
+                ElementsAre("Lock", "Lock", "Signal", "Unlock", "Signal", "Unlock"));
+}
+
 TEST(ConditionTest, TimedWaitLastsAtLeastAsLongAsAsked) {
     vxCondition theCondition;
     const auto theStart = std::chrono::steady_clock::now();

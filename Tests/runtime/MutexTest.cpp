@@ -96,6 +96,19 @@ TEST(MutexTest, FailedUnlockIsHandedOutAndStaysCounted) {
     EXPECT_THAT(theReports.Assertions(), ElementsAre("mLockCount > 0"));
 }
 
+TEST(MutexTest, UnlockIsCountedBeforeAnotherThreadCanHaveTheMutex) {
+    vxtest::Reports theReports;
+    vxtest::ScriptedLocks theLocks;
+    vxMutex theMutex;
+    theMutex.Lock();
+    theMutex.Lock();
+    theLocks.mAtUnlock = [&] { theMutex.AssertLocked(); };
+    theMutex.Unlock();
+    EXPECT_THAT(theReports.Assertions(), IsEmpty());
+    theMutex.Unlock();
+    EXPECT_THAT(theReports.Assertions(), ElementsAre("mLockCount > 0"));
+}
+
 TEST(MutexTest, MissingPlatformMutexIsFatalAndHarmlessAfterwards) {
     vxtest::Reports theReports;
     vxtest::ScriptedLocks theLocks;

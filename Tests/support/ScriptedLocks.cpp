@@ -72,6 +72,9 @@ int vxMutex_Lock(vxOSMutex* aMutex) {
 
 int vxMutex_Unlock(vxOSMutex* aMutex) {
     vxNoteCall("Unlock");
+    if (sLocks != nullptr && sLocks->mAtUnlock) {
+        sLocks->mAtUnlock();
+    }
     if (sLocks != nullptr && sLocks->mUnlockResult) {
         return *sLocks->mUnlockResult;
     }

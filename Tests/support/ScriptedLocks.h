@@ -28,6 +28,7 @@ struct ScriptedLocks {
     std::optional<int> mSignalResult;
     std::optional<int> mWaitResult;
 
+    std::function<void()> mAtUnlock;  // what happens before a mutex is unlocked
     std::function<void()> mInWait;    // what happens during a wait that is answered
     std::vector<std::string> mWaits;  // of conditions: "Wait" or "WaitTimeout 20", oldest first
 
