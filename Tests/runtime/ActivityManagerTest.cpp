@@ -1,15 +1,43 @@
 #include "vx/ActivityManager.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+#include <libteskTools/HashTable.h>
 
 #include <string>
 #include <thread>
 #include <type_traits>
 #include <vector>
 
+#include "support/Forward.h"
 #include "support/ScriptedClock.h"
+#include "support/ScriptedLocks.h"
 
 namespace {
+
+vxtest::ScriptedLocks* sNotes = nullptr;  // uses of the table are noted among its locks
+
+void NoteUse() {
+    if (sNotes != nullptr) {
+        sNotes->mCalls.push_back("table");
+    }
+}
+
+}  // namespace
+
+bool vxCustomHashTable_Lookup(const vxCustomHashTable* aTable, const char* aKey, void** aValue) {
+    NoteUse();
+    return VXTEST_REAL(vxCustomHashTable_Lookup)(aTable, aKey, aValue);
+}
+
+bool vxCustomHashTable_Add(vxCustomHashTable* aTable, const char* aKey, void* aValue) {
+    NoteUse();
+    return VXTEST_REAL(vxCustomHashTable_Add)(aTable, aKey, aValue);
+}
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 static_assert(std::has_virtual_destructor_v<vxActivityManager>);
 
@@ -140,6 +168,29 @@ TEST(ActivityManagerTest, NamesAreCopied) {
     theManager.IncrementModuleActivity(theName.c_str());
     theName = "xxxxxx";
     EXPECT_TRUE(theManager.IsModuleActive("player"));
+}
+
+TEST(ActivityManagerTest, TableIsUsedUnderTheLock) {
+    vxActivityManager theManager;
+    vxtest::ScriptedLocks theLocks;
+    theLocks.mfNoteCalls = true;
+    sNotes = &theLocks;
+    theManager.IncrementModuleActivity("player");
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "table", "table", "Unlock"));
+    theLocks.mCalls.clear();
+    theManager.DecrementModuleActivity("player");
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "table", "table", "Unlock"));
+    theLocks.mCalls.clear();
+    theManager.SetModuleActivity("player", true);
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "table", "Unlock"));
+    theLocks.mCalls.clear();
+    EXPECT_TRUE(theManager.IsModuleActive("player"));
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "table", "Unlock"));
+    theLocks.mCalls.clear();
+    EXPECT_TRUE(theManager.IsActive());
+    EXPECT_EQ(theManager.GetInactivityDuration(), 0U);
+    EXPECT_THAT(theLocks.mCalls, IsEmpty());
+    sNotes = nullptr;
 }
 
 TEST(ActivityManagerTest, ThreadsCountWithoutLosingAny) {

@@ -4,10 +4,12 @@
 
 #include <unistd.h>
 
+#include <string>
 #include <thread>
 #include <type_traits>
 #include <vector>
 
+#include "support/Forward.h"
 #include "support/InsideSelect.h"
 #include "support/Latch.h"
 #include "support/Reports.h"
@@ -15,6 +17,27 @@
 
 namespace {
 
+std::vector<std::string>* sCalls = nullptr;  // notes what is done to selectors
+
+}  // namespace
+
+void vxSocketSelect_Trigger(vxSocketSelect* aSelect) {
+    if (sCalls != nullptr) {
+        sCalls->push_back("Trigger");
+    }
+    VXTEST_REAL(vxSocketSelect_Trigger)(aSelect);
+}
+
+void vxSocketSelect_Delete(vxSocketSelect* aSelect) {
+    if (sCalls != nullptr) {
+        sCalls->push_back("Delete");
+    }
+    VXTEST_REAL(vxSocketSelect_Delete)(aSelect);
+}
+
+namespace {
+
+using testing::ElementsAre;
 using testing::EndsWith;
 
 static_assert(!std::is_copy_constructible_v<vxSelect>);
@@ -81,6 +104,24 @@ TEST(SelectTest, TerminateEndsEverySelectUnderWay) {
     }
     vxtest::sInsideSelect = nullptr;
     EXPECT_LT(theSelect.Select(NULL, NULL, NULL, 0, NULL, NULL), 0);
+}
+
+TEST(SelectTest, SelectorIsTriggeredBeforeItIsDeleted) {
+    std::vector<std::string> theCalls;
+    {
+        vxSelect theSelect;
+        ASSERT_EQ(theSelect.Setup(), 0);
+        sCalls = &theCalls;
+        ASSERT_EQ(theSelect.Setup(), 0);
+        EXPECT_THAT(theCalls, ElementsAre("Trigger", "Delete"));
+        theCalls.clear();
+        theSelect.Terminate();
+        EXPECT_THAT(theCalls, ElementsAre("Trigger", "Delete"));
+        ASSERT_EQ(theSelect.Setup(), 0);
+        theCalls.clear();
+    }
+    EXPECT_THAT(theCalls, ElementsAre("Trigger", "Delete"));
+    sCalls = nullptr;
 }
 
 TEST(SelectTest, FailedSetupIsLoggedAndLeavesNothing) {
