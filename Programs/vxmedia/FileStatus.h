@@ -7,6 +7,11 @@ namespace vxmedia {
 /// What a path names.
 enum class FileKind { Missing, Regular, Directory, Link, Special };
 
+/// Returns a sum, or the highest number where it would be higher: files can say anything.
+constexpr uint64_t SaturatedSum(uint64_t aLeft, uint64_t aRight) {
+    return aRight > UINT64_MAX - aLeft ? UINT64_MAX : aLeft + aRight;
+}
+
 /// What makes a file or directory the same one under all its names.
 struct FileIdentity {
     uint64_t mDevice = 0;

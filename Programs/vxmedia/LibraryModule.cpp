@@ -26,8 +26,8 @@ struct FormatSums {
 
     void Add(const MediaItem& anItem) {
         mFiles += 1;
-        mBytes += anItem.GetSize();
-        mDurationMS += anItem.GetFacts().DurationMS();
+        mBytes = SaturatedSum(mBytes, anItem.GetSize());
+        mDurationMS = SaturatedSum(mDurationMS, anItem.GetFacts().DurationMS());
         mfHasSound = mfHasSound || anItem.GetFacts().IsSound();
     }
 

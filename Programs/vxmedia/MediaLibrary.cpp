@@ -36,9 +36,9 @@ void RemoveBelow(Map& aMap, const vxCString& aRoot, IsGone aIsGone) {
 }  // namespace
 
 void DirectoryCounts::Add(const DirectoryCounts& aCounts) {
-    mOtherFiles += aCounts.mOtherFiles;
-    mLinks += aCounts.mLinks;
-    mSpecialFiles += aCounts.mSpecialFiles;
+    mOtherFiles = SaturatedSum(mOtherFiles, aCounts.mOtherFiles);
+    mLinks = SaturatedSum(mLinks, aCounts.mLinks);
+    mSpecialFiles = SaturatedSum(mSpecialFiles, aCounts.mSpecialFiles);
 }
 
 void MediaLibrary::AddItem(const vxCString& aPath, const FileStatus& aStatus,

@@ -129,6 +129,18 @@ TEST_F(LibraryKeeperTest, ABrokenFileIsReplacedOnceTheLibraryChanges) {
     EXPECT_EQ(mDir.Read("library.json.bad"), "{}");
 }
 
+TEST_F(LibraryKeeperTest, ADamagedFileIsReplacedByWhatIsGoodInIt) {
+    const std::string theText =
+        R"({"program":"vxmedia","format":1,"version":"1.0.0","last":0,"items":[5],)"
+        R"("directories":[],"refusals":[]})";
+    mDir.Write("library.json", theText);
+    EXPECT_STRNE(mKeeper.Load(), "");
+    EXPECT_EQ(mDir.Read("library.json"), theText);
+    EXPECT_STREQ(mKeeper.Save(), "");
+    EXPECT_NE(mDir.Read("library.json"), theText);
+    EXPECT_EQ(mDir.Read("library.json.bad"), theText);
+}
+
 TEST_F(LibraryKeeperTest, WhatAScanFindsIsAChangeAndWhatItFindsAgainIsNone) {
     const auto theScan = [this](bool afNew) {
         mLibrary.BeginScan();

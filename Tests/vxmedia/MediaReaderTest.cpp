@@ -85,4 +85,16 @@ TEST(MediaSourceTest, SmallReadsShareOneFetch) {
     EXPECT_FALSE(theSource.IsExhausted());
 }
 
+TEST(MediaReaderTest, ADurationThatNoNumberHoldsIsTheHighestOne) {
+    vxmedia::MediaFacts theFacts;
+    theFacts.mfDurationKnown = true;
+    theFacts.mRate = 1;
+    theFacts.mFrames = UINT64_MAX / 1000 - 1;
+    EXPECT_EQ(theFacts.DurationMS(), UINT64_C(18446744073709550000));
+    theFacts.mFrames += 1;
+    EXPECT_EQ(theFacts.DurationMS(), UINT64_MAX);
+    theFacts.mFrames = UINT64_MAX;
+    EXPECT_EQ(theFacts.DurationMS(), UINT64_MAX);
+}
+
 }  // namespace

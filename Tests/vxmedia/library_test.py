@@ -322,6 +322,35 @@ class BadLibrary(LibraryScratch):
             with self.subTest(text[:20]):
                 self.check_broken(text, pattern)
 
+    def forge(self, items, directories=(), refusals=()):
+        """Writes a library by hand."""
+        self.write(self.FILE, json.dumps({'program': 'vxmedia', 'format': 1, 'version': '1.0.0', 'last': 9,
+                                          'items': items, 'directories': list(directories),
+                                          'refusals': list(refusals)}).encode())
+
+    def test_bad_entries_are_left_out_and_explained_once(self):
+        good = {'id': 3, 'path': 'm/a.gif', 'size': 1, 'time': 1, 'type': 'GIF'}
+        self.forge([good, {**good, 'id': 4, 'path': 'm/\0b.gif'}, {**good, 'path': 'm/c.gif'}])
+        forged = self.read()
+        status, output = self.run_lines('lib list')
+        self.assertEqual(status, 1)
+        self.assertRegex(output, r"\AERROR: '\S*library\.json' has 2 bad entries, which are left out: "
+                         r"items\[1\]: 'path' has a NUL in it; items\[2\]: 'id' is that of another item; "
+                         r"all of it is kept as '\S*library\.json\.bad'\nID .*\n 3 .*\n1 of 1 media files\n\Z")
+        self.assertEqual(self.read(self.FILE + b'.bad'), forged)
+        self.assertEqual(self.ask('lib list').splitlines()[-1], '1 of 1 media files')
+
+    def test_sums_stay_at_the_highest_number(self):
+        most = 2 ** 63 - 1
+        self.forge([{'id': i, 'path': 'm/%d' % i, 'size': most, 'time': 1, 'type': 'WAV', 'channels': 1,
+                     'rate': 1, 'frames': 2 ** 64 - 1} for i in range(1, 4)],
+                   [{'path': 'm', 'node': 1, 'others': 2 ** 64 - 1, 'links': most},
+                    {'path': 'n', 'node': 2, 'others': 2 ** 64 - 1, 'links': most}])
+        output = self.ask('lib stats', 'lib list', 'lib info 1')
+        self.assertRegex(output, r'(?m)^total +3 +18446744073709551615 +18446744073709551\.615$')
+        self.assertRegex(output, r'(?m)^ *18446744073709551615 +other files$')
+        self.assertRegex(output, r'(?m)^ *18446744073709551614 +symbolic links')
+
     def test_a_library_that_was_cut_short_anywhere_is_kept_aside(self):
         self.write(b'm/a.gif')
         self.ask('lib scan m')

@@ -14,10 +14,14 @@
 
 #include <libteskTools/Unicode.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 #include "FileStatus.h"
+#include "TerminalText.h"
 #include "WholeFile.h"
 #include "library/ItemKeys.h"
 #include "vx/DataBuffer.h"
@@ -33,6 +37,8 @@ constexpr char kProgram[] = "vxmedia";
 constexpr uint32_t kFormat = 1;
 constexpr unsigned int kFile_MaxSize = 256 * 1024 * 1024;  // bytes
 constexpr uint32_t kItem_MaxID = 0x7FFFFFFF;               // leaves numbers for new items
+constexpr uint64_t kFile_MaxBytes = INT64_MAX;             // of any file
+constexpr size_t kFile_MaxShownReasons = 5;                // in the report about a bad file
 
 // Writing
 
@@ -210,21 +216,133 @@ int HexValue(char aDigit) {
     return theDigit == NULL ? -1 : static_cast<int>(theDigit - kDigits);
 }
 
+// A NUL would end a text of the tree, and what stands behind it would be lost without a word. So its
+// escapes become those of a code that is no character, which is then refused.
+constexpr char kNULEscape[] = "\\u0000";
+constexpr char kNULSign[] = "\\uFFFF";
+constexpr char kNULText[] = "\xEF\xBF\xBF";
+constexpr size_t kNULEscape_Size = sizeof(kNULEscape) - 1;
+
+// Replaces the escapes of NUL, and puts them back at its end.
+class HiddenNULs {
+public:
+    HiddenNULs(char* aText, size_t aSize) : mText(aText) {
+        for (size_t i = 0; i + kNULEscape_Size <= aSize; ++i) {
+            if (aText[i] != '\\') {
+                continue;
+            }
+            if (memcmp(aText + i, kNULEscape, kNULEscape_Size) == 0) {
+                memcpy(aText + i, kNULSign, kNULEscape_Size);
+                mPositions.push_back(i);
+            }
+            ++i;  // what is escaped begins no escape
+        }
+    }
+    ~HiddenNULs() {
+        for (const size_t thePosition : mPositions) {
+            memcpy(mText + thePosition, kNULEscape, kNULEscape_Size);
+        }
+    }
+    HiddenNULs(const HiddenNULs&) = delete;
+    HiddenNULs& operator=(const HiddenNULs&) = delete;
+
+    bool IsNoText(const vxCString& aText) const {
+        return !mPositions.empty() && aText.Contains(kNULText);
+    }
+
+private:
+    char* const mText;
+    std::vector<size_t> mPositions;
+};
+
+// What is wrong with the records of a file: each reason with the first record and their number.
+class BadRecords {
+public:
+    void Add(const char* aList, uint32_t anIndex, const vxCString& aReason) {
+        ++mCount;
+        for (Finding& theFinding : mFindings) {
+            if (strcmp(theFinding.mList, aList) == 0 && theFinding.mReason == aReason) {
+                ++theFinding.mCount;
+                return;
+            }
+        }
+        mFindings.push_back({aList, anIndex, aReason, 1});
+    }
+
+    bool IsEmpty() const { return mCount == 0; }
+
+    // Returns "has 3 bad entries, which are left out: items[4]: 'id' is taken (2 such); ...".
+    vxCString GetText() const {
+        vxCString theText = mCount == 1
+                                ? vxCString("has a bad entry, which is left out: ")
+                                : vxCString::Format("has %llu bad entries, which are left out: ",
+                                                    static_cast<unsigned long long>(mCount));
+        for (size_t i = 0; i < mFindings.size() && i < kFile_MaxShownReasons; ++i) {
+            theText += vxCString(i == 0 ? "" : "; ") + mFindings[i].GetText();
+        }
+        return mFindings.size() <= kFile_MaxShownReasons ? theText : theText + "; ...";
+    }
+
+private:
+    // Reasons name members and limits, never what a file says, so there are few.
+    struct Finding {
+        const char* mList;
+        uint32_t mIndex;  // of the first one
+        vxCString mReason;
+        uint64_t mCount;
+
+        vxCString GetText() const {
+            vxCString theText = vxCString::Format(
+                "%s[%lu]: %s", mList, static_cast<unsigned long>(mIndex), mReason.c_str());
+            return mCount == 1
+                       ? theText
+                       : theText + vxCString::Format(" (%llu such)",
+                                                     static_cast<unsigned long long>(mCount));
+        }
+    };
+
+    std::vector<Finding> mFindings;
+    uint64_t mCount = 0;
+};
+
+// What all records of one file are taken with.
+struct Loading {
+    MediaProbes& mProbes;
+    MediaLibrary& mLibrary;
+    const HiddenNULs& mNULs;
+    bool mfIsAsRead;  // what it says about files holds
+    BadRecords mBad;
+};
+
 // Takes the members of an object. One that is missing is 0 or empty; one of another kind than it
 // should be makes the whole record bad.
 class Record {
 public:
-    explicit Record(const vxJSONEntry& anObject) : mObject(anObject), mfGood(anObject.IsObject()) {}
+    Record(const vxJSONEntry& anObject, const HiddenNULs& aNULs) : mObject(anObject), mNULs(aNULs) {
+        if (!anObject.IsObject()) {
+            Reject("is no object");
+        }
+    }
 
-    bool IsGood() const { return mfGood; }
-    void Reject() { mfGood = false; }
+    bool IsGood() const { return mReason.IsEmpty(); }
+    const vxCString& GetReason() const { return mReason; }
     vxJSONEntry Member(const char* aName) const { return mObject[aName]; }
+    const HiddenNULs& GetNULs() const { return mNULs; }
+
+    // The first reason counts.
+    void Reject(const vxCString& aReason) {
+        if (mReason.IsEmpty()) {
+            mReason = aReason;
+        }
+    }
 
     uint64_t Number(const char* aName, uint64_t aMax) {
         const vxJSONEntry theMember = mObject[aName];
         uint64_t theNumber = 0;
         if (theMember.IsValid() && (!theMember.FetchUInt64(&theNumber) || theNumber > aMax)) {
-            mfGood = false;
+            Reject(vxCString::Format("'%s' is no number from 0 to %llu", aName,
+                                     static_cast<unsigned long long>(aMax)));
+            return 0;
         }
         return theNumber;
     }
@@ -238,7 +356,7 @@ public:
     int64_t Time(const char* aName) {
         int64_t theTime = 0;
         if (!mObject[aName].FetchInt64(&theTime)) {
-            mfGood = false;
+            Reject(vxCString::Format("'%s' is no time", aName));
         }
         return theTime;
     }
@@ -247,18 +365,21 @@ public:
         const vxJSONEntry theMember = mObject[aName];
         vxCString theText;
         if (theMember.IsValid() && !theMember.FetchString(theText)) {
-            mfGood = false;
+            Reject(vxCString::Format("'%s' is no text", aName));
+        }
+        if (mNULs.IsNoText(theText)) {
+            Reject(vxCString::Format("'%s' has a NUL in it", aName));
         }
         return theText;
     }
 
     vxCString Path() {
-        vxCString thePath = Text("path");
-        if (thePath.IsEmpty()) {
-            thePath = Bytes(Text("bytes"));
+        const vxCString thePath = Text("path");
+        const vxCString theHexText = Text("bytes");
+        if (thePath.IsEmpty() && theHexText.IsEmpty()) {
+            Reject("it has no path");
         }
-        mfGood = mfGood && !thePath.IsEmpty();
-        return thePath;
+        return thePath.IsEmpty() ? Bytes(theHexText) : thePath;
     }
 
 private:
@@ -268,6 +389,7 @@ private:
             const int theHigh = HexValue(p[0]);
             const int theLow = HexValue(p[1]);
             if (theHigh < 0 || theLow < 0 || (theHigh == 0 && theLow == 0)) {
+                Reject("'bytes' are no hexadecimal digits of a path");
                 return vxCString();
             }
             theBytes += static_cast<char>(theHigh * 16 + theLow);
@@ -276,20 +398,9 @@ private:
     }
 
     const vxJSONEntry mObject;
-    bool mfGood;
+    const HiddenNULs& mNULs;
+    vxCString mReason;  // empty: it is good so far
 };
-
-// Calls aTake for each item of a list, which ends with the first one that is refused.
-template <typename Take>
-bool ForEach(const vxJSONEntry& aList, Take aTake) {
-    const uint32_t theCount = aList.GetCount();
-    for (uint32_t i = 0; i < theCount; ++i) {
-        if (!aTake(aList[static_cast<int>(i)])) {
-            return false;
-        }
-    }
-    return aList.IsArray();
-}
 
 void TakeFacts(Record& aRecord, MediaFacts& aFacts) {
     aFacts.mWidth = aRecord.Number32("width");
@@ -304,21 +415,18 @@ void TakeFacts(Record& aRecord, MediaFacts& aFacts) {
 }
 
 bool TakePieces(const vxJSONEntry& aList, MediaBytes& aBytes) {
-    uint64_t thePos = 0;
-    bool theHasPos = false;
-    const bool theIsGood = ForEach(aList, [&](const vxJSONEntry& anEntry) {
-        uint64_t theNumber = 0;
-        if (!anEntry.FetchUInt64(&theNumber) || theNumber > INT64_MAX) {
+    const uint32_t theCount = aList.GetCount();
+    for (uint32_t i = 0; i + 1 < theCount; i += 2) {
+        uint64_t thePos = 0;
+        uint64_t theSize = 0;
+        if (!aList[static_cast<int>(i)].FetchUInt64(&thePos) ||
+            !aList[static_cast<int>(i + 1)].FetchUInt64(&theSize) || thePos > kFile_MaxBytes ||
+            theSize > kFile_MaxBytes - thePos || theSize > kFile_MaxBytes - aBytes.Size()) {
             return false;
         }
-        if (theHasPos) {
-            aBytes.Add(thePos, theNumber);
-        }
-        thePos = theNumber;
-        theHasPos = !theHasPos;
-        return true;
-    });
-    return theIsGood && !theHasPos;
+        aBytes.Add(thePos, theSize);
+    }
+    return aList.IsArray() && theCount % 2 == 0;
 }
 
 void TakeCoverArt(Record& aRecord, CoverArt& aCoverArt) {
@@ -326,14 +434,14 @@ void TakeCoverArt(Record& aRecord, CoverArt& aCoverArt) {
     if (!theEntry.IsValid()) {
         return;
     }
-    Record theCover(theEntry);
+    Record theCover(theEntry, aRecord.GetNULs());
     aCoverArt.mMimeType = theCover.Text("mime");
     aCoverArt.mEncoding =
         static_cast<CoverArt::Encoding>(theCover.Number("encoding", CoverArt::Unsynchronisation));
     aCoverArt.mEncodedOffset = theCover.Number("offset", INT64_MAX);
     aCoverArt.mfIsFront = theCover.Number("front", 1) != 0;
     if (!TakePieces(theCover.Member("pieces"), aCoverArt.mBytes) || !theCover.IsGood()) {
-        aRecord.Reject();
+        aRecord.Reject("'cover' is no cover");
     }
 }
 
@@ -354,55 +462,73 @@ bool CheckEdit(const ItemKey& aRow, vxCString& aValue) {
            NormalizeValue(aRow, aValue).IsEmpty();
 }
 
-bool TakeEdits(const vxJSONEntry& anObject, MediaItem::EditMap& anEdits) {
-    const uint32_t theCount = anObject.GetCount();
-    for (uint32_t i = 0; i < theCount; ++i) {
-        const vxJSONEntry theEntry = anObject[static_cast<int>(i)];
-        const vxCString theName = theEntry.GetName();
-        const ItemKey* theRow = FindItemKey(theName);
-        vxCString theValue;
-        if (theRow == NULL || !theRow->mfEditable || theName != EditNameOf(*theRow) ||
-            !theEntry.FetchString(theValue)) {
-            return false;
-        }
-        if (!CheckEdit(*theRow, theValue)) {
-            return false;
-        }
-        anEdits[theName] = theValue;
+bool TakeEdit(const vxJSONEntry& anEntry, const HiddenNULs& aNULs, MediaItem::EditMap& anEdits) {
+    const vxCString theName = anEntry.GetName();
+    const ItemKey* theRow = FindItemKey(theName);
+    vxCString theValue;
+    if (theRow == NULL || !theRow->mfEditable || theName != EditNameOf(*theRow) ||
+        !anEntry.FetchString(theValue) || aNULs.IsNoText(theValue) ||
+        !CheckEdit(*theRow, theValue)) {
+        return false;
     }
-    return !anObject.IsValid() || anObject.IsObject();
+    anEdits[theName] = theValue;
+    return true;
 }
 
-bool TakeItem(const vxJSONEntry& anEntry, bool afAsRead, MediaProbes& aProbes,
-              MediaLibrary& aLibrary) {
-    Record theRecord(anEntry);
+void TakeEdits(Record& aRecord, MediaItem::EditMap& anEdits) {
+    const vxJSONEntry theObject = aRecord.Member("edits");
+    bool theIsGood = !theObject.IsValid() || theObject.IsObject();
+    const uint32_t theCount = theIsGood ? theObject.GetCount() : 0;
+    for (uint32_t i = 0; theIsGood && i < theCount; ++i) {
+        theIsGood = TakeEdit(theObject[static_cast<int>(i)], aRecord.GetNULs(), anEdits);
+    }
+    if (!theIsGood) {
+        aRecord.Reject("'edits' has what cannot be edited so");
+    }
+}
+
+// Returns why the numbers or the path of an item cannot be, or the empty text.
+vxCString RefusalOf(const MediaLibrary& aLibrary, uint32_t anID, const vxCString& aPath) {
+    if (anID == 0) {
+        return "'id' is missing or 0";
+    }
+    if (aLibrary.FindItem(anID) != NULL) {
+        return "'id' is that of another item";
+    }
+    return aLibrary.FindItemByPath(aPath) != NULL ? "'path' is that of another item" : vxCString();
+}
+
+vxCString TakeItem(const vxJSONEntry& anEntry, Loading& aLoading) {
+    Record theRecord(anEntry, aLoading.mNULs);
     const uint32_t theID = static_cast<uint32_t>(theRecord.Number("id", kItem_MaxID));
     const vxCString thePath = theRecord.Path();
     const vxCString theType = theRecord.Text("type");
+    if (theType.IsEmpty()) {
+        theRecord.Reject("'type' is missing");
+    }
     FileStatus theStatus;
-    theStatus.mSize = theRecord.Number("size", INT64_MAX);
+    theStatus.mSize = theRecord.Number("size", kFile_MaxBytes);
     const int64_t theTime = theRecord.Time("time");
     // No file has this time, so the next scan takes it for a change.
-    theStatus.mModified = afAsRead ? theTime : INT64_MIN;
+    theStatus.mModified = aLoading.mfIsAsRead ? theTime : INT64_MIN;
     MediaReading theReading;
     TakeFacts(theRecord, theReading.mFacts);
     TakeTags(theRecord, theReading.mTags);
     MediaItem::EditMap theEdits;
-    if (!TakeEdits(theRecord.Member("edits"), theEdits) || !theRecord.IsGood() ||
-        theType.IsEmpty()) {
-        return false;
-    }
-    theReading.mFormat = aProbes.FormatOf(theType);
-    const vxRef<MediaItem> theItem = new MediaItem(theID, thePath);
-    theItem->Renew(theStatus, theReading);
-    if (!theEdits.empty()) {
+    TakeEdits(theRecord, theEdits);
+    theRecord.Reject(RefusalOf(aLoading.mLibrary, theID, thePath));
+    if (theRecord.IsGood()) {
+        theReading.mFormat = aLoading.mProbes.FormatOf(theType);
+        const vxRef<MediaItem> theItem = new MediaItem(theID, thePath);
+        theItem->Renew(theStatus, theReading);
         theItem->SetEdits(theEdits);
+        aLoading.mLibrary.RestoreItem(theItem);
     }
-    return aLibrary.RestoreItem(theItem);
+    return theRecord.GetReason();
 }
 
-bool TakeDirectory(const vxJSONEntry& anEntry, MediaLibrary& aLibrary) {
-    Record theRecord(anEntry);
+vxCString TakeDirectory(const vxJSONEntry& anEntry, Loading& aLoading) {
+    Record theRecord(anEntry, aLoading.mNULs);
     FileIdentity theIdentity;
     theIdentity.mDevice = theRecord.Number("device", UINT64_MAX);
     theIdentity.mNode = theRecord.Number("node", UINT64_MAX);
@@ -411,60 +537,101 @@ bool TakeDirectory(const vxJSONEntry& anEntry, MediaLibrary& aLibrary) {
     theCounts.mLinks = theRecord.Number("links", UINT64_MAX);
     theCounts.mSpecialFiles = theRecord.Number("specials", UINT64_MAX);
     const vxCString thePath = theRecord.Path();
-    if (theRecord.IsGood()) {
-        aLibrary.RestoreDirectory(thePath, theIdentity, theCounts);
+    if (aLoading.mLibrary.GetDirectories().count(thePath) != 0) {
+        theRecord.Reject("'path' is that of another directory");
     }
-    return theRecord.IsGood();
+    if (theRecord.IsGood()) {
+        aLoading.mLibrary.RestoreDirectory(thePath, theIdentity, theCounts);
+    }
+    return theRecord.GetReason();
 }
 
-bool TakeRefusal(const vxJSONEntry& anEntry, MediaLibrary& aLibrary) {
-    Record theRecord(anEntry);
+vxCString TakeRefusal(const vxJSONEntry& anEntry, Loading& aLoading) {
+    Record theRecord(anEntry, aLoading.mNULs);
     const vxCString thePath = theRecord.Path();
     const vxCString theReason = theRecord.Text("reason");
-    if (theRecord.IsGood()) {
-        aLibrary.RestoreRefusal(thePath, theReason);
+    if (aLoading.mLibrary.GetRefusals().count(thePath) != 0) {
+        theRecord.Reject("'path' is that of another refusal");
     }
-    return theRecord.IsGood();
+    if (aLoading.mLibrary.FindItemByPath(thePath) != NULL) {
+        theRecord.Reject("'path' is that of an item");
+    }
+    if (theRecord.IsGood()) {
+        // The program's own reasons are safe to show.
+        aLoading.mLibrary.RestoreRefusal(thePath, EscapeForTerminal(theReason, EscapeMode::Text));
+    }
+    return theRecord.GetReason();
 }
 
-bool TakeDocument(const vxJSONEntry& aRoot, MediaProbes& aProbes, MediaLibrary& aLibrary) {
-    Record theRoot(aRoot);
-    const bool theIsOurs =
-        theRoot.Text("program") == kProgram && theRoot.Number32("format") == kFormat;
-    const bool theIsAsRead = theRoot.Text("version") == VXMEDIA_VERSION;
-    const uint64_t theLastID = theRoot.Number("last", kItem_MaxID);
-    if (!theIsOurs || !theRoot.IsGood()) {
+// Takes all records of a list; those that are bad are left out.
+bool TakeList(const vxJSONEntry& aRoot, const char* aName, Loading& aLoading,
+              vxCString (*aTake)(const vxJSONEntry& anEntry, Loading& aLoading)) {
+    const vxJSONEntry theList = aRoot[aName];
+    if (!theList.IsArray()) {
         return false;
     }
-    const bool theIsGood =
-        ForEach(aRoot["items"],
-                [&](const vxJSONEntry& anEntry) {
-                    return TakeItem(anEntry, theIsAsRead, aProbes, aLibrary);
-                }) &&
-        ForEach(aRoot["directories"],
-                [&](const vxJSONEntry& anEntry) { return TakeDirectory(anEntry, aLibrary); }) &&
-        ForEach(aRoot["refusals"],
-                [&](const vxJSONEntry& anEntry) { return TakeRefusal(anEntry, aLibrary); });
-    if (!theIsGood || aLibrary.GetLastID() > theLastID) {
-        return false;
+    const uint32_t theCount = theList.GetCount();
+    for (uint32_t i = 0; i < theCount; ++i) {
+        const vxCString theReason = aTake(theList[static_cast<int>(i)], aLoading);
+        if (!theReason.IsEmpty()) {
+            aLoading.mBad.Add(aName, i, theReason);
+        }
     }
-    aLibrary.RestoreLastID(static_cast<uint32_t>(theLastID));
     return true;
 }
 
-// Returns what is wrong with the text of a file, or the empty text.
-vxCString TakeText(const vxDataBuffer& aText, MediaProbes& aProbes, MediaLibrary& aLibrary) {
-    const char* theText = static_cast<const char*>(aText.data());
-    const char* theErrorPosition = theText;
+// Returns whether the file is a library at all.
+bool TakeDocument(const vxJSONEntry& aRoot, Loading& aLoading) {
+    Record theRoot(aRoot, aLoading.mNULs);
+    const bool theIsOurs =
+        theRoot.Text("program") == kProgram && theRoot.Number32("format") == kFormat;
+    aLoading.mfIsAsRead = theRoot.Text("version") == VXMEDIA_VERSION;
+    const uint32_t theLastID = static_cast<uint32_t>(theRoot.Number("last", kItem_MaxID));
+    MediaLibrary& theLibrary = aLoading.mLibrary;
+    if (!theIsOurs || !theRoot.IsGood() || !TakeList(aRoot, "items", aLoading, TakeItem) ||
+        !TakeList(aRoot, "directories", aLoading, TakeDirectory) ||
+        !TakeList(aRoot, "refusals", aLoading, TakeRefusal)) {
+        return false;
+    }
+    theLibrary.RestoreLastID(std::max(theLastID, theLibrary.GetLastID()));
+    return true;
+}
+
+// Returns what is wrong with a text that is no library, or the empty text.
+vxCString TakeText(const char* aText, size_t aSize, Loading& aLoading) {
+    const char* theErrorPosition = aText;
     vxJSONDocument theDocument(kvxJSONDocumentRoot_None);
-    theDocument.SetEntry(vxJSON_ParseSize(theText, aText.size(), &theErrorPosition));
+    theDocument.SetEntry(vxJSON_ParseSize(aText, aSize, &theErrorPosition));
     if (!theDocument.IsValid()) {
         return vxCString::Format("is not JSON at byte %lu",
-                                 static_cast<unsigned long>(theErrorPosition - theText + 1));
+                                 static_cast<unsigned long>(theErrorPosition - aText + 1));
     }
-    return TakeDocument(theDocument, aProbes, aLibrary)
-               ? vxCString()
-               : vxCString("is no library of this program");
+    return TakeDocument(theDocument, aLoading) ? vxCString()
+                                               : vxCString("is no library of this program");
+}
+
+// Takes what is good in a text; else returns what is wrong with it. Bad records are found besides.
+vxCString TakeText(vxDataBuffer& aText, MediaProbes& aProbes, MediaLibrary& aLibrary,
+                   BadRecords& aBad) {
+    char* theText = static_cast<char*>(aText.data());
+    const HiddenNULs theNULs(theText, aText.size());
+    Loading theLoading{aProbes, aLibrary, theNULs, true, {}};
+    vxCString theReason = TakeText(theText, aText.size(), theLoading);
+    aBad = std::move(theLoading.mBad);
+    return theReason;
+}
+
+// The file stays until the library is saved, so that there is one that loads at any moment.
+LoadResult CopyAside(const vxCString& aPath, const vxDataBuffer& aText, const BadRecords& aBad,
+                     vxCString& anError) {
+    anError = vxCString("ERROR: '") + aPath + "' " + aBad.GetText();
+    const vxCString theTrouble = WriteWholeFile(aPath + ".bad", aText.data(), aText.size());
+    if (!theTrouble.IsEmpty()) {
+        anError += "; it cannot be copied aside and is left alone";
+        return LoadResult::Unreadable;
+    }
+    anError += vxCString("; all of it is kept as '") + aPath + ".bad'";
+    return LoadResult::Damaged;
 }
 
 // Puts a file aside that does not load.
@@ -505,12 +672,13 @@ LoadResult LoadLibrary(MediaLibrary& aLibrary, MediaProbes& aProbes, const vxCSt
         return LoadResult::Unreadable;
     }
     MediaLibrary theLibrary;
-    const vxCString theReason = TakeText(theText, aProbes, theLibrary);
+    BadRecords theBad;
+    const vxCString theReason = TakeText(theText, aProbes, theLibrary, theBad);
     if (!theReason.IsEmpty()) {
         return PutAside(aPath, theReason, anError);
     }
     aLibrary.Take(theLibrary);
-    return LoadResult::Loaded;
+    return theBad.IsEmpty() ? LoadResult::Loaded : CopyAside(aPath, theText, theBad, anError);
 }
 
 }  // namespace vxmedia

@@ -17,11 +17,15 @@ vxCString SaveLibrary(const MediaLibrary& aLibrary, const vxCString& aPath);
 enum class LoadResult {
     Loaded,
     Missing,     // there is no such file
-    Unreadable,  // it was left alone
+    Damaged,     // what is good in it was loaded; it was copied, with ".bad" behind its name
+    Unreadable,  // it was left alone, and must stay: what is good in it was loaded, if there is any
     Broken,      // it was renamed, with ".bad" behind its name
 };
 
-/// Makes the library what such a file says; it is left alone unless the result is Loaded.
+/// Makes the library what such a file says; it is left alone where nothing of the file is good.
+///
+/// Records that make no sense, or that say again what others have said, are left out, counted and
+/// explained; the others stay.
 ///
 /// Formats of files that a plug-in had read are known by name, whether or not it is loaded. A file
 /// that another version of the program has written is as good, but what it says about files is read

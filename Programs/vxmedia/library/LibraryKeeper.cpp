@@ -34,6 +34,9 @@ vxCString LibraryKeeper::Load() {
     }
     mfChanged = false;
     TimeoutCancel(&mRest);
+    if (theResult == LoadResult::Damaged) {
+        LibraryHasChanged();  // the file has more than the library
+    }
     return theError;
 }
 

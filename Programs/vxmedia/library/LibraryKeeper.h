@@ -26,7 +26,7 @@ public:
     ///
     /// A file that cannot be read is not overwritten either: nothing is saved to it.
     ///
-    /// Fails:    with an error text, which is empty on success; the library is left alone.
+    /// Fails:    with an error text, which is empty on success, as LoadLibrary().
     vxCString Load();
 
     /// Saves the library if it has changed since it was saved or loaded.

@@ -63,7 +63,11 @@ uint64_t MediaFacts::DurationMS() const {
     if (!mfDurationKnown || mRate == 0) {
         return 0;
     }
-    return mFrames / mRate * 1000 + (mFrames % mRate * 1000 + mRate / 2) / mRate;
+    const uint64_t theSeconds = mFrames / mRate;
+    if (theSeconds >= UINT64_MAX / 1000) {
+        return UINT64_MAX;
+    }
+    return theSeconds * 1000 + (mFrames % mRate * 1000 + mRate / 2) / mRate;
 }
 
 uint64_t PositionAfterTag(MediaSource& aSource, uint64_t aPos) {

@@ -23,7 +23,8 @@ struct MediaFacts {
     bool IsPicture() const { return mWidth != 0; }
     bool IsSound() const { return mChannels != 0; }
 
-    /// Returns the playing time in milliseconds, rounded; 0 when it is not known.
+    /// Returns the playing time in milliseconds, rounded; 0 when it is not known. What is too
+    /// long for the number is the highest one.
     uint64_t DurationMS() const;
 };
 
