@@ -86,6 +86,9 @@ constexpr HelpCase kHelpCases[] = {
     {"r:...", "r : the help"},
     {"n:ui8:5", "n : the help"},
     {"'two words'", "two words : the help"},
+    {"'on':str", "'on' : the help"},
+    {"''", " : the help"},
+    {"n[1,2]:ui8", "n[1,2] : the help"},
     {"\"n:ui8\" \"(s:str:two words)\"", "n (s) : the help"},
 };
 
@@ -121,10 +124,16 @@ constexpr ErrorCase kErrorCases[] = {
     {"n::5", "    Invalid type description: '' in 'n::5'\n"},
     {"n:[1,2]", "    Invalid type description: '' in 'n:[1,2]'\n"},
     {"'a:b'", "    Invalid type description: 'b'' in ''a:b''\n"},
+    {"('on':x)", "    Invalid type description: 'x' in '('on':x)'\n"},
+    {"'on'[1,2]", "    Description is invalid, type is unspecified: ''on'[1,2]'\n"},
     // ranges
     {"n:ui8[1,2", "    Range description is invalid, no terminating square bracket: 'n:ui8[1,2'\n"},
     {"(n:ui8[1,2]:5)",
      "    Range description is invalid, no terminating square bracket: '(n:ui8[1,2]:5)'\n"},
+    {"n:ui8[ 1,2]", "    Range description is invalid, no terminating square bracket: 'n:ui8['\n"},
+    {"\"n:ui8[ 1,2]\"", "    Invalid minimum value ' 1' for 'ui8' range\n"},
+    {"n:ui8[1,2]]", "    Invalid maximum value '2]' for 'ui8' range\n"},
+    {"(s:str:a[b])", "    Range description is invalid, no comma separator found: 'b'\n"},
     {"n:ui8[1-5]", "    Range description is invalid, no comma separator found: '1-5'\n"},
     {"n:ui8[1,2,3]", "    Range description is invalid, no comma separator found: '1,2,3'\n"},
     {"s:str[1,2]", "    Type 'str' does not support a range specifier\n"},

@@ -3,6 +3,7 @@
 #include <vx/Serialize.h>
 
 #include <cstdlib>
+#include <limits>
 #include <string>
 
 #include "support/ExactText.h"
@@ -190,6 +191,9 @@ TEST(SerializeTest, RealNumbersHaveSixDecimalsWhateverTheirSize) {
         {0.9999995, "1.000000"},
         {123456789.0625, "123456789.062500"},
         {9007199254740993.0, "9007199254740992.000000"},
+        {std::numeric_limits<double>::infinity(), "inf"},
+        {-std::numeric_limits<double>::infinity(), "-inf"},
+        {std::numeric_limits<double>::quiet_NaN(), "nan"},
     };
     for (const auto& theCase : kCases) {
         SCOPED_TRACE(theCase.mText);

@@ -221,6 +221,7 @@ TEST(XMLBuilderTest, EscapeAndAddEscapesAsEscapeDoesBehindWhatIsThere) {
 }
 
 TEST(XMLBuilderTest, NullTextsAreEmptyEverywhere) {
+    vxtest::Reports theReports;
     vxXMLBuilder theBuilder(0);
     theBuilder.StartTag(NULL);
     theBuilder.AddAttribute(NULL, NULL);
@@ -240,6 +241,7 @@ TEST(XMLBuilderTest, NullTextsAreEmptyEverywhere) {
                  "</>"
                  "<></>"
                  "</>");
+    EXPECT_THAT(theReports.Assertions(), IsEmpty());
 }
 
 TEST(XMLBuilderTest, NumbersAndRawBytesCloseAPendingStartTagThemselves) {
