@@ -267,6 +267,24 @@ TEST(ConfigMapperTest, TheFirstOfTwoRowsOfOneNameTellsTheType) {
                 ElementsAre("CheckHasOption(anOptionName, kvxConfigEntryType_string)"));
 }
 
+TEST(ConfigMapperTest, RowsAreLoadedInTheOrderOfTheTable) {
+    const vxConfigMapperInfo kRows[] = {
+        {"o", "s", "first", kvxConfigEntryType_uint16, "1"},
+        {"bad", "s", "k", kvxConfigEntryType_uint16, "65536"},
+        {"o", "s", "second", kvxConfigEntryType_uint16, "2"},
+        {"worse", "s", "k", kvxConfigEntryType_int16, "32768"},
+        {"worst", "s", "k", 12, ""},
+        kEnd,
+    };
+    Reports theReports;
+    vxConfigMapper theMapper;
+    theMapper.Load(kRows, NULL);
+    EXPECT_THAT(theReports.Assertions(),
+                ElementsAre("(theUInt32 < 65536)", "(theInt32 >= -32768) && (theInt32 < 32768)",
+                            "Unsupported entry type"));
+    EXPECT_EQ(theMapper.GetUInt16("o"), 2);
+}
+
 TEST(ConfigMapperTest, WithoutATableThereIsNothing) {
     Reports theReports;
     vxConfigMapper theMapper;
