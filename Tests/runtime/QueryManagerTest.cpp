@@ -457,6 +457,37 @@ TEST(QueryManagerTest, StoppedManagerEndsAnAddedQueryAtOnce) {
                                        " because query manager is stopped\n");
 }
 
+TEST(QueryManagerTest, StoppedManagerComplainsBeforeItEndsAnAddedQuery) {
+    vxtest::Reports theReports;
+    vxQueryManager theManager;
+    theManager.Stop();
+    theReports.Clear();
+    Query theQuery;
+    size_t theRecords = 0;
+    theQuery.mOnDone = [&] { theRecords = theReports.Records().size(); };
+    theManager.AddQuery(&theQuery);
+    EXPECT_EQ(theRecords, 1U);
+}
+
+TEST(QueryManagerTest, StopSignalsOnceTheListIsEmptyAndStaysSo) {
+    class Checking : public Manager {
+    public:
+        void SignalQueryToProcess() override {
+            if (++mSignals == 2) {
+                EXPECT_EQ(mQuery.mDone, 1);
+                AddQuery(&mQuery);
+                EXPECT_EQ(mQuery.mDone, 2);
+            }
+        }
+        Query mQuery;
+    };
+    Checking theManager;
+    theManager.AddQuery(&theManager.mQuery);
+    theManager.Stop();
+    EXPECT_EQ(theManager.mSignals, 2);
+    EXPECT_EQ(theManager.mQuery.mDone, 2);
+}
+
 TEST(QueryManagerTest, StoppedManagerTakesNoQueryBackAndLeavesItAlone) {
     Manager theManager;
     theManager.Stop();
