@@ -233,6 +233,47 @@ TEST(TimeoutQueueTest, ExpiredTimeoutsAreHandledOncePerCall) {
     EXPECT_EQ(theQueue.mCalls, 2);
 }
 
+TEST(TimeoutQueueTest, OwnerIsCalledOnceThoughItHandlesOneOfTwoExpired) {
+    class Lazy : public Queue {
+    public:
+        void OnTimeouts() override {
+            Queue::OnTimeouts();
+            TimeoutCancel(FirstExpiringTimeout());
+        }
+    };
+    vxtest::ScriptedClock theClock;
+    Lazy theQueue;
+    vxTimeout theA;
+    vxTimeout theB;
+    theQueue.TimeoutStart(&theA, 10);
+    theQueue.TimeoutStart(&theB, 10);
+    theClock.Advance(10);
+    theQueue.HandleExpiredTimeouts();
+    EXPECT_EQ(theQueue.mCalls, 1);
+    EXPECT_EQ(theQueue.FirstExpiringTimeout(), &theB);
+    theQueue.HandleExpiredTimeouts();
+    theQueue.HandleExpiredTimeouts();
+    EXPECT_EQ(theQueue.mCalls, 2);
+}
+
+TEST(TimeoutQueueTest, OrderIsThatOfRemainingTimesAcrossTheWrapOfTheCounter) {
+    vxtest::ScriptedClock theClock(4294967290U);
+    Queue theQueue;
+    vxTimeout theBefore;
+    vxTimeout theBehind;
+    vxTimeout theAt;
+    vxTimeout theLater;
+    theQueue.TimeoutStart(&theBehind, 20);
+    theQueue.TimeoutStart(&theBefore, 5);
+    theQueue.TimeoutStart(&theAt, 6);
+    theClock.Advance(6);
+    EXPECT_EQ(theClock.GetTick(), 0U);
+    EXPECT_TRUE(theAt.IsExpired());
+    EXPECT_FALSE(theBehind.IsExpired());
+    theQueue.TimeoutStart(&theLater, 13);
+    EXPECT_THAT(theQueue.Drain(), ElementsAre(&theBefore, &theAt, &theLater, &theBehind));
+}
+
 TEST(TimeoutQueueTest, BaseHandlesNothingByItself) {
     vxtest::ScriptedClock theClock;
     vxTimeoutQueue theQueue;
