@@ -825,6 +825,20 @@ TEST(QueryManagerWaitTest, StoppedManagerIsNotWaitedFor) {
     EXPECT_THAT(theWaits.mLocks.mWaits, IsEmpty());
 }
 
+TEST(QueryManagerWaitTest, StoppedManagerIsNotWaitedForThoughNobodySignals) {
+    class Silent : public vxQueryManager {
+    public:
+        void SignalQueryToProcess() override {}
+    };
+    Waits theWaits;
+    Silent theManager;
+    theWaits.mManager = &theManager;
+    theManager.Stop();
+    theManager.WaitForQuery(kNoLimit);
+    theManager.WaitForQuery(10);
+    EXPECT_THAT(theWaits.mLocks.mWaits, IsEmpty());
+}
+
 TEST(QueryManagerWaitTest, DelayThatEndsFirstIsDueFirstWhateverTheOrder) {
     for (const bool theIsTurned : {false, true}) {
         SCOPED_TRACE(theIsTurned);
