@@ -43,12 +43,20 @@ bool LoadScript(const vxCString& aPath, std::string& aLines) {
 
 }  // namespace
 
+// Quotes open and close as they do for the words of a command. Beyond that, in double quotes a
+// backslash keeps what follows, as it does in search criteria and in JSON, which are taken unparsed.
 std::string SplitCommands(const char* aText) {
     std::string theLines = aText;
     char theQuote = 0;
+    bool theIsEscaped = false;
     for (char& theByte : theLines) {
         if (theByte == '\n') {
             theQuote = 0;
+            theIsEscaped = false;
+        } else if (theIsEscaped) {
+            theIsEscaped = false;
+        } else if (theQuote == '"' && theByte == '\\') {
+            theIsEscaped = true;
         } else if (theQuote != 0) {
             theQuote = theByte == theQuote ? '\0' : theQuote;
         } else if (theByte == '"' || theByte == '\'') {

@@ -30,6 +30,14 @@ TEST(ArgumentsTest, CommandsAreSeparatedBySemicolonsOutsideQuotes) {
         {"j 'a;\"b';c", "j 'a;\"b'\nc\n"},
         {"it's;one", "it's;one\n"},
         {"a'\nb;c", "a'\nb\nc\n"},
+        {R"(f t = "a\"b;c";d)", "f t = \"a\\\"b;c\"\nd\n"},
+        {R"(f t = "a\"b";d)", "f t = \"a\\\"b\"\nd\n"},
+        {R"(f t = "a\\";d)", "f t = \"a\\\\\"\nd\n"},
+        {R"(f t = "a\\\";b";d)", "f t = \"a\\\\\\\";b\"\nd\n"},
+        {R"(j '\';d)", "j '\\'\nd\n"},
+        {R"(j \";";d)", "j \\\";\"\nd\n"},
+        {"j \"a\\\nb;c", "j \"a\\\nb\nc\n"},
+        {"j \"a\\", "j \"a\\\n"},
     };
     for (const auto& theRow : kRows) {
         EXPECT_EQ(SplitCommands(theRow[0]), theRow[1]);

@@ -59,6 +59,9 @@ class Search(SearchScratch):
         status, output = run(['-q', '-elib scan m;lib find fp contains "; y";lib first 1 *'],
                              cwd=self.folder)
         self.assertEqual((status, output.split('\n', 1)[1]), (0, found(2) + found(1)))
+        status, output = run(['-q', '-elib scan m;lib find fp contains "b \\"x\\"; y";lib first 1 *'],
+                             cwd=self.folder)
+        self.assertEqual((status, output.split('\n', 1)[1]), (0, found(2) + found(1)))
 
     def test_timers_search_too(self):
         self.assertIn(found(1), ask('lib scan m\ntimer after 0 lib first 1 ti exists true\n' +
