@@ -91,6 +91,7 @@ TEST(URIPathParserTest, PathsAreComparedWholeAndByTheirBeginning) {
     EXPECT_TRUE(theParser->BeginWith("/it"));
     EXPECT_TRUE(theParser->BeginWith(""));
     EXPECT_FALSE(theParser->BeginWith("/items/421"));
+    EXPECT_FALSE(theParser->BeginWith("/Items"));
     EXPECT_FALSE(theParser->BeginWith("items"));
 }
 

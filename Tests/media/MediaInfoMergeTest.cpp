@@ -240,18 +240,33 @@ TEST(MediaInfoMergeTest, NineAudioTracksAreTheMost) {
         bool mfMerged;
         const char* mCount;
     } kCases[] = {
-        {"4", "5", true, "9"},           {"5", "5", false, "5"},
-        {"0", "9", true, "9"},           {"0", "10", false, "0"},
-        {"9", "0", true, "9"},           {"9", "1", false, "9"},
-        {"10", "0", false, "10"},        {"4294967295", "4294967295", false, "4294967295"},
+        {"4", "5", true, "9"},
+        {"5", "5", false, "5"},
+        {"", "9", true, "9"},
+        {"9", "", true, "9"},
+        {NULL, "9", true, "9"},
+        {NULL, "10", false, "none"},
+        {"9", NULL, true, "9"},
+        {NULL, NULL, true, "none"},
+        {"0", "9", true, "9"},
+        {"0", "10", false, "0"},
+        {"9", "0", true, "9"},
+        {"9", "1", false, "9"},
+        {"10", "0", false, "10"},
+        {"4294967295", "4294967295", false, "4294967295"},
         {"1", "4294967295", false, "1"},
     };
     for (const auto& theCase : kCases) {
-        SCOPED_TRACE(testing::Message() << theCase.mHere << " " << theCase.mThere);
+        SCOPED_TRACE(testing::Message() << (theCase.mHere == NULL ? "none" : theCase.mHere) << " "
+                                        << (theCase.mThere == NULL ? "none" : theCase.mThere));
         vxMediaInfo theInfo;
         vxMediaInfo theOther;
-        theInfo.Set("ta", theCase.mHere, true);
-        theOther.Set("ta", theCase.mThere, true);
+        if (theCase.mHere != NULL) {
+            theInfo.Set("ta", theCase.mHere, true);
+        }
+        if (theCase.mThere != NULL) {
+            theOther.Set("ta", theCase.mThere, true);
+        }
         theOther.Set("vt", 1, true);
         EXPECT_EQ(theInfo.MergeAll(&theOther), theCase.mfMerged);
         EXPECT_STREQ(theInfo.GetStr("ta", "none"), theCase.mCount);

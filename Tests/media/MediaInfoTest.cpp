@@ -171,6 +171,10 @@ TEST(MediaInfoTest, FourKeysAreFieldsOutsideTheTable) {
     EXPECT_STREQ(theInfo.GetStr("ge", "none"), "Folk");
     EXPECT_STREQ(theInfo.GetStr("an", "none"), "Blue Album");
     EXPECT_EQ(Serialized(theInfo), "id=7");
+    theInfo.Remove("id");
+    theInfo.Set("TI", "upper case", false);
+    EXPECT_STREQ(theInfo.GetTitle(), "Blue");
+    EXPECT_EQ(Serialized(theInfo), "TI=upper case");
 }
 
 TEST(MediaInfoTest, WithoutOverwritingAValueThatIsNotEmptyIsKept) {
