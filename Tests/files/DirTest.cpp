@@ -372,22 +372,28 @@ TEST(DirTest, WithoutRoundsNothingIsRemoved) {
 
 TEST(DirTest, ARoundEndsWithTheFirstFailureAndTheNextStartsOver) {
     TempDir theDir;
-    const auto theAttempt = [&theDir](unsigned anAttempts, int aFailures, bool afRemoved) {
+    std::string thePlace;
+    const auto theAttempt = [&](unsigned anAttempts, int aFailures, bool afRemoved) {
         theDir.MakeDir("tree/sub");
-        theDir.Write("tree/sub/file");
+        theDir.Write(thePlace);
         int theCalls = 0;
         sRemoveFile = [&theCalls, aFailures](const char* aPath) {
             return ++theCalls <= aFailures ? -1 : VXTEST_REAL(vxFile_Remove)(aPath);
         };
         EXPECT_EQ(vxDir::RemoveRecursively((theDir / "tree").c_str(), anAttempts), afRemoved);
         sRemoveFile = nullptr;
-        EXPECT_EQ(theDir.Has("tree/sub/file"), !afRemoved);
+        EXPECT_EQ(theDir.Has(thePlace), !afRemoved);
+        EXPECT_EQ(theDir.Has("tree/sub"), !afRemoved);
         return theCalls;
     };
-    EXPECT_EQ(theAttempt(1, 1, false), 1);
-    EXPECT_EQ(theAttempt(3, 3, false), 3);
-    EXPECT_EQ(theAttempt(3, 2, true), 3);
-    EXPECT_EQ(theAttempt(3, 0, true), 1);
+    for (const char* theFile : {"tree/file", "tree/sub/file"}) {
+        SCOPED_TRACE(theFile);
+        thePlace = theFile;
+        EXPECT_EQ(theAttempt(1, 1, false), 1);
+        EXPECT_EQ(theAttempt(3, 3, false), 3);
+        EXPECT_EQ(theAttempt(3, 2, true), 3);
+        EXPECT_EQ(theAttempt(3, 0, true), 1);
+    }
 }
 
 TEST(DirTest, AFileThatAppearsMeanwhileTakesAnotherRound) {

@@ -618,6 +618,20 @@ private:
     uint32_t mState;
 };
 
+TEST(SearchExpressionTest, EveryLinkOfALongNestAsksForItsOwnRest) {
+    for (const int theDepth : {15, 16, 17, 47, 48, 49, 50, 100}) {
+        SCOPED_TRACE(theDepth);
+        std::string theAsked = "t0";
+        vxSearchExpression* theTree = Leaf("t0");
+        for (int i = 1; i <= theDepth; ++i) {
+            const std::string theName = "t" + std::to_string(i);
+            theTree = Link(Group(theTree), kAnd, Leaf(theName.c_str()));
+            theAsked += theName;
+        }
+        EXPECT_EQ(Evaluation(theTree), theAsked + " true");
+    }
+}
+
 TEST(SearchExpressionTest, TreesOfEveryDepthAskAsLittleAsTheyCan) {
     RandomTree theRandom(11);
     for (int i = 0; i < 3000; ++i) {
