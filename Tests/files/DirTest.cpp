@@ -376,6 +376,7 @@ TEST(DirTest, ARoundEndsWithTheFirstFailureAndTheNextStartsOver) {
     const auto theAttempt = [&](unsigned anAttempts, int aFailures, bool afRemoved) {
         theDir.MakeDir("tree/sub");
         theDir.Write(thePlace);
+        theDir.MakeDir("tree/other");
         int theCalls = 0;
         sRemoveFile = [&theCalls, aFailures](const char* aPath) {
             return ++theCalls <= aFailures ? -1 : VXTEST_REAL(vxFile_Remove)(aPath);
@@ -384,9 +385,13 @@ TEST(DirTest, ARoundEndsWithTheFirstFailureAndTheNextStartsOver) {
         sRemoveFile = nullptr;
         EXPECT_EQ(theDir.Has(thePlace), !afRemoved);
         EXPECT_EQ(theDir.Has("tree/sub"), !afRemoved);
+        if (thePlace != "tree/sub/file") {
+            EXPECT_EQ(theDir.Has("tree/other"), !afRemoved);
+        }
         return theCalls;
     };
-    for (const char* theFile : {"tree/file", "tree/sub/file"}) {
+    // Directories are listed before some of these names and after others.
+    for (const char* theFile : {"tree/a", "tree/file", "tree/n", "tree/z", "tree/sub/file"}) {
         SCOPED_TRACE(theFile);
         thePlace = theFile;
         EXPECT_EQ(theAttempt(1, 1, false), 1);
