@@ -224,6 +224,19 @@ TEST(FileTest, ReadingAndWritingLeaveAnEarlierCode) {
     EXPECT_EQ(theFile.GetErrorCode(), 0);
 }
 
+TEST(FileTest, MovingNoBytesIsNoFailure) {
+    const TempDir theDir;
+    vxFile theFile(theDir.Write("file", "abc").c_str(), vxFileOpenMode_ReadWrite);
+    Reports theReports;
+    char theByte = 'x';
+    EXPECT_EQ(theFile.Read(&theByte, 0), 0);
+    EXPECT_EQ(theFile.Write(&theByte, 0), 0u);
+    EXPECT_EQ(theFile.GetErrorCode(), 0);
+    EXPECT_EQ(theFile.Tell(), 0);
+    EXPECT_THAT(theReports.LogTexts(), IsEmpty());
+    EXPECT_THAT(theReports.Assertions(), IsEmpty());
+}
+
 TEST(FileTest, MovingBytesWithoutAFileOrABufferIsReported) {
     TempDir theDir;
     Reports theReports;
