@@ -109,6 +109,16 @@ TEST(CLICommandSetTest, OneNameInConflictLeavesTheOtherNames) {
                  "potentially conflicting parameters) has already been added\n");
 }
 
+TEST(CLICommandSetTest, ANameThatIsGivenTwiceConflictsWithItself) {
+    vxCLICommandSet theSet("net");
+    theSet.Add("a,a,b", "'on'", "");
+    EXPECT_EQ(theSet.GetCommandCount(), 2u);
+    EXPECT_STREQ(theSet.GetError(),
+                 "  net:\n"
+                 "    a,a,b: Unable to add command 'a'. A command with the same name (and "
+                 "potentially conflicting parameters) has already been added\n");
+}
+
 TEST(CLICommandSetTest, ErrorsOfAnInternalSetStandUnderEmpty) {
     vxCLICommandSet theSet;
     theSet.Add("", "", "");

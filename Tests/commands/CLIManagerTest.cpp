@@ -340,6 +340,36 @@ TEST_F(CLIManagerTest, ATakenNameMakesEveryLaterAddFalse) {
     EXPECT_THAT(theReports.Assertions(), IsEmpty());
 }
 
+TEST_F(CLIManagerTest, ANameThatIsGivenTwiceIsTakenTheSecondTime) {
+    vxtest::Reports theReports;
+    const vxRef<vxCLICommandSet> theSet = new vxCLICommandSet("zoo,zoo");
+    EXPECT_FALSE(mManager->Add(theSet));
+    EXPECT_EQ(theReports.Console(),
+              "Unable to add module 'zoo' (this module name has already been added)\n");
+    EXPECT_EQ(theSet->_GetRefCount(), 2);
+    EXPECT_EQ(HelpOf("help"), "Available modules:\n    !\n    network,net\n    zoo,zoo\n");
+    mManager->Remove(theSet);
+    EXPECT_EQ(theSet->_GetRefCount(), 1);
+}
+
+TEST_F(CLIManagerTest, TheFirstWordDecidesWithItsQuotesTaken) {
+    const vxRef<vxCLICommand> theEmpty = mManager->Parse("'' net show");
+    EXPECT_TRUE(theEmpty->IsValid());
+    EXPECT_TRUE(theEmpty->GetCLICommandSet().IsNull());
+    EXPECT_EQ(ErrorOf("'net show'"),
+              "ERROR: Unknown module 'net show'. Type 'help' to display the list of modules");
+    EXPECT_EQ(ErrorOf("net'x'"),
+              "ERROR: Unknown module 'net'x''. Type 'help' to display the list of modules");
+    EXPECT_EQ(ErrorOf("!!"),
+              "ERROR: Unknown module '!'. Type 'help' to display the list of modules");
+    EXPECT_EQ(ErrorOf("'!' net"), "ERROR: Invalid command");
+    EXPECT_TRUE(mManager->Parse("\"!net\"")->IsValid());
+    EXPECT_STREQ(mManager->GetActiveModuleName(), "net");
+    EXPECT_TRUE(mManager->Parse("''")->GetCLICommandSet().IsNull());
+    EXPECT_TRUE(mManager->Parse("\"!\"")->IsValid());
+    EXPECT_STREQ(mManager->GetActiveModuleName(), "");
+}
+
 TEST_F(CLIManagerTest, ASetWithErrorsIsNotRegistered) {
     vxtest::Reports theReports;
     const vxRef<vxCLICommandSet> theSet = new vxCLICommandSet("bad");
@@ -406,6 +436,22 @@ TEST_F(CLIManagerTest, RemovingTakesOutThatVerySetOnly) {
     EXPECT_EQ(ErrorOf("lan"),
               "ERROR: Unknown module 'lan'. Type 'help' to display the list of modules");
     mManager->Remove(theOther);
+}
+
+TEST_F(CLIManagerTest, NamesWithCommasAreListedAsTheyAre) {
+    AddModule("a\\,b,c");
+    EXPECT_EQ(HelpOf("help"), "Available modules:\n    !\n    network,net\n    a,b,c\n");
+    EXPECT_TRUE(mManager->Parse("a,b go")->IsValid());
+}
+
+TEST_F(CLIManagerTest, AManagerLetsGoOfItsSetsWhenItGoes) {
+    const vxRef<vxCLICommandSet> theInternal = new vxCLICommandSet;
+    EXPECT_TRUE(mManager->Add(theInternal));
+    EXPECT_EQ(theInternal->_GetRefCount(), 2);
+    EXPECT_EQ(mNet->_GetRefCount(), 3);
+    mManager = 0;
+    EXPECT_EQ(theInternal->_GetRefCount(), 1);
+    EXPECT_EQ(mNet->_GetRefCount(), 1);
 }
 
 TEST_F(CLIManagerTest, ACommandKeepsManagerAndSetAlive) {

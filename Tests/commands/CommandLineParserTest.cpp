@@ -332,6 +332,24 @@ TEST_F(CommandLineParserTest, QueuedSwitchesAreForgottenBeforeTheNextParse) {
     EXPECT_FALSE(mParser.Found("q"));
 }
 
+TEST_F(CommandLineParserTest, NothingOfAParseReachesTheNext) {
+    mParser.AddSwitch("v", "", 0);
+    mParser.AddSwitch("q", "", 0);
+    mParser.AddSwitch("h", "", vxCommandLineFlag_HelpOption);
+    mParser.AddParam("files", kString, vxCommandLineFlag_ParameterMultiple);
+    EXPECT_EQ(Parse({"a", "b", "--", "-v"}), 0);
+    EXPECT_EQ(ErrorOf({}), "The required parameter 'files' was not specified\n");
+    EXPECT_EQ(Parse({"--", "a"}), 0);
+    EXPECT_EQ(Parse({"-v", "a"}), 0);
+    EXPECT_TRUE(mParser.Found("v"));
+    EXPECT_EQ(ErrorOf({"-vq", "-x"}), "Unknown option 'x'\n");
+    EXPECT_EQ(Parse({"a"}), 0);
+    EXPECT_FALSE(mParser.Found("q"));
+    EXPECT_EQ(ErrorOf({"-x"}), "Unknown option 'x'\n");
+    EXPECT_EQ(Parse({"-h"}, true), -1);
+    EXPECT_EQ(mReports.Console(), std::string(mParser.GetUsageString()));
+}
+
 TEST_F(CommandLineParserTest, TextBehindASwitchsSeparatorIsIgnored) {
     mParser.AddSwitch("v", "", 0);
     EXPECT_EQ(Parse({"-v=5"}), 0);

@@ -449,6 +449,35 @@ TEST(SerializeTest, TheFirstStatusEndsTheWalkAtEveryEvent) {
     }
 }
 
+TEST(SerializeTest, AWalkerMayBeOverriddenAtEachOfItsSteps) {
+    class Walker : public vxPropertyListSerializer {
+    public:
+        int Serialize(vxPropertyList* aList, vxISerialize& aSink) override {
+            const int theResult = aSink.ArrayBegin();
+            return theResult != 0 ? theResult : vxPropertyListSerializer::Serialize(aList, aSink);
+        }
+        int SerializeProperty(vxProperty* aProperty, vxISerialize& aSink) override {
+            return std::string(vxProperty_GetName(aProperty)) == "hidden"
+                       ? 0
+                       : vxPropertyListSerializer::SerializeProperty(aProperty, aSink);
+        }
+        int SerializeData(vxData* aData, vxISerialize& aSink) override {
+            return vxData_GetType(aData) == kvxDataType_uint32
+                       ? aSink.Boolean(vxData_Get_uint32(aData) != 0)
+                       : vxPropertyListSerializer::SerializeData(aData, aSink);
+        }
+    };
+    const OwnedList theList;
+    vxPropertyList_Set_uint32(theList, "a", 5);
+    vxPropertyList_Set_uint32(theList, "hidden", 6);
+    vxPropertyList_Set_charPtr(theList, "b", "x");
+    Recorder theRecorder;
+    Walker theWalker;
+    vxPropertyListSerializer& theBase = theWalker;
+    EXPECT_EQ(theBase.Serialize(theList, theRecorder), 0);
+    EXPECT_EQ(theRecorder.mEvents, "[ { key=a true key=b string=x }");
+}
+
 TEST(SerializeTest, TheListIsHeldDuringTheWalk) {
     class Dropper : public Recorder {
     public:

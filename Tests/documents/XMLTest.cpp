@@ -558,6 +558,29 @@ TEST(XMLTest, EveryMatchOfAnExactPathIsVisitedInOrder) {
     EXPECT_EQ(theVisited(""), "");
 }
 
+TEST(XMLTest, WhatIsVisitedMayBeDeleted) {
+    vxXMLNode theRoot(vxXMLNodeType_Element, "r", "");
+    for (int i = 0; i < 3; ++i) {
+        vxXMLNode* theNode = Element("a");
+        for (const char* theName : {"b", "c", "b"}) {
+            theNode->AddChild(Element(theName));
+        }
+        theRoot.AddChild(theNode);
+    }
+    const auto theDelete = [](vxXMLNode* aNode, void*) {
+        aNode->GetParent()->RemoveChild(aNode);
+        delete aNode;
+    };
+    theRoot.GetChildren()->ForEachChild("b", theDelete, NULL);
+    EXPECT_EQ(Saved(*theRoot.GetChildren()), "<a>\n  <c/>\n</a>\n");
+    theRoot.ForEachChild("a/b", theDelete, NULL);
+    EXPECT_EQ(Saved(theRoot),
+              "<r>\n  <a>\n    <c/>\n  </a>\n  <a>\n    <c/>\n  </a>\n"
+              "  <a>\n    <c/>\n  </a>\n</r>\n");
+    theRoot.ForEachChild("a", theDelete, NULL);
+    EXPECT_EQ(Saved(theRoot), "<r/>\n");
+}
+
 TEST(XMLTest, SearchLooksAtChildrenBeforeTheirSubtrees) {
     vxXMLNode theRoot(vxXMLNodeType_Element, "r", "");
     vxXMLNode* theFirst = Element("a");
