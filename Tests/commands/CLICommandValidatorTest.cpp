@@ -132,6 +132,7 @@ constexpr ErrorCase kErrorCases[] = {
      "    Range description is invalid, no terminating square bracket: '(n:ui8[1,2]:5)'\n"},
     {"n:ui8[ 1,2]", "    Range description is invalid, no terminating square bracket: 'n:ui8['\n"},
     {"\"n:ui8[ 1,2]\"", "    Invalid minimum value ' 1' for 'ui8' range\n"},
+    {"\"n:ui8 [1,2]\"", "    Invalid type description: 'ui8 ' in 'n:ui8 [1,2]'\n"},
     {"n:ui8[1,2]]", "    Invalid maximum value '2]' for 'ui8' range\n"},
     {"(s:str:a[b])", "    Range description is invalid, no comma separator found: 'b'\n"},
     {"n:ui8[1-5]", "    Range description is invalid, no comma separator found: '1-5'\n"},

@@ -380,6 +380,15 @@ TEST(XMLTest, ChildrenAreInsertedBeforeAChildOnly) {
     theParent.InsertChild(theStray.get(), theOther.get());
     EXPECT_THAT(theReports.Assertions(), ElementsAre("aBeforeNode->GetParent() == this"));
     EXPECT_EQ(theStray->GetParent(), nullptr);
+    theReports.Clear();
+    theParent.InsertChild(theStray.get(), NULL);
+    EXPECT_THAT(theReports.Assertions(), ElementsAre("aBeforeNode->GetParent() == this"));
+    EXPECT_EQ(theStray->GetParent(), nullptr);
+    theReports.Clear();
+    theParent.InsertChild(NULL, theLast);
+    theParent.AddChild(NULL);
+    EXPECT_THAT(theReports.Assertions(), IsEmpty());
+    EXPECT_EQ(Saved(theParent), "<p>\n  <first/>\n  <middle/>\n  <last/>\n</p>\n");
 }
 
 TEST(XMLTest, RemovedChildrenBelongToTheCaller) {
@@ -405,6 +414,9 @@ TEST(XMLTest, AttributesKeepTheirOrderAndTheFirstOfANameCounts) {
     EXPECT_FALSE(theNode.GetPropertyValue("c", &theValue));
     EXPECT_STREQ(theValue, "kept");
     EXPECT_TRUE(theNode.GetPropertyValue("b", &theValue));
+    vxCString* const theNobody = nullptr;
+    EXPECT_TRUE(theNode.GetPropertyValue("b", theNobody));
+    EXPECT_FALSE(theNode.GetPropertyValue("c", theNobody));
     EXPECT_STREQ(theValue, "2");
     EXPECT_TRUE(theNode.DeleteProperty("a"));
     EXPECT_STREQ(theNode.GetPropertyValue("a", "none"), "3");
@@ -556,6 +568,49 @@ TEST(XMLTest, EveryMatchOfAnExactPathIsVisitedInOrder) {
     EXPECT_EQ(theVisited("a//b"), "");
     EXPECT_EQ(theVisited("/a"), "");
     EXPECT_EQ(theVisited(""), "");
+}
+
+TEST(XMLTest, AWalkGoesUpAsManyLevelsAsItMust) {
+    vxXMLNode theRoot(vxXMLNodeType_Element, "r", "");
+    for (const char* theLetter : {"1", "2"}) {
+        vxXMLNode* theA = Element("a");
+        for (const char* theName : {"bb", "c", "bb"}) {
+            vxXMLNode* theB = Element(theName);
+            theB->AddChild(Element("c", theLetter));
+            theB->AddChild(Element("a", theLetter));
+            theA->AddChild(theB);
+        }
+        theRoot.AddChild(theA);
+    }
+    const auto theVisited = [&theRoot](const char* aPath) {
+        std::string theContents;
+        theRoot.ForEachChild(
+            aPath,
+            [](vxXMLNode* aNode, void* aContext) {
+                *static_cast<std::string*>(aContext) += aNode->GetContent();
+            },
+            &theContents);
+        return theContents;
+    };
+    EXPECT_EQ(theVisited("a/bb/c"), "1122");
+    EXPECT_EQ(theVisited("a/c/a"), "12");
+    EXPECT_EQ(theVisited("a/bb/c/d"), "");
+    EXPECT_EQ(theVisited("a/b/c"), "");
+}
+
+TEST(XMLTest, EmptyPathSegmentsMatchNoEmptyNames) {
+    vxXMLNode theRoot(vxXMLNodeType_Element, "r", "");
+    vxXMLNode* theNameless = Element("");
+    theNameless->AddChild(Element("a"));
+    theRoot.AddChild(theNameless);
+    int theCount = 0;
+    for (const char* thePath : {"", "/", "/a", "//", "a"}) {
+        EXPECT_EQ(theRoot.GetChildNode(thePath), nullptr) << thePath;
+        theRoot.ForEachChild(
+            thePath, [](vxXMLNode*, void* aContext) { ++*static_cast<int*>(aContext); }, &theCount);
+    }
+    EXPECT_EQ(theCount, 0);
+    EXPECT_EQ(theRoot.GetChild(""), theNameless);
 }
 
 TEST(XMLTest, WhatIsVisitedMayBeDeleted) {
