@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "support/Forward.h"
 #include "support/Reports.h"
@@ -26,6 +27,7 @@ struct Script {
     const char* mTempDir = nullptr;
     const char* mCacheDir = nullptr;
     int mType = -1;
+    std::string mAsked;  // what there was to normalize: kind, path and anchor of each
 } sScript;
 
 struct ScriptScope {
@@ -51,6 +53,11 @@ extern "C" {
 __attribute__((visibility("default"))) char* vxPath_Normalize(const char* aPath, int afDir,
                                                               int aMode, const char* anAnchor) {
     EXPECT_EQ(aMode, kvxPathNormalizeMode_Generic);
+    sScript.mAsked += std::string(afDir == 1   ? "[dir "
+                                  : afDir == 0 ? "[file "
+                                               : "[? ") +
+                      (aPath == nullptr ? "none" : aPath) +
+                      (anAnchor == nullptr ? "" : std::string(" in ") + anAnchor) + "]";
     if (sScript.mfNormalizesToNull) {
         return nullptr;
     }
@@ -298,6 +305,28 @@ TEST(PathNameTest, NormalizingEndsADirectoryWithASlash) {
     EXPECT_EQ(Shown(vxPathName::MakeDirPath("x")), "Dir /no/slash/||");
 }
 
+TEST(PathNameTest, ThePlatformIsToldTheKindAndTheAnchor) {
+    ScriptScope theScope;
+    const auto theTake = [] { return std::exchange(sScript.mAsked, std::string()); };
+    vxPathName thePath = vxPathName::MakeFilePath("/a/b");
+    EXPECT_EQ(theTake(), "[file /a/b]");
+    thePath.SetPath("/c");
+    EXPECT_EQ(theTake(), "[dir /c]");
+    vxPathName::MakeFilePath("/d", "e");
+    EXPECT_EQ(theTake(), "[dir /d]");
+    vxPathName::MakeFilePath("/d", "e", "f");
+    EXPECT_EQ(theTake(), "[dir /d]");
+    vxPathName::NormalizePath("g", true);
+    vxPathName::NormalizePath("g", false);
+    vxPathName::NormalizePathWithAnchor("g", false, "/h");
+    EXPECT_EQ(theTake(), "[dir g][file g][file g in /h]");
+    const vxPathName theAnchor = vxPathName::MakeDirPath("/i");
+    EXPECT_EQ(theTake(), "[dir /i]");
+    vxPathName::MakeCombinedFilePath(theAnchor, "j");
+    vxPathName::MakeCombinedDirPath(theAnchor, "../k");
+    EXPECT_EQ(theTake(), "[file j in /i/][dir ../k in /i/]");
+}
+
 TEST(PathNameTest, APlatformWithoutAnAnswerMakesNoPath) {
     ScriptScope theScope;
     sScript.mfNormalizesToNull = true;
@@ -419,6 +448,11 @@ TEST(PathNameTest, NameAndExtensionDecideBetweenFileAndDir) {
     thePath.SetExtension(NULL);
     thePath.SetFileName(NULL);
     EXPECT_EQ(Shown(thePath), "Dir /a/||");
+    for (const char* theName : {"b", "b.c", ".c"}) {
+        thePath.SetFullName(theName);
+        thePath.ToDirPath();
+        EXPECT_EQ(Shown(thePath), "Dir /a/||") << theName;
+    }
 }
 
 TEST(PathNameTest, WithoutADirectoryANameIsDropped) {
