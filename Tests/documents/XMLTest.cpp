@@ -2,13 +2,16 @@
 #include <vx/File.h>
 #include <vx/XML.h>
 
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include <malloc.h>
 #include <pthread.h>
 
 #include "support/ExactText.h"
+#include "support/Latch.h"
 #include "support/Reports.h"
 #include "support/TempDir.h"
 
@@ -772,6 +775,91 @@ TEST(XMLTest, AFullMediumFailsTheSave) {
     theDocument.SetRoot(Element("r"));
     EXPECT_FALSE(theDocument.Save(vxCString("/dev/full"), true));
     EXPECT_FALSE(theDocument.Save(vxCString("/no/such/directory/x.xml"), true));
+}
+
+/// A wide tree: elements with an attribute and a text.
+std::unique_ptr<vxXMLNode> MakeWideTree(int aCount) {
+    std::unique_ptr<vxXMLNode> theRoot(Element("r"));
+    vxXMLNode* theFirst = NULL;
+    for (int i = 0; i < aCount; ++i) {
+        vxXMLNode* theChild = Element("e");
+        theChild->AddProperty("n", vxCString::Format("%d", i));
+        theChild->AddChild(Text("t"));
+        if (theFirst == NULL) {
+            theRoot->AddChild(theChild);
+        } else {
+            theRoot->InsertChild(theChild, theFirst);
+        }
+        theFirst = theChild;
+    }
+    return theRoot;
+}
+
+TEST(XMLTest, NodesCopiedTogetherLiveOnOneByOne) {
+    vxXMLNode* theCopy = new vxXMLNode(*MakeWideTree(500));
+    std::vector<std::unique_ptr<vxXMLNode>> theKept;
+    for (vxXMLNode* i = theCopy->GetChildren(); i != NULL;) {
+        vxXMLNode* theNext = i->GetNext();
+        if (i->GetPropertyValueAsUInt32("n", 1) % 3 == 0) {
+            EXPECT_TRUE(theCopy->RemoveChild(i));
+            theKept.emplace_back(i);
+        }
+        i = theNext;
+    }
+    delete theCopy;
+
+    ASSERT_EQ(theKept.size(), 167U);
+    EXPECT_EQ(Saved(*theKept.front()), "<e n=\"498\">t</e>\n");
+    EXPECT_TRUE(theKept.front()->DeleteProperty("n"));
+    theKept.front()->AddProperty("m", "new");
+    theKept.front()->AddChild(Element("x"));
+    EXPECT_EQ(Saved(*theKept.front()), "<e m=\"new\">t\n  <x/>\n</e>\n");
+    EXPECT_EQ(Saved(*theKept.back()), "<e n=\"0\">t</e>\n");
+}
+
+TEST(XMLTest, NodesCopiedTogetherAreFreedInAnyThread) {
+    vxXMLNode theCopy(*MakeWideTree(2000));
+    std::vector<vxXMLNode*> theShares[2];
+    for (size_t i = 0; theCopy.GetChildren() != NULL; ++i) {
+        vxXMLNode* theChild = theCopy.GetChildren();
+        EXPECT_TRUE(theCopy.RemoveChild(theChild));
+        // Names and values are shared between nodes; threads take their own.
+        theChild->DeleteProperty("n");
+        vxXMLNode* theText = theChild->GetChildren();
+        for (vxXMLNode* theNode : {theChild, theText}) {
+            theNode->SetName(vxCString());
+            theNode->SetContent(vxCString());
+        }
+        theShares[i % 2].push_back(theChild);
+    }
+    vxtest::Latch theStart(2);
+    std::vector<std::thread> theThreads;
+    for (const std::vector<vxXMLNode*>& theShare : theShares) {
+        theThreads.emplace_back([&theShare, &theStart] {
+            theStart.ArriveAndWait();
+            for (vxXMLNode* theNode : theShare) {
+                delete theNode;
+            }
+        });
+    }
+    for (std::thread& theThread : theThreads) {
+        theThread.join();
+    }
+}
+
+TEST(XMLTest, MemoryOfNodesCopiedTogetherComesBackWithTheLast) {
+    const std::unique_ptr<vxXMLNode> theTree = MakeWideTree(2000);
+    const auto theUsed = [] { return mallinfo2().uordblks; };
+    const size_t theBefore = theUsed();
+    for (int i = 0; i < 10; ++i) {
+        vxXMLNode theCopy(*theTree);
+        vxXMLNode* theFirst = theCopy.GetChildren();
+        EXPECT_TRUE(theCopy.RemoveChild(theFirst));
+        theCopy = vxXMLNode();
+        delete theFirst;
+    }
+    // Some small blocks may be kept for the next ones.
+    EXPECT_LT(theUsed(), theBefore + 16 * 1024);
 }
 
 // A million levels on a stack of 128 KiB: built, copied, searched, converted to a path, deleted.

@@ -6,6 +6,7 @@
 #include "vx/XML.h"
 
 #include "Bytes.h"
+#include "XMLCells.h"
 
 #include <libvxLog/Assert.h>
 
@@ -239,10 +240,26 @@ bool vxWriteNode(const vxXMLNode& aNode, Sink& aSink) {
     return theWriter.WriteTree(aNode) && aSink.Write("\n", 1);
 }
 
+constexpr size_t kvxXML_FirstSlab = 256;  // bytes; a copy may be of one node
+
 constexpr const char* kvxXML_TrueWords[] = {"1", "true", "yes"};
 constexpr const char* kvxXML_FalseWords[] = {"0", "false", "no", ""};
 
 }  // namespace
+
+// Not inline: the compiler shall see them as the match of the delete that knows cells.
+__attribute__((noinline)) void* vxXMLMemory::operator new(size_t aSize) {
+    return ::operator new(aSize);
+}
+
+__attribute__((noinline)) void* vxXMLMemory::operator new(size_t aSize,
+                                                          const std::nothrow_t& aTag) noexcept {
+    return ::operator new(aSize, aTag);
+}
+
+void vxXMLMemory::operator delete(void* anObject) {
+    vxXMLFreeing().Free(anObject);
+}
 
 // vxXMLNode
 
@@ -315,26 +332,17 @@ vxXMLNode::~vxXMLNode() {
 
 // Copies everything below into a node that has nothing below.
 void vxXMLNode::CopyContent(const vxXMLNode& aNode) {
+    vxXMLArena theArena(kvxXML_FirstSlab);
+    mType = aNode.mType;
+    mName = aNode.mName;
+    mContent = aNode.mContent;
+    mUserData = aNode.mUserData;
+    CopyProperties(aNode, theArena);
     vxXMLNode* theCopy = this;
     for (const vxXMLNode* theNode = &aNode;;) {
-        theCopy->mType = theNode->mType;
-        theCopy->mName = theNode->mName;
-        theCopy->mContent = theNode->mContent;
-        theCopy->mUserData = theNode->mUserData;
-        vxXMLProperty* theLast = NULL;
-        for (const vxXMLProperty* i = theNode->mProperties; i != NULL; i = i->GetNext()) {
-            vxXMLProperty* theProperty = new vxXMLProperty(i->GetName(), i->GetValue());
-            if (theLast == NULL) {
-                theCopy->mProperties = theProperty;
-            } else {
-                theLast->SetNext(theProperty);
-            }
-            theLast = theProperty;
-        }
         if (theNode->mChildren != NULL) {
             theNode = theNode->mChildren;
-            theCopy->mChildren = new vxXMLNode;
-            theCopy->mChildren->mParent = theCopy;
+            theCopy->mChildren = NewCopy(*theNode, theCopy, theArena);
             theCopy = theCopy->mChildren;
             continue;
         }
@@ -346,20 +354,41 @@ void vxXMLNode::CopyContent(const vxXMLNode& aNode) {
             return;
         }
         theNode = theNode->mNext;
-        theCopy->mNext = new vxXMLNode;
-        theCopy->mNext->mParent = theCopy->mParent;
+        theCopy->mNext = NewCopy(*theNode, theCopy->mParent, theArena);
         theCopy = theCopy->mNext;
     }
+}
+
+void vxXMLNode::CopyProperties(const vxXMLNode& aNode, vxXMLArena& anArena) {
+    vxXMLProperty* theLast = NULL;
+    for (const vxXMLProperty* i = aNode.mProperties; i != NULL; i = i->GetNext()) {
+        vxXMLProperty* theProperty = anArena.New<vxXMLProperty>(i->GetName(), i->GetValue());
+        if (theLast == NULL) {
+            mProperties = theProperty;
+        } else {
+            theLast->SetNext(theProperty);
+        }
+        theLast = theProperty;
+    }
+}
+
+// Copies a node and its attributes, and links it to the parent, but not the parent to it.
+vxXMLNode* vxXMLNode::NewCopy(const vxXMLNode& aNode, vxXMLNode* aParent, vxXMLArena& anArena) {
+    vxXMLNode* theCopy = anArena.New<vxXMLNode>(aNode.mType, aNode.mName, aNode.mContent);
+    theCopy->mParent = aParent;
+    theCopy->mUserData = aNode.mUserData;
+    theCopy->CopyProperties(aNode, anArena);
+    return theCopy;
 }
 
 // Deletes children and attributes. The children of a deleted node join the list of what is still to
 // be deleted, so that a destructor never finds any.
 void vxXMLNode::DeleteContent() {
-    while (mProperties != NULL) {
-        vxXMLProperty* theNext = mProperties->GetNext();
-        delete mProperties;
-        mProperties = theNext;
+    if (mProperties == NULL && mChildren == NULL) {
+        return;
     }
+    vxXMLFreeing theFreeing;
+    DeleteProperties(theFreeing);
     while (mChildren != NULL) {
         vxXMLNode* theNode = mChildren;
         vxXMLNode** theLink = &theNode->mChildren;
@@ -369,7 +398,18 @@ void vxXMLNode::DeleteContent() {
         *theLink = theNode->mNext;
         mChildren = theNode->mChildren;
         theNode->mChildren = NULL;
-        delete theNode;
+        theNode->DeleteProperties(theFreeing);
+        theNode->~vxXMLNode();
+        theFreeing.Free(theNode);
+    }
+}
+
+void vxXMLNode::DeleteProperties(vxXMLFreeing& aFreeing) {
+    while (mProperties != NULL) {
+        vxXMLProperty* theProperty = mProperties;
+        mProperties = theProperty->GetNext();
+        theProperty->~vxXMLProperty();
+        aFreeing.Free(theProperty);
     }
 }
 

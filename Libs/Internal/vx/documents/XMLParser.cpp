@@ -8,6 +8,7 @@
 #include "vx/XMLParser.h"
 
 #include "Bytes.h"
+#include "XMLCells.h"
 
 #include <libteskTools/HashTable.h>
 #include <libteskTools/Unicode.h>
@@ -29,15 +30,17 @@
 class vxXMLReaderLinks {
 public:
     /// Makes a detached node and takes its content over.
-    static vxXMLNode* Make(vxXMLNodeType aType, const vxCString& aName, vxCString& aContent) {
-        vxXMLNode* theNode = new vxXMLNode(aType, aName, vxCString());
+    static vxXMLNode* Make(vxXMLArena& anArena, vxXMLNodeType aType, const vxCString& aName,
+                           vxCString& aContent) {
+        vxXMLNode* theNode = anArena.New<vxXMLNode>(aType, aName, vxCString());
         theNode->mContent.Swap(aContent);
         return theNode;
     }
 
     /// Makes an attribute and takes its value over.
-    static vxXMLProperty* MakeProperty(const vxCString& aName, vxCString& aValue) {
-        vxXMLProperty* theProperty = new vxXMLProperty(aName, vxCString());
+    static vxXMLProperty* MakeProperty(vxXMLArena& anArena, const vxCString& aName,
+                                       vxCString& aValue) {
+        vxXMLProperty* theProperty = anArena.New<vxXMLProperty>(aName, vxCString());
         theProperty->mValue.Swap(aValue);
         return theProperty;
     }
@@ -304,7 +307,7 @@ private:
 class vxXMLReader {
 public:
     vxXMLReader(const char* aText, size_t aSize, const vxXMLParserLimits& aLimits)
-        : mStart(aText), mPos(aText), mEnd(aText + aSize), mLimits(aLimits) {}
+        : mStart(aText), mPos(aText), mEnd(aText + aSize), mLimits(aLimits), mArena(aSize) {}
 
     bool Read();
 
@@ -398,6 +401,7 @@ private:
     const char* const mEnd;
     const vxXMLParserLimits& mLimits;
 
+    vxXMLArena mArena;
     std::unique_ptr<vxXMLNode> mRoot;
     std::vector<Element> mOpen;
     std::vector<Blanks> mBlanks;  // of open elements without text, outermost first
@@ -729,7 +733,7 @@ bool vxXMLReader::ReadStartTag() {
     if (mOpen.size() >= mLimits.mMaxDepth) {
         return Fail("fewer elements within each other", kvxXMLParserError_Limit);
     }
-    vxXMLNode* theNode = new vxXMLNode(vxXMLNodeType_Element, theName->mText, vxCString());
+    vxXMLNode* theNode = mArena.New<vxXMLNode>(vxXMLNodeType_Element, theName->mText, vxCString());
     if (mOpen.empty()) {
         mRoot.reset(theNode);
     } else {
@@ -789,7 +793,7 @@ bool vxXMLReader::ReadAttribute(vxXMLNode* aNode, vxXMLProperty** aLast) {
     if (!ReadAttributeValue(&theValue)) {
         return false;
     }
-    vxXMLProperty* theProperty = vxXMLReaderLinks::MakeProperty(theName->mText, theValue);
+    vxXMLProperty* theProperty = vxXMLReaderLinks::MakeProperty(mArena, theName->mText, theValue);
     if (*aLast == NULL) {
         aNode->AddProperty(theProperty);
     } else {
@@ -939,7 +943,7 @@ void vxXMLReader::AddPlainText(const char* anEnd, bool afIsBlank) {
         MakeBlanks();
         theParent.mfHasText |= !afIsBlank;
         vxCString theText(mPos, static_cast<size_t>(anEnd - mPos));
-        AppendChild(vxXMLReaderLinks::Make(vxXMLNodeType_Text, mTextName, theText));
+        AppendChild(vxXMLReaderLinks::Make(mArena, vxXMLNodeType_Text, mTextName, theText));
     }
     mPos = anEnd;
 }
@@ -951,7 +955,7 @@ void vxXMLReader::MakeBlanks() {
     for (; mBlanks.size() > theParent.mBlanks; mBlanks.pop_back()) {
         const Blanks& theBlanks = mBlanks.back();
         vxCString theText(theBlanks.mStart, static_cast<size_t>(theBlanks.mEnd - theBlanks.mStart));
-        vxXMLNode* theNode = vxXMLReaderLinks::Make(vxXMLNodeType_Text, mTextName, theText);
+        vxXMLNode* theNode = vxXMLReaderLinks::Make(mArena, vxXMLNodeType_Text, mTextName, theText);
         vxXMLReaderLinks::InsertBehind(theParent.mNode, theBlanks.mBehind, theNode);
     }
 }
@@ -979,8 +983,8 @@ bool vxXMLReader::ReadComment() {
         return false;
     }
     mPos += 3;
-    AppendChild(new vxXMLNode(vxXMLNodeType_Comment, mCommentName,
-                              vxCString(theText.data(), theText.size())));
+    AppendChild(mArena.New<vxXMLNode>(vxXMLNodeType_Comment, mCommentName,
+                                      vxCString(theText.data(), theText.size())));
     return true;
 }
 
@@ -1054,7 +1058,7 @@ void vxXMLReader::AddText() {
         theParent.mfHasText = true;
     }
     if (!theText.IsEmpty()) {
-        AppendChild(vxXMLReaderLinks::Make(vxXMLNodeType_Text, mTextName, theText));
+        AppendChild(vxXMLReaderLinks::Make(mArena, vxXMLNodeType_Text, mTextName, theText));
     }
     mText.clear();
     mfInText = false;

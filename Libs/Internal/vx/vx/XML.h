@@ -1,11 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <new>
 
 #include "vx/Api.h"
 #include "vx/CString.h"
 
 class vxFile;
+class vxXMLArena;
+class vxXMLFreeing;
 
 /// What a node of an XML tree is.
 enum vxXMLNodeType {
@@ -15,11 +18,24 @@ enum vxXMLNodeType {
     vxXMLNodeType_Comment = 3
 };
 
+/// Memory of nodes and attributes: those that are made one by one have their own, those that were read
+/// or copied together share blocks of up to 16 KB, each of which goes with the last one in it.
+struct VX_EXPORT vxXMLMemory {
+    /// Memory for an object that is made alone, and the end of any object's memory.
+    /// @{
+    static void* operator new(size_t aSize);
+    static void* operator new(size_t aSize, const std::nothrow_t& aTag) noexcept;
+    static void* operator new(size_t, void* aPlace) noexcept { return aPlace; }
+    static void operator delete(void* anObject);
+    static void operator delete(void*, void*) noexcept {}
+    /// @}
+};
+
 /// An attribute of an element: a name, a value, and the next attribute.
 ///
 /// Owner:    the element that it was added to; a detached one belongs to whoever made it.
 /// Threads:  one at a time.
-class VX_EXPORT vxXMLProperty {
+class VX_EXPORT vxXMLProperty : public vxXMLMemory {
 public:
     /// An attribute with an empty name and value.
     vxXMLProperty() : mNext(NULL) {}
@@ -71,7 +87,7 @@ typedef bool (*vxXMLOutput)(void* aContext, const vxCString& aText);
 ///           remove it there before deleting it.
 /// Threads:  one at a time.
 /// Cost:     depth costs no stack: copying, writing, searching and deleting keep their own.
-class VX_EXPORT vxXMLNode {
+class VX_EXPORT vxXMLNode : public vxXMLMemory {
 public:
     /// A detached node of unknown type.
     vxXMLNode();
@@ -218,7 +234,10 @@ private:
     friend class vxXMLReaderLinks;
 
     void CopyContent(const vxXMLNode& aNode);
+    void CopyProperties(const vxXMLNode& aNode, vxXMLArena& anArena);
+    static vxXMLNode* NewCopy(const vxXMLNode& aNode, vxXMLNode* aParent, vxXMLArena& anArena);
     void DeleteContent();
+    void DeleteProperties(vxXMLFreeing& aFreeing);
     vxXMLProperty* FindProperty(const vxCString& aName) const;
 
     vxXMLNodeType mType;
