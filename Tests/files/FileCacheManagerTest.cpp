@@ -27,6 +27,7 @@
 #include "support/ScriptedClock.h"
 #include "support/ScriptedDate.h"
 #include "support/ScriptedIO.h"
+#include "support/ScriptedLocks.h"
 #include "support/TempDir.h"
 #include "support/Text.h"
 #include "vx/File.h"
@@ -1376,6 +1377,22 @@ TEST(FileCacheManagerTest, AReaderLooksEvery100MillisecondsUntilTheProducerRepor
     ASSERT_NE(theReader, nullptr);
     EXPECT_FALSE(theCreated);
     EXPECT_EQ(theReader->Length(), 3);
+}
+
+TEST(FileCacheManagerTest, AReaderHasTheLockExceptWhileItSleeps) {
+    ScriptedClock theClock;
+    const TempDir theDir;
+    const Manager theManager = NewManager(theDir);
+    const File theWriter = Open(theManager, "a");
+    vxtest::ScriptedLocks theLocks;
+    theLocks.mfNoteCalls = true;
+    theClock.AtNextSleep([&] {
+        EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "Unlock"));
+        theManager->SetCachedFileState("a", theWriter.get(), true);
+        theLocks.mCalls.clear();
+    });
+    EXPECT_NE(Open(theManager, "a"), nullptr);
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "Unlock"));
 }
 
 // Two threads ask for one name: one is made to wait until the other has reported.
