@@ -153,6 +153,7 @@ TEST(CLICommandCheckerTest, CountsMandatoryParametersBehindOptionalOnes) {
     theChecker.Add(NewChecker("a", kvxInteractiveParameterType_Str, true));
     theChecker.Add(NewChecker("b", kvxInteractiveParameterType_Str, false));
     theChecker.Finalize();
+    theChecker.Finalize();  // counts anew
     Parameters theParameters;
     vxCString theText = "";
     EXPECT_STREQ(theChecker.Validate(theText, theParameters),

@@ -56,6 +56,7 @@ TEST_F(CLICommandTest, InformationWithoutASetForgetsTheModuleNames) {
     mCommand->SetInfo(0, "other", vxCSVStringList(), false);
     EXPECT_FALSE(mCommand->ModuleIs("network"));
     EXPECT_TRUE(mCommand->ModuleIs("other"));
+    EXPECT_FALSE(mCommand->CommandIs("show"));
     EXPECT_TRUE(mCommand->GetCLICommandSet().IsNull());
 }
 

@@ -23,6 +23,7 @@ TEST(JSONMessageBuilderTest, AMessageComesBackWhole) {
     EXPECT_TRUE(theAgain.GetStatus());
     EXPECT_STREQ(theAgain.GetParameter("a"), "1");
     EXPECT_STREQ(theAgain.GetParameter("b"), "");
+    EXPECT_STREQ(theAgain.GetParameter("A"), "");
 }
 
 TEST(JSONMessageBuilderTest, MembersAreWrittenInOrderAndTheStatusAsAText) {

@@ -81,6 +81,7 @@ TEST(XMLJSONTest, MembersOfTheTargetAreAddedTo) {
         {R"({"a":{"k":[1]}})", R"({"a":[{"k":[1]},{"b":"x"}]})"},
         {R"({"a":null})", R"({"a":[null,{"b":"x"}]})"},
         {R"({"A":1})", R"({"A":1,"a":{"b":"x"}})"},
+        {R"({"A":1,"a":2})", R"({"A":1,"a":[2,{"b":"x"}]})"},
     };
     for (const Case& theCase : kCases) {
         SCOPED_TRACE(theCase.mTarget);
@@ -91,6 +92,22 @@ TEST(XMLJSONTest, MembersOfTheTargetAreAddedTo) {
         EXPECT_TRUE(vxXMLToJSON(&theNode).ConvertTo(theJSON));
         EXPECT_STREQ(theJSON.ToString(false), theCase.mResult);
     }
+}
+
+TEST(XMLJSONTest, AnEmptyTextIsAnEmptyString) {
+    vxXMLNode theTop(vxXMLNodeType_Element, "a", "");
+    for (const char* theText : {"", "x", ""}) {
+        vxXMLNode* theChild = new vxXMLNode(vxXMLNodeType_Element, "b", "");
+        theChild->AddChild(new vxXMLNode(vxXMLNodeType_Text, "text", theText));
+        theTop.AddChild(theChild);
+    }
+    vxXMLNode* theOnly = new vxXMLNode(vxXMLNodeType_Element, "c", "content is not looked at");
+    theOnly->AddChild(new vxXMLNode(vxXMLNodeType_Text, "text", ""));
+    theTop.AddChild(theOnly);
+    theTop.AddChild(new vxXMLNode(vxXMLNodeType_Element, "d", "content is not looked at"));
+    vxJSONDocument theJSON(kvxJSONDocumentRoot_Object);
+    EXPECT_TRUE(vxXMLToJSON(&theTop).ConvertTo(theJSON));
+    EXPECT_STREQ(theJSON.ToString(false), R"({"a":{"b":["","x",""],"c":"","d":{}}})");
 }
 
 TEST(XMLJSONTest, TextIsNamedLikeItsNode) {
