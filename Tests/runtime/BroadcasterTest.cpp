@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "support/Reports.h"
@@ -303,11 +305,10 @@ TEST(BroadcasterTest, DyingListenerLeavesABroadcasterThatWouldNotLetItGo) {
     Calls theCalls;
     Clinging theFirst;
     CountingBroadcaster theSecond;
-    {
-        Listener theListener(theCalls);
-        theFirst.AddListener(&theListener);
-        theSecond.AddListener(&theListener);
-    }
+    std::optional<Listener> theListener(std::in_place, theCalls);
+    theFirst.AddListener(&*theListener);
+    theSecond.AddListener(&*theListener);
+    theListener.emplace(theCalls);  // another one at the same place
     theFirst.BroadcastMessage(1, nullptr);
     theSecond.BroadcastMessage(1, nullptr);
     EXPECT_EQ(theSecond.mRemoved, 1);

@@ -193,6 +193,15 @@ void WakeWaitingReader(vxMessageQueue& aQueue, vxMessage& aMessage, int& aResult
     theReader.join();
 }
 
+TEST(MessageQueueTest, EveryPostSignals) {
+    vxtest::ScriptedLocks theLocks;
+    vxMessageQueue theQueue;
+    theQueue.Post(1, nullptr, nullptr);
+    theLocks.mfNoteCalls = true;
+    theQueue.Post(2, nullptr, nullptr);
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "Signal", "Unlock"));
+}
+
 TEST(MessageQueueTest, PostEndsTheWaitOfAReader) {
     vxMessageQueue theQueue;
     vxMessage theMessage;
@@ -391,6 +400,21 @@ TEST(MessageQueueTest, EveryOperationIsTraced) {
         EXPECT_EQ(theRecord.mModule, VXLOG_M_THREADING);
         EXPECT_THAT(theRecord.mFile, EndsWith("/MessageQueue.cpp"));
     }
+}
+
+TEST(MessageQueueTest, TracesAreWrittenOutsideTheLock) {
+    vxtest::Reports theReports;
+    vxtest::ScriptedLocks theLocks;
+    std::vector<size_t> theTracesAtUnlock;
+    vxMessageQueue theQueue;
+    theLocks.mAtUnlock = [&] { theTracesAtUnlock.push_back(theReports.LogTexts().size()); };
+    theReports.Clear();
+    theQueue.Post(1, nullptr, nullptr);
+    delete theQueue.Get();
+    theQueue.Cancel();
+    theQueue.Flush();
+    EXPECT_THAT(theTracesAtUnlock, ElementsAre(1U, 2U, 4U, 5U));
+    EXPECT_EQ(theReports.LogTexts().size(), 5U);
 }
 
 TEST(MessageQueueTest, DestructionFlushesAQueueThatIsNotEmpty) {

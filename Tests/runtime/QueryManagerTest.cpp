@@ -517,6 +517,26 @@ TEST(QueryManagerTest, QueryAddedWhileStoppingIsDiscardedToo) {
     EXPECT_FALSE(theManager.HasPendingQuery());
 }
 
+TEST(QueryManagerTest, ListIsLookedAtUnderTheLockAndWaitsAreOutside) {
+    vxtest::ScriptedLocks theLocks;
+    theLocks.mWaitResult = 0;
+    std::vector<std::string> theBeforeWait;
+    theLocks.mInWait = [&] { theBeforeWait = theLocks.mCalls; };
+    Query theQuery;
+    Manager theManager;
+    theLocks.mfNoteCalls = true;
+    EXPECT_FALSE(theManager.HasPendingQuery());
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "Unlock"));
+    theLocks.mCalls.clear();
+    EXPECT_EQ(theManager.GetQuery(), nullptr);
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "Unlock"));
+    theLocks.mCalls.clear();
+    theManager.WaitForQuery(10);
+    // The list, the event with a lock of its own, and the list again.
+    EXPECT_THAT(theBeforeWait, ElementsAre("Lock", "Unlock", "Lock"));
+    EXPECT_THAT(theLocks.mCalls, ElementsAre("Lock", "Unlock", "Lock", "Unlock", "Lock", "Unlock"));
+}
+
 // Waiting, on a clock turned by hand. `Waits` tells what reached the platform.
 
 TEST(QueryManagerWaitTest, WaitEndsAtOnceWhenAQueryIsDue) {

@@ -753,6 +753,22 @@ TEST(StoppableThreadTest, DetachedThreadThatEndsAtOnceIsNotTouchedAfterwards) {
     EXPECT_THAT(theReports.Assertions(), IsEmpty());
 }
 
+TEST(StoppableThreadTest, DetachedThreadThatIsCancelledIsNotTouchedAfterwards) {
+    // Sanitizers see to the rest.
+    vxtest::Reports theReports;
+    constexpr int kThreads = 60;
+    vxtest::Latch theAreGone(kThreads);
+    for (int i = 0; i < kThreads; ++i) {
+        auto* theWorker = new Worker(UntilExit, vxThread_Kind_Detached);
+        theWorker->mOnDelete = [&] { theAreGone.CountDown(); };
+        ASSERT_EQ(theWorker->ThreadCreate(), 0);
+        theWorker->Go(kvxThreadState_Started);
+        theWorker->ThreadCancel();
+    }
+    theAreGone.Wait();
+    EXPECT_THAT(theReports.Assertions(), IsEmpty());
+}
+
 TEST(StoppableThreadTest, DetachedObjectLivesUntilGoHasLooked) {
     vxtest::Reports theReports;
     ScriptedThreads theThreads;

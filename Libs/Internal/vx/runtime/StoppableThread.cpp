@@ -1,9 +1,10 @@
 // States rise by compare and exchange, so a stop that is asked for while the thread is on its way
 // to a lower state is not lost.
 //
-// A detached thread may end, and delete its object, while Go() still looks at the state. The
-// destructor therefore waits until Go() has looked for the last time; that is the only place where
-// the object's memory is sure to exist still.
+// A detached thread may end, and delete its object, while Go() still looks at the state, or between
+// the two words that ThreadCancel() writes. The destructor therefore waits until these calls have
+// touched the object for the last time; that is the only place where its memory is sure to exist
+// still.
 
 #include "vx/StoppableThread.h"
 
@@ -38,10 +39,10 @@ vxStoppableThread::vxStoppableThread(const char* aName, int aKind)
       mThreadName(vxStrdup(aName != NULL ? aName : "")),
       mThread(NULL),
       mfTerminateRequested(false),
-      mfGoing(false) {}
+      mCallers(0) {}
 
 vxStoppableThread::~vxStoppableThread() {
-    while (mfGoing.load(std::memory_order_acquire)) {
+    while (mCallers.load(std::memory_order_acquire) != 0) {
         ThreadSleep(kvxPollInterval);
     }
     if (!VXCHECK((mThreadState == kvxThreadState_NotCreated) ||
@@ -83,12 +84,12 @@ void vxStoppableThread::Go(int aWaitState) {
         return;
     }
     RaiseState(kvxThreadState_Starting);
-    mfGoing.store(true, std::memory_order_relaxed);
+    mCallers.fetch_add(1, std::memory_order_relaxed);
     vxThread_Run(mThread);
     while (GetThreadState() < aWaitState) {
         ThreadSleep(kvxPollInterval);
     }
-    mfGoing.store(false, std::memory_order_release);  // the object may be gone from here on
+    mCallers.fetch_sub(1, std::memory_order_release);  // the object may be gone from here on
 }
 
 bool vxStoppableThread::TestExit() {
@@ -102,10 +103,12 @@ bool vxStoppableThread::TestExit() {
 void vxStoppableThread::OnRun() {}
 
 void vxStoppableThread::ThreadCancel() {
+    mCallers.fetch_add(1, std::memory_order_relaxed);
     if (GetThreadState() > kvxThreadState_Created) {
         mfTerminateRequested.store(true, std::memory_order_release);
         RaiseState(kvxThreadState_Terminate);
     }
+    mCallers.fetch_sub(1, std::memory_order_release);  // as in Go()
 }
 
 void vxStoppableThread::ThreadSetData(vxOSThread_Data* aData) {

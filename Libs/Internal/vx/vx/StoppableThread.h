@@ -107,7 +107,7 @@ public:
     virtual void OnRun();
 
     /// Asks the thread to stop, without waiting; a thread that was not started is left alone, and
-    /// will run when it is.
+    /// will run when it is. Safe also where this ends a detached thread at once.
     ///
     /// Threads:  any, atomic.
     virtual void ThreadCancel();
@@ -170,5 +170,5 @@ private:
     char* mThreadName;                       // owned
     vxOSThread* mThread;                     // owned; null until ThreadCreate() succeeds
     std::atomic<bool> mfTerminateRequested;  // set by ThreadCancel()
-    std::atomic<bool> mfGoing;               // Go() still looks at the state
+    std::atomic<uint16_t> mCallers;          // calls that still look at the object
 };
