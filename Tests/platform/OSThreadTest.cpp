@@ -126,12 +126,15 @@ TEST(OSThreadTest, RecordIsCopied) {
 }
 
 TEST(OSThreadTest, SuspendedThreadThatIsDeletedEndsWithoutRunningAnything) {
-    for (const int theKind : {0, 1}) {
-        SCOPED_TRACE(theKind);
+    // At once, and when the thread sleeps already.
+    for (const int theCase : {0, 1, 2, 3}) {
+        SCOPED_TRACE(theCase);
+        const int theKind = theCase % 2;
         Job theJob;
         theJob.mData.mThreadKind = theKind;
         theJob.mThread = vxThread_New(&theJob.mData);
         ASSERT_NE(theJob.mThread, nullptr);
+        vxThread_Sleep(theCase < 2 ? 0 : 20);
         vxThread_Delete(theJob.mThread);
         EXPECT_THAT(theJob.mCalls, IsEmpty());
     }

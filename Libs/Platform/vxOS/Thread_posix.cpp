@@ -43,18 +43,33 @@ struct vxOSThread {
 
 namespace {
 
-/// Sleeps while the word has this value and returns the one that it has then.
-uint32_t vxAwaitChange(std::atomic<uint32_t>* aWord, uint32_t aValue) {
-    uint32_t theValue;
-    while ((theValue = aWord->load(std::memory_order_acquire)) == aValue) {
-        vxFutex_Wait(aWord, aValue, nullptr);
-    }
-    return theValue;
+// Set in a word beside its value while threads may sleep on it: without them, a change costs no call of
+// the system.
+constexpr uint32_t kvxSleepers = 0x80000000;
+
+uint32_t vxValue(const std::atomic<uint32_t>& aWord) {
+    return aWord.load(std::memory_order_acquire) & ~kvxSleepers;
 }
 
+/// Sleeps while the word has this value and returns the one that it has then.
+uint32_t vxAwaitChange(std::atomic<uint32_t>* aWord, uint32_t aValue) {
+    for (;;) {
+        uint32_t theWord = aWord->load(std::memory_order_acquire);
+        if ((theWord & ~kvxSleepers) != aValue) {
+            return theWord & ~kvxSleepers;
+        }
+        if (theWord != aValue || aWord->compare_exchange_weak(theWord, aValue | kvxSleepers,
+                                                              std::memory_order_relaxed)) {
+            vxFutex_Wait(aWord, aValue | kvxSleepers, nullptr);
+        }
+    }
+}
+
+/// Who sees the new value may free the word: it is not touched afterwards.
 void vxAnnounce(std::atomic<uint32_t>* aWord, uint32_t aValue) {
-    aWord->store(aValue, std::memory_order_release);
-    vxFutex_Wake(aWord, INT_MAX);
+    if ((aWord->exchange(aValue, std::memory_order_acq_rel) & kvxSleepers) != 0) {
+        vxFutex_Wake(aWord, INT_MAX);
+    }
 }
 
 void vxLeave(vxOSThread* aThread) {
@@ -166,7 +181,7 @@ vxOSThread* vxThread_New(const vxOSThread_Data* aData) {
 }
 
 int vxThread_Run(vxOSThread* aThread) {
-    if (aThread == nullptr || aThread->mGate.load(std::memory_order_relaxed) != kvxGate_Closed) {
+    if (aThread == nullptr || vxValue(aThread->mGate) != kvxGate_Closed) {
         return EINVAL;
     }
     if (aThread->mData.mThreadKind != vxThread_Kind_Joinable) {
@@ -202,7 +217,7 @@ void vxThread_Delete(vxOSThread* aThread) {
     if (aThread == nullptr) {
         return;
     }
-    const bool theIsSuspended = aThread->mGate.load(std::memory_order_relaxed) == kvxGate_Closed;
+    const bool theIsSuspended = vxValue(aThread->mGate) == kvxGate_Closed;
     if (theIsSuspended) {
         vxAnnounce(&aThread->mGate, kvxGate_Abandoned);
     }

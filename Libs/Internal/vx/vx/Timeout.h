@@ -32,7 +32,9 @@ public:
     }
 
     /// Returns the milliseconds until the time-out expires, 0 once it has.
-    unsigned int Remaining() const { return RemainingAt(GetSysMSTickCount()); }
+    ///
+    /// Cost:     reads the tick counter, except after a start with 0.
+    unsigned int Remaining() const { return mDuration == 0 ? 0 : RemainingAt(GetSysMSTickCount()); }
 
     /// As Remaining(), at the tick given: reads the counter once for several time-outs.
     unsigned int RemainingAt(unsigned int aTick) const {
