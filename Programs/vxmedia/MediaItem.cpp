@@ -42,6 +42,7 @@ void MediaItem::ShareTexts(const MediaItem& anOther) {
     Share(mTags->mAlbum, theOther.mAlbum);
     Share(mTags->mGenre, theOther.mGenre);
     Share(mTags->mDate, theOther.mDate);
+    Share(mTags->mComment, theOther.mComment);
     Share(mTags->mCoverArt.mMimeType, theOther.mCoverArt.mMimeType);
 }
 

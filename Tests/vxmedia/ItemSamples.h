@@ -46,6 +46,7 @@ inline MediaReading TaggedSound() {
     theTags.mAlbum = "Colors";
     theTags.mGenre = "Jazz";
     theTags.mDate = "2015-06-30";
+    theTags.mComment = "Take 2";
     theTags.mTrack = 7;
     theTags.mDisc = 2;
     theTags.mCoverArt.mMimeType = "image/png";

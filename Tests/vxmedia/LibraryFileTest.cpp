@@ -87,7 +87,7 @@ TEST_F(LibraryFileTest, TheFileIsCompactJSON) {
             R"({"id":1,"path":"m/Blue.mp3","size":4711,"time":1435687200123456789,"type":"MP3",)"
             R"("channels":2,"rate":44100,"bits":16,"bit-rate":128000,"frames":9591750,)"
             R"("title":"Blue","creator":"Somebody","album":"Colors","genre":"Jazz",)"
-            R"("date":"2015-06-30","track":7,"disc":2,"cover":{"mime":"image/png","encoding":2,)"
+            R"("date":"2015-06-30","comment":"Take 2","track":7,"disc":2,"cover":{"mime":"image/png","encoding":2,)"
             R"("offset":42,"front":1,"pieces":[2048,5000]},)"
             R"("edits":{"cr":"","ge":"Folk \"\n","track":"8"}},)"
             R"({"id":3,"path":"m/zé.bmp","size":9,"time":0,"type":"BMP","width":1,"height":2,)"

@@ -66,6 +66,7 @@ int main(int argc, char** argv) {
     Print("album", theTags.mAlbum);
     Print("genre", theTags.mGenre);
     Print("date", theTags.mDate);
+    Print("comment", theTags.mComment);
     Print("track", theTags.mTrack);
     Print("disc", theTags.mDisc);
     Print("picture", theTags.mCoverArt.mMimeType);

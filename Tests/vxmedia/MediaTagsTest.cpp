@@ -23,6 +23,7 @@ std::string DescribeTags(const vxmedia::MediaTags& aTags) {
     theAppend("album", aTags.mAlbum.c_str());
     theAppend("genre", aTags.mGenre.c_str());
     theAppend("date", aTags.mDate.c_str());
+    theAppend("comment", aTags.mComment.c_str());
     theAppend("track", std::to_string(aTags.mTrack));
     theAppend("disc", std::to_string(aTags.mDisc));
     theAppend("picture", aTags.mCoverArt.mMimeType.c_str());
@@ -433,6 +434,134 @@ TEST(MediaBytesTest, PiecesThatMeetAreJoined) {
     EXPECT_EQ(theBuffer[1], '8');
     EXPECT_EQ(theBytes.Part(5, UINT64_MAX).Size(), 1u);
     EXPECT_EQ(theBytes.Part(6, 1).Size(), 0u);
+}
+
+// WAV
+
+std::string WAVChunk(const char* aName, const std::string& aData) {
+    return aName + LittleEndian(aData.size(), 4) + aData + std::string(aData.size() & 1, '\0');
+}
+
+const std::string kWAVFormat =
+    WAVChunk("fmt ", Raw("\1\0\1\0\x40\x1F\0\0\x40\x1F\0\0\1\0\x08\0"));  // 8000 Hz, 8 bits
+
+// A file with these chunks in front of its data and behind it.
+std::string WAVFile(const std::string& aFront, const std::string& aBack,
+                    const std::string& aData = WAVChunk("data", "sound")) {
+    return "RIFF" + LittleEndian(0, 4) + "WAVE" + kWAVFormat + aFront + aData + aBack;
+}
+
+std::string InfoList(const std::string& aTexts) {
+    return WAVChunk("LIST", "INFO" + aTexts);
+}
+
+TEST(MediaTagsTest, WAVHasTextsInItsLists) {
+    const std::string theList = InfoList(
+        WAVChunk("INAM", Raw("Title\0")) + WAVChunk("IART", "Some") + WAVChunk("IPRD", "Album") +
+        WAVChunk("IGNR", "Rock") + WAVChunk("ICRD", "2015-06-30") + WAVChunk("ICMT", "Take 2") +
+        WAVChunk("ITRK", "3/12") + WAVChunk("ISFT", "a program"));
+    const char* kAll =
+        "title=Title | creator=Some | album=Album | genre=Rock | date=2015-06-30 | comment=Take 2 "
+        "| "
+        "track=3";
+    EXPECT_EQ(Tags(WAVFile(theList, "")), kAll);
+    EXPECT_EQ(Tags(WAVFile("", theList)), kAll);
+    EXPECT_EQ(Tags(WAVFile(WAVChunk("odd ", "x") + theList, "")), kAll);
+    EXPECT_EQ(Tags(WAVFile(InfoList(WAVChunk("IPRT", "7")), "")), "track=7");
+    EXPECT_EQ(Tags(WAVFile(WAVChunk("LIST", "adtl" + WAVChunk("INAM", "x")), "")), "");
+}
+
+TEST(MediaTagsTest, TheLastTextOfAWAVFileCounts) {
+    EXPECT_EQ(Tags(WAVFile(InfoList(WAVChunk("INAM", "One") + WAVChunk("IART", "Some")),
+                           InfoList(WAVChunk("INAM", "Two") + WAVChunk("IART", "")))),
+              "title=Two | creator=Some");
+}
+
+TEST(MediaTagsTest, WAVTextsAreUTF8OrLatin1) {
+    EXPECT_EQ(Tags(WAVFile(InfoList(WAVChunk("INAM", "\xC3\x89t\xC3\xA9")), "")),
+              "title=\xC3\x89t\xC3\xA9");
+    EXPECT_EQ(Tags(WAVFile(InfoList(WAVChunk("INAM", "\xC9t\xE9")), "")),
+              "title=\xC3\x89t\xC3\xA9");
+    const std::string theLong = "x" + std::string(2047, 'y') + std::string(2000, 'z');
+    EXPECT_EQ(
+        Tags(WAVFile(
+            InfoList(WAVChunk("INAM", theLong + std::string(47, 'z') + "\xC3\xA9 and more")), "")),
+        "title=" + theLong + std::string(47, 'z'));
+}
+
+TEST(MediaTagsTest, ListsOfWAVThatLieAreReadAsFarAsTheyGo) {
+    const std::string theTexts = WAVChunk("INAM", "Title") + WAVChunk("IART", "Some");
+    EXPECT_EQ(Tags(WAVFile("", "LIST" + LittleEndian(UINT32_MAX, 4) + "INFO" + theTexts)),
+              "title=Title | creator=Some");
+    EXPECT_EQ(Tags(WAVFile("", "LIST" + LittleEndian(20, 4) + "INFO" + theTexts)), "title=Title");
+    EXPECT_EQ(Tags(WAVFile("", InfoList("INAM" + LittleEndian(UINT32_MAX, 4) + "Title"))),
+              "title=Title");
+    EXPECT_EQ(Tags(WAVFile("", InfoList(theTexts).substr(0, 24))), "title=Titl");
+    EXPECT_EQ(Tags(WAVFile("", "LIST" + LittleEndian(3, 4) + "INF")), "");
+    EXPECT_EQ(Tags(WAVFile("", InfoList("INA"))), "");
+}
+
+TEST(MediaTagsTest, TheLongFormOfWAVHasItsListBehindTheData) {
+    const std::string theSizes =
+        WAVChunk("ds64", LittleEndian(0, 8) + LittleEndian(6, 8) + LittleEndian(0, 8));
+    const std::string theList = InfoList(WAVChunk("INAM", "Title"));
+    EXPECT_EQ(Tags(WAVFile(theSizes, theList, Raw("data\xFF\xFF\xFF\xFF") + "sounds")),
+              "title=Title");
+    EXPECT_EQ(Tags(WAVFile("", theList, Raw("data\xFF\xFF\xFF\xFF") + "sounds")), "");
+}
+
+TEST(MediaTagsTest, WAVFilesOfManyChunksDoNotKeepTheReaderBusy) {
+    std::string theTexts;
+    for (int i = 0; i < 300000; ++i) {
+        theTexts += WAVChunk("INAM", "x");
+    }
+    EXPECT_EQ(Tags(WAVFile("", InfoList(theTexts))), "title=x");
+}
+
+// GIF
+
+std::string GIFFile(const std::string& anExtensions, const std::string& aColors = "") {
+    return "GIF89a" + LittleEndian(5, 2) + LittleEndian(4, 2) +
+           (aColors.empty() ? Raw("\0") : Raw("\x80")) + Raw("\0\0") + aColors + anExtensions;
+}
+
+std::string GIFComment(const std::string& aText) {
+    std::string theBytes = "\x21\xFE";
+    for (size_t i = 0; i < aText.size(); i += 255) {
+        const std::string thePart = aText.substr(i, 255);
+        theBytes += LittleEndian(thePart.size(), 1) + thePart;
+    }
+    return theBytes + '\0';
+}
+
+TEST(MediaTagsTest, GIFHasCommentsInFrontOfThePicture) {
+    const std::string theLoop = Raw("\x21\xFF\x0BNETSCAPE2.0\x03\x01\0\0\0");
+    const std::string thePicture = "," + std::string(9, '\0');
+    EXPECT_EQ(Tags(GIFFile(GIFComment("Drawn") + thePicture)), "comment=Drawn");
+    EXPECT_EQ(Tags(GIFFile(theLoop + GIFComment("Drawn") + thePicture, "colors")), "comment=Drawn");
+    EXPECT_EQ(Tags(GIFFile(GIFComment("One") + GIFComment("Two") + GIFComment("") + thePicture)),
+              "comment=Two");
+    EXPECT_EQ(Tags(GIFFile(thePicture + GIFComment("Late"))), "");
+    EXPECT_EQ(Tags(GIFFile(GIFComment("\xE9t\xE9"))), "comment=\xC3\xA9t\xC3\xA9");
+    EXPECT_EQ(Tags(GIFFile(GIFComment(std::string(600, 'c')))), "comment=" + std::string(600, 'c'));
+    EXPECT_EQ(Tags(GIFFile(GIFComment(std::string(5000, 'c')))),
+              "comment=" + std::string(4096, 'c'));
+}
+
+TEST(MediaTagsTest, CommentsOfGIFThatAreCutShortAreReadAsFarAsTheyGo) {
+    EXPECT_EQ(Tags(GIFFile("\x21\xFE\x05"
+                           "Drawn")),
+              "comment=Drawn");
+    EXPECT_EQ(Tags(GIFFile("\x21\xFE\x06"
+                           "Drawn")),
+              "");
+    EXPECT_EQ(Tags(GIFFile("\x21\xFE")), "");
+    EXPECT_EQ(Tags(GIFFile("\x21")), "");
+    std::string theExtensions;
+    for (int i = 0; i < 100000; ++i) {
+        theExtensions += Raw("\x21\xF9\0");
+    }
+    EXPECT_EQ(Tags(GIFFile(theExtensions + GIFComment("far"))), "");
 }
 
 }  // namespace

@@ -209,6 +209,13 @@ class Library(LibraryScratch):
         self.assertNotIn('genre', output)
         self.assertIn("-   track*          3\n", self.ask('lib info 1'))
 
+    def test_comments_are_shown_and_kept(self):
+        self.write(b'm/a.gif', GIF + b'\x21\xfe\x08Take\x1b\n 2\0')
+        self.ask('lib scan m')
+        for _ in range(2):
+            self.assertIn('-   comment         Take\\x1B\\x0A 2\n', self.ask('lib info 1'))
+        self.assertEqual(self.run_lines('lib set 1 comment x'), (1, "ERROR: There is no key 'comment'\n"))
+
     def test_a_merge_outlives_the_program(self):
         self.write(b'm/a.gif')
         self.write(b'm/b.gif')

@@ -360,6 +360,38 @@ class TagsTest(unittest.TestCase):
         self.assertEqual(self.same_as_ffprobe('p.oga', {'title': 'x'}),
                          ('image/png', self.read('cover.png')))
 
+    # WAV
+
+    def test_wav_lists(self):
+        for words in (WORDS, PLAIN):
+            words = {key: value for key, value in words.items() if key != 'disc'}
+            for options in ([], ['-rf64', 'always'], ['-c:a', 'adpcm_ima_wav'], ['-ac', '6'],
+                            ['-c:a', 'pcm_u8', '-t', '0.2501']):
+                name = self.ffmpeg('w.wav', {**words, 'comment': 'Take 2'}, *options)
+                self.assertEqual(self.ours(name)[0].get('comment'), 'Take 2')
+                tags, _ = self.ours(name)
+                tags.pop('comment')
+                self.assertEqual(tags, self.ffprobe(name))
+                self.assertEqual(tags['title'], words['title'])
+                report = json.loads(run('exiftool', '-j', '-charset', 'RIFF=UTF8', '-RIFF:all',
+                                        self.path(name)))[0]
+                for key, theirs in (('title', 'Title'), ('artist', 'Artist'), ('album', 'Product'),
+                                    ('genre', 'Genre')):
+                    self.assertEqual(tags[key], str(report.get(theirs, tags[key])))
+
+    def test_wav_lists_behind_the_sound(self):
+        texts = b''
+        for name, text in ((b'INAM', 'Ágætis'), (b'IART', 'Björk'), (b'IPRD', 'Homogenic'),
+                           (b'ICRD', '1997-09-22'), (b'IGNR', 'Pop'), (b'ITRK', '7')):
+            data = text.encode() + b'\0'
+            texts += name + len(data).to_bytes(4, 'little') + data + bytes(len(data) % 2)
+        body = b'INFO' + texts
+        sound = self.read('tone.wav')
+        sound += b'LIST' + len(body).to_bytes(4, 'little') + body
+        self.write('b.wav', sound[:4] + (len(sound) - 8).to_bytes(4, 'little') + sound[8:])
+        self.same_as_ffprobe('b.wav', {'title': 'Ágætis', 'artist': 'Björk', 'album': 'Homogenic',
+                                       'date': '1997-09-22', 'genre': 'Pop', 'track': '7'})
+
     # Pictures
 
     def exif_date(self, name):
@@ -397,6 +429,18 @@ class TagsTest(unittest.TestCase):
         self.assertEqual(self.ours('i.png')[0], {'title': '月光 𝄞'})
         run('convert', self.path('cover.png'), '-set', 'Title', 'Drawn', self.path('m.png'))
         self.assertEqual(self.ours('m.png')[0].get('title'), 'Drawn')
+
+    def test_gif_comments(self):
+        for text in ('Drawn', 'Für Elise — 月光', 'long ' * 300):
+            text = text.strip()
+            run('convert', self.path('cover.png'), '-set', 'comment', text, self.path('c.gif'))
+            report = json.loads(run('exiftool', '-j', '-Comment', self.path('c.gif')))[0]
+            self.assertEqual(report['Comment'], text)
+            self.assertEqual(self.ours('c.gif')[0], {'comment': text})
+        run('exiftool', '-q', '-overwrite_original', '-Comment=Written anew', self.path('c.gif'))
+        self.assertEqual(self.ours('c.gif')[0], {'comment': 'Written anew'})
+        run('convert', self.path('cover.png'), '+set', 'comment', self.path('n.gif'))
+        self.assertEqual(self.ours('n.gif')[0], {})
 
     def test_png_compressed_texts_are_left_out(self):
         run('exiftool', '-q', '-o', self.path('z.png'), '-z',

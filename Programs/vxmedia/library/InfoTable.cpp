@@ -54,6 +54,10 @@ vxCString MakeInfoTable(const MediaItem& anItem, const vxCString& aPicture) {
                              EscapeForTerminal(theValue, ModeOf(*theRow))});
         }
     }
+    if (!anItem.GetTags().mComment.IsEmpty()) {
+        theTable.AddRow(
+            {"-", "comment", EscapeForTerminal(anItem.GetTags().mComment, EscapeMode::Text)});
+    }
     if (!theInfo.GetCoverArtMimeType().IsEmpty()) {
         theTable.AddRow({"-", "cover", EscapeForTerminal(CoverText(theInfo), EscapeMode::Text)});
     }

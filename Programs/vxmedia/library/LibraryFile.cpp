@@ -108,6 +108,7 @@ void AddTags(vxJSONObject& anObject, const MediaTags& aTags) {
     AddText(anObject, "album", aTags.mAlbum);
     AddText(anObject, "genre", aTags.mGenre);
     AddText(anObject, "date", aTags.mDate);
+    AddText(anObject, "comment", aTags.mComment);
     AddNumber(anObject, "track", aTags.mTrack);
     AddNumber(anObject, "disc", aTags.mDisc);
     AddCoverArt(anObject, aTags.mCoverArt);
@@ -451,6 +452,7 @@ void TakeTags(Record& aRecord, MediaTags& aTags) {
     aTags.mAlbum = aRecord.Text("album");
     aTags.mGenre = aRecord.Text("genre");
     aTags.mDate = aRecord.Text("date");
+    aTags.mComment = aRecord.Text("comment");
     aTags.mTrack = aRecord.Number16("track");
     aTags.mDisc = aRecord.Number16("disc");
     TakeCoverArt(aRecord, aTags.mCoverArt);

@@ -116,6 +116,14 @@ vxCString TextOfUTF8(const uint8_t* aBytes, size_t aCount) {
     return theText;
 }
 
+// A text that is too long may have been cut inside a character.
+vxCString TextOfUTF8OrLatin1(const uint8_t* aBytes, size_t aCount) {
+    const vxCString theText = TextOfUTF8(aBytes, aCount);
+    const size_t theLength = strnlen(reinterpret_cast<const char*>(aBytes), aCount);
+    const bool theIsCut = aCount == kTag_MaxText && theLength - theText.length() < 4;
+    return theText.length() == theLength || theIsCut ? theText : TextOfLatin1(aBytes, aCount);
+}
+
 vxCString TextOfUTF16(const uint8_t* aBytes, size_t aCount, bool afBigEndian) {
     vxCString theText;
     uint32_t theHigh = 0;  // a surrogate that waits for its other half

@@ -59,21 +59,23 @@ struct CoverArt {
 /// What a media file tells about itself in words. All text is valid UTF-8; empty is unknown.
 ///
 /// MP3 has ID3 of versions 2.2 to 2.4, else of version 1; FLAC and Ogg have Vorbis comments and picture
-/// blocks; JPEG has the date of EXIF; PNG has that too, and texts, of which compressed ones are left out:
-/// nothing here inflates them. Several values of one kind stand side by side with a ';' between them.
+/// blocks; WAV has the list INFO; JPEG has the date of EXIF; PNG has that too, and texts, of which
+/// compressed ones are left out: nothing here inflates them; GIF has comments. Several values of one kind stand side by side with a ';' between them.
 struct MediaTags {
     vxCString mTitle;
     vxCString mCreator;
     vxCString mAlbum;
     vxCString mGenre;
-    vxCString mDate;  // "2015", "2015-06-30", "2015-06-30 18:00" or what else the file says
+    vxCString mDate;     // "2015", "2015-06-30", "2015-06-30 18:00" or what else the file says
+    vxCString mComment;  // of WAV and GIF
     uint16_t mTrack = 0;
     uint16_t mDisc = 0;
     CoverArt mCoverArt;
 
     bool IsEmpty() const {
         return mTitle.IsEmpty() && mCreator.IsEmpty() && mAlbum.IsEmpty() && mGenre.IsEmpty() &&
-               mDate.IsEmpty() && mTrack == 0 && mDisc == 0 && !mCoverArt.IsThere();
+               mDate.IsEmpty() && mComment.IsEmpty() && mTrack == 0 && mDisc == 0 &&
+               !mCoverArt.IsThere();
     }
 
     /// Takes a picture unless there is a better one: the first front cover, else the first.
@@ -95,6 +97,9 @@ vxCString TextOfLatin1(const uint8_t* aBytes, size_t aCount);
 vxCString TextOfUTF8(const uint8_t* aBytes, size_t aCount);
 vxCString TextOfUTF16(const uint8_t* aBytes, size_t aCount, bool afBigEndian);
 /// @}
+
+/// A text in UTF-8 where the bytes are that, else in Latin-1: of formats that do not say which.
+vxCString TextOfUTF8OrLatin1(const uint8_t* aBytes, size_t aCount);
 
 /// Takes the zeros away that stand behind each 0xFF.
 void Resynchronise(std::vector<uint8_t>& aBytes);

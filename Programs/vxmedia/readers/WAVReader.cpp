@@ -1,7 +1,8 @@
 // WAV: chunks with little-endian lengths; "fmt " tells the coding, "data" how much of it there is.
 //
 // RF64 is the same with a 64-bit length of the data in a chunk of its own. A length that says more
-// than the file holds is cut to what is there, as programs that write into a pipe leave one.
+// than the file holds is cut to what is there, as programs that write into a pipe leave one. Lists of
+// the kind INFO, before the data or behind it, hold texts.
 
 #include <algorithm>
 #include <cstring>
@@ -17,6 +18,7 @@ namespace {
 constexpr uint32_t kWAV_PCM = 1;
 constexpr uint32_t kWAV_Extensible = 0xFFFE;
 constexpr uint32_t kWAV_LengthElsewhere = 0xFFFFFFFF;
+constexpr int kWAV_MaxChunks = 256;     // that are looked at for texts, and texts in one list
 constexpr size_t kWAV_FormatSize = 26;  // up to the coding that the extensible form names
 
 struct WAVCoding {
@@ -174,8 +176,95 @@ const char* ReadWAV(MediaSource& aSource, uint64_t aStart, MediaFacts& aFacts) {
     }
 }
 
+struct WAVTexts {
+    vxCString mTitle, mCreator, mAlbum, mGenre, mDate, mComment, mTrack;
+};
+
+constexpr struct {
+    const char* mName;
+    vxCString WAVTexts::*mText;
+} kWAV_Texts[] = {
+    {"INAM", &WAVTexts::mTitle}, {"IART", &WAVTexts::mCreator}, {"IPRD", &WAVTexts::mAlbum},
+    {"IGNR", &WAVTexts::mGenre}, {"ICRD", &WAVTexts::mDate},    {"ICMT", &WAVTexts::mComment},
+    {"IPRT", &WAVTexts::mTrack}, {"ITRK", &WAVTexts::mTrack},
+};
+
+// The last text of a kind counts: it was added last.
+void ReadWAVText(MediaSource& aSource, const char* aName, uint64_t aPos, uint64_t aSize,
+                 WAVTexts& aTexts) {
+    for (const auto& theRow : kWAV_Texts) {
+        if (memcmp(aName, theRow.mName, 4) == 0) {
+            uint8_t theBytes[kTag_MaxText];
+            const size_t theCount = aSource.Read(
+                aPos, theBytes, static_cast<size_t>(std::min<uint64_t>(aSize, kTag_MaxText)));
+            const vxCString theText = TextOfUTF8OrLatin1(theBytes, theCount);
+            if (!theText.IsEmpty()) {
+                aTexts.*theRow.mText = theText;
+            }
+        }
+    }
+}
+
+// Calls aTake with name, position and size of the chunks from aPos on until one has no part before
+// anEnd, or until aTake refuses one.
+template <typename Take>
+void ForEachChunk(MediaSource& aSource, uint64_t aPos, uint64_t anEnd, Take aTake) {
+    uint8_t theHead[8];
+    for (int i = 0; i < kWAV_MaxChunks && aPos + sizeof(theHead) <= anEnd &&
+                    aSource.ReadExactly(aPos, theHead, sizeof(theHead));
+         ++i) {
+        const uint64_t theData = aPos + sizeof(theHead);
+        uint64_t theSize = vxBitString::LittleEndianTouint32(theHead + 4);
+        if (!aTake(reinterpret_cast<const char*>(theHead), theData, theSize) ||
+            theSize > anEnd - theData) {
+            return;
+        }
+        aPos = theData + theSize + (theSize & 1);
+    }
+}
+
+void ReadWAVList(MediaSource& aSource, uint64_t aPos, uint64_t aSize, WAVTexts& aTexts) {
+    uint8_t theForm[4];
+    if (aSize < sizeof(theForm) || !aSource.ReadExactly(aPos, theForm, sizeof(theForm)) ||
+        memcmp(theForm, "INFO", 4) != 0) {
+        return;
+    }
+    const uint64_t theEnd = std::min(aPos + aSize, aSource.Size());
+    ForEachChunk(aSource, aPos + sizeof(theForm), theEnd,
+                 [&](const char* aName, uint64_t aDataPos, uint64_t& aDataSize) {
+                     ReadWAVText(aSource, aName, aDataPos, std::min(aDataSize, theEnd - aDataPos),
+                                 aTexts);
+                     return true;
+                 });
+}
+
+void ReadWAVTags(MediaSource& aSource, uint64_t aStart, MediaTags& aTags) {
+    WAVHeader theHeader;
+    WAVTexts theTexts;
+    ForEachChunk(aSource, aStart + 12, aSource.Size(),
+                 [&](const char* aName, uint64_t aPos, uint64_t& aSize) {
+                     if (memcmp(aName, "LIST", 4) == 0) {
+                         ReadWAVList(aSource, aPos, aSize, theTexts);
+                     } else if (memcmp(aName, "ds64", 4) == 0) {
+                         ReadLongSize(aSource, aPos, theHeader);
+                     } else if (memcmp(aName, "data", 4) == 0 && aSize == kWAV_LengthElsewhere &&
+                                theHeader.mLongSize != 0) {
+                         aSize = theHeader.mLongSize;
+                     }
+                     return true;
+                 });
+    SetTag(aTags.mTitle, theTexts.mTitle);
+    SetTag(aTags.mCreator, theTexts.mCreator);
+    SetTag(aTags.mAlbum, theTexts.mAlbum);
+    SetTag(aTags.mGenre, theTexts.mGenre);
+    SetTag(aTags.mDate, theTexts.mDate);
+    SetTag(aTags.mComment, theTexts.mComment);
+    SetTag(aTags.mTrack, theTexts.mTrack);
+}
+
 }  // namespace
 
-const MediaFormat kMediaFormat_WAV = {"WAV", ",wav,wave,", false, RecognizeWAV, ReadWAV, nullptr};
+const MediaFormat kMediaFormat_WAV = {"WAV",        ",wav,wave,", false,
+                                      RecognizeWAV, ReadWAV,      ReadWAVTags};
 
 }  // namespace vxmedia
