@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <libvxLog/Log.h>
+#include <libvxOS/Debug.h>
 #include <pthread.h>
 
 #include <cerrno>
@@ -37,6 +38,8 @@ struct ScriptedThreads {
 };
 
 thread_local ScriptedThreads* ScriptedThreads::sCurrent = nullptr;
+
+std::function<void()> sAtNaming;  // called in a thread before it gets its name
 
 }  // namespace
 
@@ -77,6 +80,13 @@ void vxThread_Sleep(uint32_t aMSDuration) {
     VXTEST_REAL(vxThread_Sleep)(aMSDuration);
 }
 
+void vxDebug_SetThreadName(const char* aName) {
+    if (sAtNaming) {
+        sAtNaming();
+    }
+    VXTEST_REAL(vxDebug_SetThreadName)(aName);
+}
+
 int vxThread_SetPriority(uint16_t aPriority) {
     auto* theScript = ScriptedThreads::sCurrent;
     if (theScript == nullptr) {
@@ -88,11 +98,13 @@ int vxThread_SetPriority(uint16_t aPriority) {
 
 namespace {
 
+using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;
 using testing::MatchesRegex;
+using testing::Not;
 
 static_assert(kvxThreadState_NotCreated == 0 && kvxThreadState_Created == 1 &&
               kvxThreadState_Starting == 2 && kvxThreadState_Started == 3 &&
@@ -296,6 +308,17 @@ TEST(StoppableThreadTest, BodyRunsUnderTheNameInAThreadOfItsOwn) {
     EXPECT_NE(theNumber, vxThread_GetCurrentThreadID());
     EXPECT_TRUE(theIsOwn);
     EXPECT_EQ(theState, 3);
+}
+
+TEST(StoppableThreadTest, ThreadHasItsNameBeforeItHasStarted) {
+    int theState = -1;
+    Worker theWorker;
+    sAtNaming = [&] { theState = theWorker.GetThreadState(); };
+    ASSERT_EQ(theWorker.ThreadCreate(), 0);
+    theWorker.Go(kvxThreadState_Started);
+    theWorker.ThreadWaitTerminate();
+    sAtNaming = nullptr;
+    EXPECT_EQ(theState, 2);
 }
 
 TEST(StoppableThreadTest, LifeOfAJoinableThreadIsLogged) {
@@ -580,6 +603,7 @@ TEST(StoppableThreadTest, FailedWaitIsLoggedAndTerminatesAllTheSame) {
     EXPECT_EQ(theLast.mText, "Error waiting termination of thread 'worker' (Error = 22)\n");
     EXPECT_EQ(theLast.mLevel, VXLOGLEVEL_ERROR);
     EXPECT_EQ(theLast.mModule, VXLOG_M_THREADING);
+    EXPECT_THAT(theReports.LogTexts(), Not(Contains("Thread 'worker' terminated\n")));
     theWorker.ThreadWaitTerminate();  // for the end of Entry()
 }
 
