@@ -32,6 +32,7 @@
 #include "support/Text.h"
 #include "vx/File.h"
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -610,6 +611,42 @@ TEST(FileCacheManagerTest, AFileMayBeClosedBeforeItIsReported) {
     }
     EXPECT_FALSE(theDir.Has("a"));
     EXPECT_TRUE(theDir.Has("b"));
+}
+
+TEST(FileCacheManagerTest, AFileThatIsGoneWhenItIsReportedCountsNothing) {
+    const TempDir theDir;
+    const Manager theManager = NewManager(theDir, 100);
+    const File theFile = Open(theManager, "gone");
+    ASSERT_TRUE(theFile->ChangeSize(60));
+    theFile->Close();
+    std::filesystem::remove(theDir / "gone");
+    theManager->SetCachedFileState("gone", theFile.get(), true);
+    Produce(theManager, "a", 100);
+    EXPECT_TRUE(theDir.Has("a"));
+    Reports theReports;
+    Produce(theManager, "b", 1);
+    EXPECT_THAT(
+        CacheTexts(theReports),
+        ElementsAre("D Adding file 'b' to cache\n",
+                    "I About to remove files from cache current size 101 > 100\n",
+                    "D Removing file 'gone' from cache\n", "D Removing file 'a' from cache\n",
+                    "I After removal cache size is 1\n"));
+}
+
+TEST(FileCacheManagerTest, TheSizeFoundAtTheStartIsLoggedInWholeKilobytes) {
+    const struct {
+        size_t mBytes;
+        const char* mText;
+    } theRows[] = {{0, "0"}, {1023, "0"}, {1024, "1"}, {2047, "1"}, {2048, "2"}, {1048576, "1024"}};
+    for (const auto& theRow : theRows) {
+        SCOPED_TRACE(theRow.mBytes);
+        const TempDir theDir;
+        theDir.Write("file", std::string(theRow.mBytes, 'x'));
+        Reports theReports;
+        const Manager theManager = NewManager(theDir);
+        const std::string theText = std::string("I Cache size is ") + theRow.mText + " KB\n";
+        EXPECT_THAT(CacheTexts(theReports), Contains(theText));
+    }
 }
 
 // Making room
