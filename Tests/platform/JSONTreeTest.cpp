@@ -248,6 +248,22 @@ TEST(JSONTreeTest, MembersAreFoundByPositionToo) {
     EXPECT_EQ(Print(theTree), "{\"b\":2}");
 }
 
+TEST(JSONTreeTest, NamesOfOneLengthDifferAtEveryPlace) {
+    for (size_t theLength = 1; theLength <= 40; ++theLength) {
+        const Tree theTree(vxJSON_CreateObject());
+        const std::string thePlain(theLength, 'n');
+        for (size_t i = 0; i < theLength; ++i) {
+            std::string theName = thePlain;
+            theName[i] = 'x';
+            EXPECT_EQ(vxJSON_GetObjectItem(theTree.get(), theName.c_str()), nullptr);
+            vxJSON_t* theItem = NewNumber(i);
+            vxJSON_AddItemToObject(theTree.get(), theName.c_str(), theItem);
+            EXPECT_EQ(vxJSON_GetObjectItem(theTree.get(), theName.c_str()), theItem);
+        }
+        EXPECT_EQ(vxJSON_GetObjectItem(theTree.get(), thePlain.c_str()), nullptr);
+    }
+}
+
 TEST(JSONTreeTest, NamesMayComeFromTheItemOrFromWhatItReplaces) {
     const Tree theTree = Parse("{\"name\":1}");
     vxJSON_t* theOld = vxJSON_GetObjectItem(theTree.get(), "name");

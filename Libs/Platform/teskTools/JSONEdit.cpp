@@ -77,7 +77,7 @@ void vxBuildTable(const vxJSON_t* aContainer, vxJSONOrder anOrder) {
 }
 
 /// Counts a lookup that had far to walk; one too many, and the container gets a table.
-void vxCountLookup(const vxJSON_t* aContainer, vxJSONOrder anOrder) {
+__attribute__((noinline)) void vxCountLookup(const vxJSON_t* aContainer, vxJSONOrder anOrder) {
     uint64_t theWord = vxContainerWord(aContainer);
     if ((theWord & kvxHasBody) != 0 ||
         ((theWord >> kvxLookupShift) & kvxLookupMask) == kvxFreeLookups) {
@@ -109,7 +109,24 @@ vxJSON_t* vxWalkTo(const vxJSONChildren& aChildren, uint32_t anIndex) {
     return theNode;
 }
 
-vxJSON_t* vxChildAt(const vxJSON_t* aContainer, uint32_t anIndex) {
+/// Finds a child that is far from both ends, or that a table is to be asked for.
+__attribute__((noinline)) vxJSON_t* vxFarChildAt(const vxJSON_t* aContainer, uint32_t anIndex) {
+    vxJSONTable* theTable = vxTable(aContainer, vxJSONOrder::kByPosition);
+    if (theTable == nullptr) {
+        vxCountLookup(aContainer, vxJSONOrder::kByPosition);
+        theTable = vxTable(aContainer, vxJSONOrder::kByPosition);
+    }
+    if (theTable == nullptr) {
+        return vxWalkTo(vxChildren(aContainer), anIndex);
+    }
+    if (vxKind(aContainer) == vxJSONKind::kObject) {
+        vxTable_Remember(theTable, anIndex);
+    }
+    return vxTable_At(theTable, anIndex);
+}
+
+// What is near, and items of an array that has its table, are found without a call.
+inline vxJSON_t* vxChildAt(const vxJSON_t* aContainer, uint32_t anIndex) {
     const vxJSONChildren theChildren = vxChildren(aContainer);
     if (anIndex >= theChildren.mCount) {
         return nullptr;
@@ -120,18 +137,10 @@ vxJSON_t* vxChildAt(const vxJSON_t* aContainer, uint32_t anIndex) {
     if (anIndex < kvxWalkToItem) {
         return vxWalkTo(theChildren, anIndex);
     }
-    vxJSONTable* theTable = vxTable(aContainer, vxJSONOrder::kByPosition);
-    if (theTable == nullptr) {
-        vxCountLookup(aContainer, vxJSONOrder::kByPosition);
-        theTable = vxTable(aContainer, vxJSONOrder::kByPosition);
-    }
-    if (theTable == nullptr) {
-        return vxWalkTo(theChildren, anIndex);
-    }
-    if (vxKind(aContainer) == vxJSONKind::kObject) {
-        vxTable_Remember(theTable, anIndex);
-    }
-    return vxTable_At(theTable, anIndex);
+    const vxJSONTable* theTable = vxKind(aContainer) == vxJSONKind::kArray
+                                      ? vxTable(aContainer, vxJSONOrder::kByPosition)
+                                      : nullptr;
+    return theTable != nullptr ? vxTable_At(theTable, anIndex) : vxFarChildAt(aContainer, anIndex);
 }
 
 /// As vxChildAt(), with the sibling in front of it.
@@ -144,44 +153,57 @@ vxJSONLocation vxLocateItem(const vxJSON_t* anArray, uint32_t anIndex) {
     return {vxNext(thePrevious), thePrevious};
 }
 
-vxJSONLocation vxWalkToName(const vxJSON_t* anObject, const vxJSONChildren& aChildren,
-                            const vxJSONKey& aKey) {
-    if (aChildren.mLast == nullptr) {
+__attribute__((noinline)) vxJSONLocation vxCounted(const vxJSON_t* anObject,
+                                                   const vxJSONLocation& aLocation) {
+    vxCountLookup(anObject, vxJSONOrder::kByName);
+    return aLocation;
+}
+
+inline vxJSONLocation vxWalkToName(const vxJSON_t* anObject, vxJSON_t* aLast,
+                                   const vxJSONKey& aKey) {
+    if (aLast == nullptr) {
         return {nullptr, nullptr};
     }
     uint32_t theSteps = 0;
-    vxJSON_t* thePrevious = aChildren.mLast;
+    vxJSON_t* thePrevious = aLast;
     vxJSON_t* theNode = vxNext(thePrevious);
     while (!aKey.Matches(theNode)) {
         ++theSteps;
         thePrevious = theNode;
-        if (theNode == aChildren.mLast) {
+        if (theNode == aLast) {
             theNode = nullptr;
             break;
         }
         theNode = vxNext(theNode);
     }
-    if (theSteps > kvxWalkToName) {
-        vxCountLookup(anObject, vxJSONOrder::kByName);
-    }
-    return {theNode, thePrevious};
+    const vxJSONLocation theLocation = {theNode, thePrevious};
+    return theSteps > kvxWalkToName ? vxCounted(anObject, theLocation) : theLocation;
 }
 
-vxJSONLocation vxLocateMember(const vxJSON_t* anObject, const char* aName) {
+inline vxJSONLocation vxFindInTable(const vxJSONTable* aTable, vxJSON_t* aLast,
+                                    const vxJSONKey& aKey) {
+    vxJSONLocation theLocation = vxTable_Find(aTable, aKey);
+    if (theLocation.mNode != nullptr && theLocation.mNode == vxNext(aLast)) {
+        theLocation.mPrevious = aLast;
+    }
+    return theLocation;
+}
+
+inline vxJSONLocation vxLocateMember(const vxJSON_t* anObject, const char* aName) {
     if (!vxIsKind(anObject, vxJSONKind::kObject) || aName == nullptr) {
         return {nullptr, nullptr};
     }
     const vxJSONKey theKey(aName);
-    const vxJSONTable* theTable = vxTable(anObject, vxJSONOrder::kByName);
-    const vxJSONChildren theChildren = vxChildren(anObject);
-    if (theTable == nullptr) {
-        return vxWalkToName(anObject, theChildren, theKey);
+    const uint64_t theWord = vxContainerWord(anObject);
+    vxJSON_t* theLast = vxPointer<vxJSON_t>(theWord);
+    if ((theWord & kvxHasBody) != 0) {
+        const vxJSONTable* theTable = vxTable(anObject, vxJSONOrder::kByName);
+        theLast = vxPointer<vxJSONBody>(theWord)->mLast;
+        if (theTable != nullptr) {
+            return vxFindInTable(theTable, theLast, theKey);
+        }
     }
-    vxJSONLocation theLocation = vxTable_Find(theTable, theKey);
-    if (theLocation.mNode != nullptr && theLocation.mNode == vxNext(theChildren.mLast)) {
-        theLocation.mPrevious = theChildren.mLast;
-    }
-    return theLocation;
+    return vxWalkToName(anObject, theLast, theKey);
 }
 
 // ---- Linking
@@ -293,37 +315,62 @@ void vxFollowReplace(vxJSON_t* aContainer, uint32_t anIndex, vxJSON_t* anOld, vx
     }
 }
 
-vxJSON_t* vxUnlink(vxJSON_t* aContainer, uint32_t anIndex, const vxJSONLocation& aLocation) {
-    const vxJSONChildren theChildren = vxChildren(aContainer);
-    const bool fAlone = theChildren.mCount == 1;
+__attribute__((noinline)) void vxForgetIndexed(vxJSON_t* aContainer, uint32_t anIndex,
+                                               const vxJSONLocation& aLocation) {
+    vxJSONBody* theBody = vxBody(aContainer);
+    const bool fLast = aLocation.mNode == theBody->mLast;
+    if (--theBody->mCount == 0) {
+        theBody->mLast = nullptr;
+    } else if (fLast) {
+        theBody->mLast = aLocation.mPrevious;
+    }
+    vxFollowRemove(aContainer, anIndex, aLocation);
+}
+
+inline vxJSON_t* vxUnlink(vxJSON_t* aContainer, uint32_t anIndex, const vxJSONLocation& aLocation) {
+    uint64_t* theWord = vxValueWord(aContainer);
     vxSetNext(aLocation.mPrevious, vxNext(aLocation.mNode));
-    const bool fLast = aLocation.mNode == theChildren.mLast;
-    vxJSON_t* theLast = fLast ? aLocation.mPrevious : theChildren.mLast;
-    vxSetChildren(aContainer, fAlone ? nullptr : theLast, theChildren.mCount - 1);
-    if (vxBody(aContainer) != nullptr) {
-        vxFollowRemove(aContainer, anIndex, aLocation);
+    if ((*theWord & kvxHasBody) != 0) {
+        vxForgetIndexed(aContainer, anIndex, aLocation);
+    } else {
+        const uint64_t theLess = *theWord - (uint64_t{1} << kvxCountShift);
+        if (theLess >> kvxCountShift == 0) {
+            *theWord = theLess & ~kvxPointerMask;
+        } else if (vxPointer<vxJSON_t>(theLess) == aLocation.mNode) {
+            *theWord = (theLess & ~kvxPointerMask) | vxWord(aLocation.mPrevious);
+        } else {
+            *theWord = theLess;
+        }
     }
     vxSetNext(aLocation.mNode, nullptr);
     return aLocation.mNode;
 }
 
+__attribute__((noinline)) void vxReplaceIndexed(vxJSON_t* aContainer, uint32_t anIndex,
+                                                vxJSON_t* anOld, vxJSON_t* anItem) {
+    vxJSONBody* theBody = vxBody(aContainer);
+    if (theBody->mLast == anOld) {
+        theBody->mLast = anItem;
+    }
+    vxFollowReplace(aContainer, anIndex, anOld, anItem);
+}
+
 /// Puts `anItem` in the place of the located child, which is a root then.
-void vxReplace(vxJSON_t* aContainer, uint32_t anIndex, const vxJSONLocation& aLocation,
-               vxJSON_t* anItem) {
-    const vxJSONChildren theChildren = vxChildren(aContainer);
-    if (theChildren.mCount == 1) {
-        vxSetNext(anItem, anItem);
-    } else {
-        vxSetNext(anItem, vxNext(aLocation.mNode));
+inline void vxReplace(vxJSON_t* aContainer, uint32_t anIndex, const vxJSONLocation& aLocation,
+                      vxJSON_t* anItem) {
+    vxJSON_t* theOld = aLocation.mNode;
+    const bool fAlone = aLocation.mPrevious == theOld;
+    vxSetNext(anItem, fAlone ? anItem : vxNext(theOld));
+    if (!fAlone) {
         vxSetNext(aLocation.mPrevious, anItem);
     }
-    if (aLocation.mNode == theChildren.mLast) {
-        vxSetChildren(aContainer, anItem, theChildren.mCount);
+    uint64_t* theWord = vxValueWord(aContainer);
+    if ((*theWord & kvxHasBody) != 0) {
+        vxReplaceIndexed(aContainer, anIndex, theOld, anItem);
+    } else if (vxPointer<vxJSON_t>(*theWord) == theOld) {
+        *theWord = (*theWord & ~kvxPointerMask) | vxWord(anItem);
     }
-    if (vxBody(aContainer) != nullptr) {
-        vxFollowReplace(aContainer, anIndex, aLocation.mNode, anItem);
-    }
-    vxSetNext(aLocation.mNode, nullptr);
+    vxSetNext(theOld, nullptr);
 }
 
 bool vxNameItem(vxJSON_t* anItem, const char* aName) {

@@ -61,11 +61,12 @@ private:
         if (mLength <= 8) {
             return SameAt<uint32_t>(aName + mLength - 4, mName + mLength - 4);
         }
-        if (mLength <= 16) {
-            return SameAt<uint64_t>(aName, mName) &&
-                   SameAt<uint64_t>(aName + mLength - 8, mName + mLength - 8);
+        for (size_t i = 0; i < mLength - 8; i += 8) {
+            if (!SameAt<uint64_t>(aName + i, mName + i)) {
+                return false;
+            }
         }
-        return memcmp(aName, mName, mLength) == 0;
+        return SameAt<uint64_t>(aName + mLength - 8, mName + mLength - 8);
     }
 
     const char* mName;
