@@ -319,6 +319,20 @@ TEST_F(DateTimeTest, YearsFrom1970To2037AreInRange) {
     ExpectInvalid(theDate);
 }
 
+TEST_F(DateTimeTest, TheSecondBeforeTheEpochIsInvalidForTheFullSetterOnly) {
+    // In Paris the epoch is at one o'clock, so the second before it lies in 1970.
+    LocalZone::Set("Europe/Paris");
+    ExpectInvalid(vxDateTime(1, vxDateTime::Jan, 1970, 0, 59, 59, 500));
+    EXPECT_THAT(mReports.Assertions(), IsEmpty());
+    // The time of day writes its milliseconds in any case, and they make the value valid.
+    vxDateTime theDate(7L);
+    theDate.Set(0, 59, 59, 500);
+    EXPECT_THAT(mReports.Assertions(), ElementsAre("IsValid()"));
+    EXPECT_TRUE(theDate.IsValid());
+    EXPECT_EQ(theDate.GetTicks(), -1);
+    EXPECT_EQ(theDate.GetMillisecond(), 500);
+}
+
 TEST_F(DateTimeTest, ResetIsTheValidEpoch) {
     vxDateTime theDate;
     theDate.Reset();
