@@ -243,10 +243,12 @@ TEST(ErrorTest, AssigningAnErrorWithoutHistoryKeepsTheOldHistory) {
 TEST(ErrorTest, AssigningItselfDoesNothing) {
     vxError theError = ChainOfThree();
     const vxError& theAlias = theError;
+    const char* theModule = theError.GetModule();
 
     theError = theAlias;
 
     EXPECT_EQ(TextOf(theError), TextOf(ChainOfThree()));
+    EXPECT_EQ(theError.GetModule(), theModule);
 }
 
 TEST(ErrorTest, FetchesTheNewestErrorOfAModuleWithItsHistory) {
