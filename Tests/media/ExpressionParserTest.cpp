@@ -330,6 +330,8 @@ constexpr ShapeCase kErrorCases[] = {
     {"a exists yes", "9: true or false"},
     {"a exists True", "9: true or false"},
     {"a exists truex", "13: whitespace"},
+    {" and = = \"x\"", "7: a quoted value"},
+    {" and exists = \"x\"", "12: true or false"},
     {"a = \"1\"and b = \"1\"", "7: whitespace"},
     {"a = \"1\" and", "11: whitespace"},
     {"a = \"1\" and ", "12: a property or \"(\""},
