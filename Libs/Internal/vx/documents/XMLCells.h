@@ -101,11 +101,11 @@ private:
         }
     }
 
-    vxXMLSlab* mSlab = NULL;  // null: none is open
-    char* mPos = NULL;        // the next cell
-    size_t mLeft = 0;         // bytes from there to the slab's end
-    uint32_t mMade = 0;       // cells cut from it
-    size_t mNextSize;         // of the next slab
+    vxXMLSlab* mSlab = NULL;            // null: none is open
+    char* mPos = NULL;                  // the next cell
+    size_t mLeft = 0;                   // bytes from there to the slab's end
+    uint32_t mMade = 0;                 // cells cut from it
+    [[maybe_unused]] size_t mNextSize;  // of the next slab
 };
 
 /// Frees memory of objects, whose destructors have run: cells or blocks of their own. Cells of one slab

@@ -142,9 +142,9 @@ public:
         Add({'&', '&'}, kvxNotInValues);
         Add({'"', '"'}, kvxXML_NotInDouble);
         Add({'\'', '\''}, kvxXML_NotInSingle);
-        for (const uint32_t theBlank : {' ', '\t', '\n', '\r'}) {
-            Add({theBlank, theBlank}, kvxXML_Blank);
-        }
+        Add({'\t', '\n'}, kvxXML_Blank);
+        Add({'\r', '\r'}, kvxXML_Blank);
+        Add({' ', ' '}, kvxXML_Blank);
     }
 
     bool Is(char aByte, unsigned aKinds) const {
