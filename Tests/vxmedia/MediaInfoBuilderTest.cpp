@@ -162,6 +162,7 @@ TEST(MediaInfoBuilderTest, TheTableShowsKeysNamesAndValues) {
                  "ac  audio-channels         2\n"
                  "sf  audio-sampling-rate    44100\n"
                  "bs  audio-bits-per-sample  16\n"
+                 "-   comment                Take 2\n"
                  "-   cover                  image/png, 5000 bytes at 2048, unsynchronised, behind "
                  "42 bytes\n"
                  "-   picture                5 by\\x094\n");
