@@ -139,6 +139,11 @@ TEST(TextFileTest, ALineIsLeftAloneAtTheEnd) {
     EXPECT_FALSE(theFile.NextLine(theLine));
     EXPECT_FALSE(theFile.NextLine(theLine));
     EXPECT_EQ(Text(theLine), "a");
+    vxTextFile theLong(theDir.Write("long", "abcdefgh").c_str(), 4);
+    EXPECT_TRUE(theLong.NextLine(theLine));
+    EXPECT_EQ(Text(theLine), "abcd");
+    EXPECT_FALSE(theLong.NextLine(theLine));
+    EXPECT_EQ(Text(theLine), "abcd");
 }
 
 TEST(TextFileTest, LinesThatWereCopiedStay) {

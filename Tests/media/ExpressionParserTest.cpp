@@ -397,6 +397,24 @@ TEST(ExpressionParserTest, SuccessConsumesTheTextAndFailureKeepsIt) {
     EXPECT_EQ(theBad.GetErrorPosition(), 9u);
 }
 
+TEST(ExpressionParserTest, EveryParseTellsItsOwnError) {
+    static const vxExpressionOperand kBinary[] = {
+        {"is", kvxExpressionOperandID_Equal, kvxExpressionValueID_String}, {NULL, 0, 0}};
+    vxExpressionParser theParser("a = \"1\" x");
+    EXPECT_FALSE(theParser.Parse());
+    EXPECT_EQ(theParser.GetErrorPosition(), 8u);
+    theParser.SetBinaryOperands(kBinary);
+    EXPECT_FALSE(theParser.Parse());
+    EXPECT_EQ(theParser.GetErrorPosition(), 2u);
+    EXPECT_STREQ(theParser.GetExpected(), "an operator");
+
+    // Tried as a group first, which fails; then the name begins with the parenthesis.
+    vxExpressionParser theGood("(a = \"1\"");
+    EXPECT_TRUE(theGood.Parse());
+    EXPECT_EQ(theGood.GetErrorPosition(), vxCString::npos);
+    EXPECT_STREQ(theGood.GetExpected(), "");
+}
+
 // Knows "title" as 5 and "size" as 6; no "contains" for sizes, and no "like" at all.
 class LibraryParser : public vxExpressionParser {
 public:
