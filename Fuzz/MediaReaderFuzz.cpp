@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize) {
     const vxmedia::MediaTags& theTags = theReading.mTags;
     for (const vxCString* theText :
          {&theTags.mTitle, &theTags.mCreator, &theTags.mAlbum, &theTags.mGenre, &theTags.mDate,
-          &theTags.mCoverArt.mMimeType}) {
+          &theTags.mComment, &theTags.mCoverArt.mMimeType}) {
         if (!theText->IsValidUTF8()) {
             __builtin_trap();
         }

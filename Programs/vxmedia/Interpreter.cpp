@@ -4,6 +4,17 @@
 
 namespace vxmedia {
 
+namespace {
+
+// Errors about parameters only number them.
+vxCString WithHint(const vxCString& anError) {
+    return anError.Contains(". Type 'help") || !anError.Contains(" parameter")
+               ? anError
+               : anError + "; 'help MODULE' shows what the commands of a module take";
+}
+
+}  // namespace
+
 Interpreter::Interpreter(Console& aConsole) : mConsole(aConsole), mManager(new vxCLIManager) {}
 
 void Interpreter::AddModule(const vxRef<CommandModule>& aModule) {
@@ -30,7 +41,7 @@ bool Interpreter::IsImmediate(const vxCString& aLine) const {
 bool Interpreter::Execute(const vxCString& aLine) {
     const vxRef<vxCLICommand> theCommand = mManager->Parse(aLine);
     if (!theCommand->IsValid()) {
-        mConsole.PrintError(theCommand->GetError());
+        mConsole.PrintError(WithHint(theCommand->GetError()));
         return false;
     }
     if (theCommand->IsExit()) {

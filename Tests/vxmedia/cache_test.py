@@ -7,7 +7,7 @@ import signal
 import subprocess
 import time
 
-from harness import GIF, HUMBLE, PATHS, PROGRAM, OnTerminal, Scratch, ask, main, run, small_disk
+from harness import HINT, GIF, HUMBLE, PATHS, PROGRAM, OnTerminal, Scratch, ask, main, run, small_disk
 
 
 def picture(size, fill=b'x'):
@@ -128,13 +128,13 @@ class Cache(CacheScratch):
         self.write(b'media/b.gif', GIF)
         self.write(b'media/c\x1b.gif', GIF)
         for line, answer in (
-                ('cache cover 0', "ERROR: Invalid parameter 1: '0'"),
+                ('cache cover 0', "ERROR: Invalid parameter 1: '0'" + HINT),
                 ('cache cover 4', 'ERROR: There is no media file 4'),
                 ('cache cover 2', "ERROR: The file 'media/b.gif' has no cover"),
                 ('cache cover 3', "ERROR: The file 'media/c\\x1B.gif' has no cover"),
-                ('cache cover', 'ERROR: Missing parameter 1'),
-                ('cache limit 0', "ERROR: Invalid parameter 1: '0'"),
-                ('cache limit 4097', "ERROR: Invalid parameter 1: '4097'"),
+                ('cache cover', 'ERROR: Missing parameter 1' + HINT),
+                ('cache limit 0', "ERROR: Invalid parameter 1: '0'" + HINT),
+                ('cache limit 4097', "ERROR: Invalid parameter 1: '4097'" + HINT),
                 ('cache empty maybe', None),
                 ('config set cache-limit 4097', "ERROR: 'cache-limit' is a number from 1 to 4096")):
             with self.subTest(line):

@@ -7,7 +7,7 @@ import signal
 import subprocess
 import time
 
-from harness import HUMBLE, PROGRAM, Scratch, ask, main, run, small_disk
+from harness import HINT, HUMBLE, PROGRAM, Scratch, ask, main, run, small_disk
 
 NO_DIRECTORY = "ERROR: There is no configuration directory; '-c' names one at the start\n"
 
@@ -106,7 +106,7 @@ class Config(ConfigScratch):
                 ('config set owner ' + 'x' * 4097, 'ERROR: A value has at most 4096 bytes'),
                 ('config brand none', "ERROR: There is no brand key 'none'; there are MBus, SBus, "
                                       'X_RPC, AppSet'),
-                ('config get', 'ERROR: Missing parameter 1')):
+                ('config get', 'ERROR: Missing parameter 1' + HINT)):
             with self.subTest(line[:40]):
                 self.assertEqual(self.run_lines(line), (1, answer + '\n'))
 

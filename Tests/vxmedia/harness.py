@@ -21,6 +21,7 @@ PATHS = {}  # samples, readme, plugins, bad_plugins
 BANNER = "vxmedia 1.0.0, the media library console. Type 'help' for the modules.\n"
 DEEP = 1000000  # levels of nesting
 
+HINT = "; 'help MODULE' shows what the commands of a module take"  # behind errors about parameters
 GIF = b'GIF89a\x05\x00\x04\x00\x00\x00\x00'  # the smallest picture that is read: 5 by 4
 
 

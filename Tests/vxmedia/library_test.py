@@ -9,7 +9,7 @@ import signal
 import subprocess
 import time
 
-from harness import DEEP, GIF, HUMBLE, PATHS, PROGRAM, Scratch, ask, main, run, small_disk
+from harness import HINT, DEEP, GIF, HUMBLE, PATHS, PROGRAM, Scratch, ask, main, run, small_disk
 
 
 def infos(output):
@@ -147,7 +147,7 @@ class Library(LibraryScratch):
         self.ask('lib scan m')
         for line, answer in (
                 ('lib info 2', 'ERROR: There is no media file 2'),
-                ('lib info', 'ERROR: Missing parameter 1'),
+                ('lib info', 'ERROR: Missing parameter 1' + HINT),
                 ('lib set 2 ti x', 'ERROR: There is no media file 2'),
                 ('lib set 1 zz x', "ERROR: There is no key 'zz'"),
                 ('lib set 1 zz', "ERROR: There is no key 'zz'"),

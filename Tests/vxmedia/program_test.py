@@ -12,7 +12,7 @@ import stat
 import subprocess
 import time
 
-from harness import BANNER, DEEP, GIF, HUMBLE, PATHS, PROGRAM, OnTerminal, Scratch, ask, main, run
+from harness import HINT, BANNER, DEEP, GIF, HUMBLE, PATHS, PROGRAM, OnTerminal, Scratch, ask, main, run
 
 
 class Samples(Scratch):
@@ -273,10 +273,10 @@ class Commands(Scratch):
                                ('timer after 86400001 x', 1), ('timer every 99 x', 1),
                                ('timer cancel 0', 1), ('sys watch ' + '9' * 400, 1)):
             with self.subTest(line):
-                self.assertEqual(ask(line), "ERROR: Invalid parameter %d: '%s'\n" %
-                                 (position, line.split()[2]))
-        self.assertEqual(ask('lib list 1 2'), 'ERROR: Too many parameters\n')
-        self.assertEqual(ask('lib show'), 'ERROR: Missing parameter 1\n')
+                self.assertEqual(ask(line), "ERROR: Invalid parameter %d: '%s'%s\n" %
+                                 (position, line.split()[2], HINT))
+        self.assertEqual(ask('lib list 1 2'), 'ERROR: Too many parameters' + HINT + '\n')
+        self.assertEqual(ask('lib show'), 'ERROR: Missing parameter 1' + HINT + '\n')
         self.assertEqual(ask('lib show 4294967295'), 'ERROR: There is no media file 4294967295\n')
 
     def test_directories_must_exist(self):
@@ -521,7 +521,7 @@ class BadInput(Scratch):
         word = 'x' * (1 << 20)
         self.assertEqual(ask(word), "ERROR: Unknown module '%s'. Type 'help' to display the list of "
                                     "modules\n" % word)
-        self.assertEqual(ask('lib show ' + word), "ERROR: Invalid parameter 1: '%s'\n" % word)
+        self.assertEqual(ask('lib show ' + word), "ERROR: Invalid parameter 1: '%s'%s\n" % (word, HINT))
         self.assertEqual(ask('lib scan ' + word),
                          "ERROR: There is no file or directory '%s'\n" % word)
         self.assertEqual(ask('"' * (1 << 20) + '\nsys version').splitlines()[-1], 'vxmedia 1.0.0')
@@ -540,7 +540,7 @@ class BadInput(Scratch):
                                         "of modules\n" % text)
             self.assertEqual(ask('lib ' + text), "ERROR: Unknown command '%s'. Type 'help lib' to "
                                                  "display the list of commands\n" % text)
-            self.assertEqual(ask('lib show ' + text), "ERROR: Invalid parameter 1: '%s'\n" % text)
+            self.assertEqual(ask('lib show ' + text), "ERROR: Invalid parameter 1: '%s'%s\n" % (text, HINT))
             self.assertEqual(ask('lib scan ' + text),
                              "ERROR: There is no file or directory '%s'\n" % text)
             self.assertEqual(ask('help ' + text), "ERROR: Module '%s' is unknown. Type 'help' to "
@@ -556,7 +556,7 @@ class BadInput(Scratch):
     def test_bytes_that_steer_a_terminal_are_escaped(self):
         self.assertEqual(ask(b'\x1b[2J\xff\x07\n').split('.')[0],
                          "ERROR: Unknown module '\\x1B[2J\\xFF\\x07'")
-        self.assertEqual(ask(b'lib show \xc2\x9b'), "ERROR: Invalid parameter 1: '\\xC2\\x9B'\n")
+        self.assertEqual(ask(b'lib show \xc2\x9b'), "ERROR: Invalid parameter 1: '\\xC2\\x9B'" + HINT + '\n')
         self.assertEqual(ask(b'a\0b\nsys version\n'), 'ERROR: The line holds a NUL byte\nvxmedia 1.0.0\n')
         self.assertEqual(ask('sys json a {"a":"\\u001b\u202e"}'), '"\\u001b\\u202e"\n')
 
