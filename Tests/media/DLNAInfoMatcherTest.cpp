@@ -183,6 +183,10 @@ TEST(DLNAInfoMatcherTest, TheFirstProfileOfANameStays) {
     EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile(NewName().c_str(), "audio/x", "x"));
     EXPECT_FALSE(vxDLNAInfoMatcher::AddProfile(theText, "audio/x-flac", "fla"));
     EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionListFromProfile(theText), "flac");
+    EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile((theName + "a").c_str(), "audio/a", "a"));
+    EXPECT_TRUE(vxDLNAInfoMatcher::AddProfile((theName + "A").c_str(), "audio/b", "b"));
+    EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionListFromProfile((theName + "a").c_str()), "a");
+    EXPECT_STREQ(vxDLNAInfoMatcher::GetExtensionListFromProfile((theName + "A").c_str()), "b");
 }
 
 TEST(DLNAInfoMatcherTest, ANameIsNeeded) {

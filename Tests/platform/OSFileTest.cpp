@@ -394,6 +394,28 @@ TEST(OSFileTest, WhatHasNoPositionsHasNoSizeAndNoEnd) {
     EXPECT_EQ(vxFile_EndOfFile(theEnds[0]), 0);
     vxFile_Close(theEnds[0]);
     vxFile_Close(theEnds[1]);
+    const vxFileFD theNull = Opened("/dev/null", vxFileOpenMode_Read);
+    EXPECT_EQ(vxFile_GetSize(theNull, &theOffset), kvxFileErrorUnknown);
+    EXPECT_EQ(theOffset, kvxFileOffsetInvalid);
+    EXPECT_EQ(vxFile_EndOfFile(theNull), 0);
+    vxFile_Close(theNull);
+}
+
+TEST(OSFileTest, TheLowestDescriptorIsOneLikeAnyOther) {
+    const TempDir theDir;
+    const std::string theFile = theDir.Write("file", "abc");
+    const int theInput = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    vxFileFD theFD = kvxFileFDInvalid;
+    EXPECT_EQ(vxFile_Open(theFile.c_str(), vxFileOpenMode_Read, 3, &theFD), 0);
+    EXPECT_EQ(theFD, 0);
+    EXPECT_EQ(ReadFrom(theFD, 9), "abc");
+    EXPECT_EQ(vxFile_EndOfFile(theFD), 1);
+    EXPECT_EQ(vxFile_Close(theFD), 0);
+    if (theInput >= 0) {
+        dup2(theInput, STDIN_FILENO);
+        close(theInput);
+    }
 }
 
 TEST(OSFileTest, TheEndIsAtTheSizeAndBeyond) {
@@ -497,6 +519,14 @@ TEST(OSFileTest, ModificationTimeIsSetAloneAndReadBack) {
 TEST(OSFileTest, TimesOutOfRangeAreInvalidOrRefused) {
     TempDir theDir;
     const std::string theFile = theDir.Write("file");
+    const vxtimeval kLimits[] = {{1000000000, 0}, {1000000000, 999999}, {INT32_MAX, 0}};
+    for (const vxtimeval& theLimit : kLimits) {
+        vxtimeval theTime = {};
+        EXPECT_EQ(vxFile_SetModificationTime(theFile.c_str(), &theLimit), 0);
+        EXPECT_EQ(vxFile_GetTimes(theFile.c_str(), nullptr, nullptr, &theTime), 0);
+        EXPECT_EQ(theTime.tv_sec, theLimit.tv_sec);
+        EXPECT_EQ(theTime.tv_usec, theLimit.tv_usec);
+    }
     for (const int32_t theMicroseconds : {-1, 1000000}) {
         const vxtimeval theTime = {5, theMicroseconds};
         EXPECT_EQ(vxFile_SetModificationTime(theFile.c_str(), &theTime), kvxFileErrorUnknown);
