@@ -767,6 +767,7 @@ TEST(XMLTest, DocumentsAreSavedIntoFiles) {
     EXPECT_EQ(theSaved(), std::string(kTree) + kTree);
     vxFile theReader(thePath.c_str(), vxFileOpenMode_Read);
     EXPECT_FALSE(theDocument.Save(&theReader, false));
+    EXPECT_FALSE(theDocument.Save(static_cast<vxFile*>(NULL), true));
 }
 
 TEST(XMLTest, AFullMediumFailsTheSave) {

@@ -693,7 +693,7 @@ bool vxXMLDocument::Save(vxFile* aFile, bool afWithDeclaration) const {
         return aText.IsEmpty() || static_cast<vxFile*>(aContext)->Write(
                                       aText.c_str(), aText.length()) == aText.length();
     };
-    return Save(theOutput, aFile, afWithDeclaration);
+    return aFile != NULL && Save(theOutput, aFile, afWithDeclaration);
 }
 
 bool vxXMLDocument::Save(const vxCString& aPath, bool afWithDeclaration) const {

@@ -292,7 +292,7 @@ public:
     /// Fails:    false without a root, and nothing is written; false when a piece could not be written.
     bool Save(vxXMLOutput anOutput, void* aContext, bool afWithDeclaration) const;
 
-    /// As above, into an open file.
+    /// As above, into an open file; false for null.
     bool Save(vxFile* aFile, bool afWithDeclaration) const;
 
     /// As above, into a file that is created or overwritten.
