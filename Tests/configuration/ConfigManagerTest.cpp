@@ -287,8 +287,9 @@ TEST(ConfigManagerTest, NamesAreNotSharedWithTheCaller) {
     vxCString theName("a name that a string holds in a block.ini");
     const char* const theText = theName.c_str();
     const vxRef<vxManagedConfig> theConfig = theManager->GetConfig(theName);
-    theName.SetCharAt(0, 'A');  // a shared block would be copied first
-    EXPECT_EQ(theName.c_str(), theText);
+    const vxRef<vxManagedConfig> theOther = new vxManagedConfig(theManager, theName, NULL);
+    EXPECT_EQ(theName.GetWriteBuf(1), theText);  // a shared block would be copied first
+    theName.UngetWriteBuf();
 }
 
 // Tells whether another thread gets the mutex; the caller must not hold it then.
