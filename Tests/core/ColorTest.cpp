@@ -172,6 +172,15 @@ TEST(ColorTest, ConvertsToRedGreenAndBlue) {
     }
 }
 
+TEST(ColorTest, TextHasTheTopEightBitsOfEachPart) {
+    vxRGBColor theColor;
+    theColor.mRed = 255;
+    theColor.mGreen = 256;
+    theColor.mBlue = 65279;
+    EXPECT_STREQ(theColor.ToCSVString().GetString(0), "0,1,254");
+    EXPECT_STREQ(HSVOf({35999, 256, 65279}).ToCSVString().GetString(0), "359,1,254");
+}
+
 // A hundredth of a degree is coarser than a step of a part.
 TEST(ColorTest, ConvertingThereAndBackStaysWithinTheStepsOfTheHue) {
     for (unsigned i = 0; i < 65536; i += 37) {

@@ -339,9 +339,11 @@ TEST_F(ListTest, RemovalGoesThroughTheVirtualOperation) {
     theList.pop_back();
     theList.pop(3);
     theList.pop(*theList.find(4));
+    theList.push_back(6);
+    theList.push_back(7);
     theList.erase();
 
-    EXPECT_THAT(theList.mRemoved, ElementsAre(1, 5, 3, 4, 2));
+    EXPECT_THAT(theList.mRemoved, ElementsAre(1, 5, 3, 4, 2, 6, 7));
 }
 
 TEST_F(ListTest, ItemsAreDestroyedWithTheirListAndWhenRemoved) {

@@ -4,6 +4,8 @@
 
 #include <libteskTools/JSON.h>
 
+#include <cstdlib>
+
 #include "support/Forward.h"
 #include "support/Reports.h"
 #include "vx/JSON.h"
@@ -189,6 +191,26 @@ TEST_F(JSONOwnershipTest, RemovedMembersAndItemsAreFreedAndTakenOnesAreNot) {
     theNew.Insert(theEntry, kvxJSON_Append);
     EXPECT_EQ(Freed(), 0);
     EXPECT_EQ(theNew.GetCount(), 1u);
+}
+
+TEST_F(JSONOwnershipTest, ADecodedTreeGoesThroughTheVirtualSetter) {
+    struct Recorder : vxJSONEntry {
+        void SetEntry(vxJSON_t* anEntry, bool afIsOrphan) override {
+            mCalls++;
+            vxJSONEntry::SetEntry(anEntry, afIsOrphan);
+        }
+        int mCalls = 0;
+    };
+    const vxJSONDocument theDocument("[1,2]");
+    uint32_t theSize = 0;
+    uint8_t* theBuffer = theDocument.ToMPackBuffer(&theSize, 0);
+    Recorder theEntry;
+    EXPECT_TRUE(theEntry.FromMPackBuffer(theBuffer, 0));
+    free(theBuffer);
+    EXPECT_EQ(theEntry.mCalls, 1);
+    EXPECT_TRUE(theEntry.mfIsOrphan);
+    EXPECT_TRUE(theEntry.SameAs(theDocument));
+    vxJSON_Delete(theEntry.mEntry);
 }
 
 TEST_F(JSONOwnershipTest, TheMarkerOfADifferenceIsFreed) {

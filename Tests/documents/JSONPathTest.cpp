@@ -84,6 +84,13 @@ TEST(JSONPathTest, PathsAreReadAsTheyAreScanned) {
     EXPECT_THAT(theReports.Assertions(), IsEmpty());
 }
 
+TEST(JSONPathTest, ANameThatBeginsWithADollarIsAMember) {
+    const vxJSONDocument theDocument("{\"$x\":{\"b\":1},\"b\":2}");
+    EXPECT_EQ(Read(theDocument, "$x.b"), "1");
+    EXPECT_EQ(Read(vxJSONEntry(theDocument.mEntry), "$x.b"), "1");
+    EXPECT_EQ(Read(theDocument, "$.b"), "2");
+}
+
 TEST(JSONPathTest, ADollarStandsForDocumentsOnly) {
     const vxJSONDocument theDocument("{\"a\":{\"b\":1}}");
     EXPECT_EQ(Read(theDocument, "$.a.b"), "1");
