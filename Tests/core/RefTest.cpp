@@ -309,6 +309,28 @@ TEST(RefTest, AWatchedObjectLogsRetainsWithACallStackAndReleasesWithout) {
     }
 }
 
+TEST(RefTest, AWatchedObjectIsLoggedBeforeItsCountChanges) {
+    struct Counts {
+        static void Take(void* aContext, int, vxLogModule, const char*, int, const char*) {
+            auto* theCounts = static_cast<Counts*>(aContext);
+            theCounts->mSeen.push_back(theCounts->mObject._GetRefCount());
+        }
+        Recycled mObject;
+        std::vector<int> mSeen;
+    };
+    Counts theCounts;
+    vxLog_SetHandler(&Counts::Take, &theCounts);
+    {
+        const Watching theWatching(&theCounts.mObject);
+        theCounts.mObject.Retain(nullptr);
+        theCounts.mObject.Retain(nullptr);
+        theCounts.mObject.Release(nullptr);
+        theCounts.mObject.Release(nullptr);
+    }
+    vxLog_SetHandler(nullptr, nullptr);
+    EXPECT_THAT(theCounts.mSeen, ElementsAre(0, 1, 2, 1));
+}
+
 TEST(RefTest, OtherObjectsAreNotWatched) {
     vxRef<Probe> theWatched = new Probe;
     vxRef<Probe> theOther = new Probe;
