@@ -156,8 +156,13 @@ TEST_F(DetailsCacheTest, OnlyTheFilesUsedLastAreKept) {
 TEST_F(DetailsCacheTest, AnswersComeWhateverTheLimits) {
     mCache.SetLimits(0, 0);
     mLoop.mPool.SetThreadCount(3);
-    for (int i = 0; i < 50; ++i) {
-        Ask(mDir.Write("f" + std::to_string(i % 20), FLAC(kGIF)));
+    // All files are there before somebody reads one.
+    std::vector<std::string> thePaths;
+    for (int i = 0; i < 20; ++i) {
+        thePaths.push_back(mDir.Write("f" + std::to_string(i), FLAC(kGIF)));
+    }
+    for (size_t i = 0; i < 50; ++i) {
+        Ask(thePaths[i % 20]);
     }
     RunUntil(50);
     EXPECT_EQ(mAnswers, std::vector<std::string>(50, "GIF 5x4, 13 bytes"));
