@@ -58,9 +58,10 @@ struct CoverArt {
 
 /// What a media file tells about itself in words. All text is valid UTF-8; empty is unknown.
 ///
-/// MP3 has ID3 of versions 2.2 to 2.4, else of version 1; FLAC and Ogg have Vorbis comments and picture
-/// blocks; WAV has the list INFO; JPEG has the date of EXIF; PNG has that too, and texts, of which
-/// compressed ones are left out: nothing here inflates them; GIF has comments. Several values of one kind stand side by side with a ';' between them.
+/// MP3 has ID3 of versions 2.2 to 2.4, else of version 1; FLAC and Ogg have Vorbis comments and
+/// picture blocks; WAV has the list INFO; JPEG has the date of EXIF; PNG has that too, and texts, of
+/// which compressed ones are left out: nothing here inflates them; GIF has comments. Several values of
+/// one kind stand side by side with a ';' between them.
 struct MediaTags {
     vxCString mTitle;
     vxCString mCreator;
