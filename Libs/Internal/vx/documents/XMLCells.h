@@ -132,11 +132,11 @@ public:
 
 private:
     void Flush() {
-        if (mCount != 0) {
+        if (mSlab != NULL) {
             mSlab->Drop(std::exchange(mCount, 0));
         }
     }
 
-    vxXMLSlab* mSlab = NULL;
-    uint32_t mCount = 0;  // its cells that are to be taken off
+    vxXMLSlab* mSlab = NULL;  // of the last cell; null before the first
+    uint32_t mCount = 0;      // its cells that are to be taken off, at least one
 };
