@@ -22,8 +22,33 @@ protected:
         vxMutex_Delete(mMutex);
     }
 
+    /// Returns when it is so, asked under the mutex.
+    template <typename IsSo>
+    void Await(IsSo anIsSo) {
+        for (bool theIsSo = false; !theIsSo;) {
+            vxMutex_Lock(mMutex);
+            theIsSo = anIsSo();
+            vxMutex_Unlock(mMutex);
+        }
+    }
+
+    /// Starts a thread that waits for one signal, and returns when it sleeps.
+    std::thread StartSleeper() {
+        std::thread theThread([this] {
+            vxMutex_Lock(mMutex);
+            mfIsWaiting = true;
+            EXPECT_EQ(vxCondition_Wait(mCondition, mMutex), 0);
+            mfIsBack = true;
+            vxMutex_Unlock(mMutex);
+        });
+        Await([this] { return mfIsWaiting; });
+        return theThread;
+    }
+
     vxOSCondition* mCondition = vxCondition_New();
     vxOSMutex* mMutex = vxMutex_New();
+    bool mfIsWaiting = false;  // of the sleeper, under the mutex
+    bool mfIsBack = false;
 };
 
 TEST_F(OSConditionTest, WaitLetsGoOfTheMutexAndHoldsItAgain) {
@@ -241,20 +266,7 @@ TEST_F(OSConditionTest, SignalIsForThoseThatWaitedBeforeIt) {
     const SignalHandler theHandler(OSConditionTest_HoldUp);
     sfIsHeldUp = false;
     sfMayGoOn = false;
-    bool theIsWaiting = false;
-    bool theIsBack = false;
-    std::thread theOther([&] {
-        vxMutex_Lock(mMutex);
-        theIsWaiting = true;
-        EXPECT_EQ(vxCondition_Wait(mCondition, mMutex), 0);
-        theIsBack = true;
-        vxMutex_Unlock(mMutex);
-    });
-    for (bool theIsSleeping = false; !theIsSleeping;) {
-        vxMutex_Lock(mMutex);
-        theIsSleeping = theIsWaiting;
-        vxMutex_Unlock(mMutex);
-    }
+    std::thread theOther = StartSleeper();
     pthread_kill(theOther.native_handle(), SIGUSR2);
     while (!sfIsHeldUp) {
         sched_yield();
@@ -262,13 +274,13 @@ TEST_F(OSConditionTest, SignalIsForThoseThatWaitedBeforeIt) {
     vxMutex_Lock(mMutex);
     EXPECT_EQ(vxCondition_Signal(mCondition), 0);
     EXPECT_EQ(vxCondition_WaitTimeout(mCondition, mMutex, 1), ETIMEDOUT);
-    EXPECT_FALSE(theIsBack);
+    EXPECT_FALSE(mfIsBack);
     sfMayGoOn = true;
-    for (int i = 0; !theIsBack && i < 1000; ++i) {
+    for (int i = 0; !mfIsBack && i < 1000; ++i) {
         vxCondition_WaitTimeout(mCondition, mMutex, 60);
     }
-    EXPECT_TRUE(theIsBack);
-    if (!theIsBack) {
+    EXPECT_TRUE(mfIsBack);
+    if (!mfIsBack) {
         vxCondition_Signal(mCondition);
     }
     vxMutex_Unlock(mMutex);
@@ -288,19 +300,11 @@ TEST_F(OSConditionTest, ThreadsAreWokenInTheOrderInWhichTheyCame) {
             theOrder.push_back(i);
             vxMutex_Unlock(mMutex);
         });
-        for (bool theIsWaiting = false; !theIsWaiting;) {
-            vxMutex_Lock(mMutex);
-            theIsWaiting = theWaiting == i + 1;
-            vxMutex_Unlock(mMutex);
-        }
+        Await([&] { return theWaiting == i + 1; });
     }
     for (size_t i = 1; i <= kThreads; ++i) {
         vxCondition_Signal(mCondition);
-        for (bool theIsBack = false; !theIsBack;) {
-            vxMutex_Lock(mMutex);
-            theIsBack = theOrder.size() == i;
-            vxMutex_Unlock(mMutex);
-        }
+        Await([&] { return theOrder.size() == i; });
     }
     for (std::thread& theThread : theThreads) {
         theThread.join();
@@ -396,30 +400,17 @@ extern "C" void OSConditionTest_Ignore(int) {}
 
 TEST_F(OSConditionTest, InterruptionsEndNoWait) {
     const SignalHandler theHandler(OSConditionTest_Ignore);
-    bool theIsWaiting = false;
-    bool theIsBack = false;
-    std::thread theOther([&] {
-        vxMutex_Lock(mMutex);
-        theIsWaiting = true;
-        EXPECT_EQ(vxCondition_Wait(mCondition, mMutex), 0);
-        theIsBack = true;
-        vxMutex_Unlock(mMutex);
-    });
-    for (bool theIsSleeping = false; !theIsSleeping;) {
-        vxMutex_Lock(mMutex);
-        theIsSleeping = theIsWaiting;
-        vxMutex_Unlock(mMutex);
-    }
+    std::thread theOther = StartSleeper();
     for (int i = 0; i < 1000; ++i) {
         pthread_kill(theOther.native_handle(), SIGUSR2);
         vxMutex_Lock(mMutex);
-        EXPECT_FALSE(theIsBack);
+        EXPECT_FALSE(mfIsBack);
         EXPECT_EQ(vxCondition_WaitTimeout(mCondition, mMutex, 0), ETIMEDOUT);
         vxMutex_Unlock(mMutex);
     }
     vxCondition_Signal(mCondition);
     theOther.join();
-    EXPECT_TRUE(theIsBack);
+    EXPECT_TRUE(mfIsBack);
 }
 
 // Signals come with and without the mutex, waits with and without a limit.
